@@ -1,0 +1,116 @@
+#include "app/TAppData.h"
+
+#include "app/TApp.h"
+#include "app/TSettings.h"
+
+TAppData AppData;
+
+TAppData::TAppData() {
+    pathLanguage = "language";
+    language = "eng.lng";
+    pathProjects = "projects";
+    pathDevices = "devices";
+    pathProgs = "progs";
+    selectPrjListFile = "sp.lpl";
+    style = "Fusion";
+    colorTime = QColor(0x80, 0x80, 0x80);
+    colorCmd = QColor(0x00, 0x00, 0xA0);
+    colorMsg = QColor(0x00, 0x00, 0x00);
+    colorInfo = QColor(0x00, 0x70, 0x70);
+    colorResult = QColor(0x60, 0x00, 0x90);
+    colorOk = QColor(0x00, 0x80, 0x00);
+    colorFailed = QColor(0xC0, 0x00, 0x00);
+    colorProgress = QColor(0xA0, 0x60, 0x00);
+    colorText = QColor(0x30, 0x30, 0x30);
+}
+
+QString TAppData::resolve(const QString& path) const { return TApp::getAbsoluteFile(TApp::getPathApp(), path); }
+
+QString TAppData::getPathLanguageAbs() const { return resolve(pathLanguage); }
+QString TAppData::getLanguageFileAbs() const { return TApp::getAbsoluteFile(getPathLanguageAbs(), language); }
+QString TAppData::getPathProjectsAbs() const { return resolve(pathProjects); }
+QString TAppData::getPathDevicesAbs() const { return resolve(pathDevices); }
+QString TAppData::getPathProgsAbs() const { return resolve(pathProgs); }
+QString TAppData::getSelectPrjListFileAbs() const { return resolve(selectPrjListFile); }
+
+namespace {
+QColor readColor(TSettings& s, const QString& key, const QColor& def) {
+    const QColor c(s.value(key, def.name()).toString());
+    return c.isValid() ? c : def;
+}
+} // namespace
+
+void TAppData::loadData() {
+    TSettings s;
+    const TAppData def;
+    pathLanguage = s.value("/Main/PathLanguage", def.pathLanguage).toString();
+    language = s.value("/Main/Language", def.language).toString();
+    pathProjects = s.value("/Main/PathProjects", def.pathProjects).toString();
+    pathDevices = s.value("/Main/PathDevices", def.pathDevices).toString();
+    pathProgs = s.value("/Main/PathProgs", def.pathProgs).toString();
+    selectPrjListFile = s.value("/Main/SelectPrjListFile", def.selectPrjListFile).toString();
+    style = s.value("/Main/Style", def.style).toString();
+    debug = s.value("/Main/Debug", 0).toInt();
+    TApp::setDebug(debug != 0);
+    fontAppName = s.value("/Main/FontAppName", QString()).toString();
+    fontAppSize = s.value("/Main/FontAppSize", 0).toInt();
+    fontMonoName = s.value("/Main/FontMonoName", QString()).toString();
+    fontMonoSize = s.value("/Main/FontMonoSize", 0).toInt();
+    iconsSet = s.value("/Main/IconsSet", 0).toInt();
+    openLastPrj = s.value("/Main/OpenLastPrj", true).toBool();
+    lastPrj = s.value("/Main/LastPrj", QString()).toString();
+
+    logShowTime = s.value("/Interface/ExecLogShowTime", true).toBool();
+    logShowMSec = s.value("/Interface/ExecLogShowMSec", false).toBool();
+    logClearBeforeRun = s.value("/Interface/ExecLogClear", true).toBool();
+    colorTime = readColor(s, "/Interface/ExecLogColorTime", def.colorTime);
+    colorCmd = readColor(s, "/Interface/ExecLogColorCmd", def.colorCmd);
+    colorMsg = readColor(s, "/Interface/ExecLogColorMsg", def.colorMsg);
+    colorInfo = readColor(s, "/Interface/ExecLogColorInfo", def.colorInfo);
+    colorResult = readColor(s, "/Interface/ExecLogColorResult", def.colorResult);
+    colorOk = readColor(s, "/Interface/ExecLogColorOk", def.colorOk);
+    colorFailed = readColor(s, "/Interface/ExecLogColorFailed", def.colorFailed);
+    colorProgress = readColor(s, "/Interface/ExecLogColorProgress", def.colorProgress);
+    colorText = readColor(s, "/Interface/ExecLogColorText", def.colorText);
+
+    confirmQuit = s.value("/Confirmation/Quit", true).toBool();
+    confirmSavePrj = s.value("/Confirmation/SavePrj", true).toBool();
+    confirmProcess = s.value("/Confirmation/Process", true).toBool();
+}
+
+void TAppData::saveData() const {
+    TSettings s;
+    s.setValue("/Main/PathLanguage", pathLanguage);
+    s.setValue("/Main/Language", language);
+    s.setValue("/Main/PathProjects", pathProjects);
+    s.setValue("/Main/PathDevices", pathDevices);
+    s.setValue("/Main/PathProgs", pathProgs);
+    s.setValue("/Main/SelectPrjListFile", selectPrjListFile);
+    s.setValue("/Main/Style", style);
+    s.setValue("/Main/Debug", debug);
+    s.setValue("/Main/FontAppName", fontAppName);
+    s.setValue("/Main/FontAppSize", fontAppSize);
+    s.setValue("/Main/FontMonoName", fontMonoName);
+    s.setValue("/Main/FontMonoSize", fontMonoSize);
+    s.setValue("/Main/IconsSet", iconsSet);
+    s.setValue("/Main/OpenLastPrj", openLastPrj);
+    s.setValue("/Main/LastPrj", lastPrj);
+
+    s.setValue("/Interface/ExecLogShowTime", logShowTime);
+    s.setValue("/Interface/ExecLogShowMSec", logShowMSec);
+    s.setValue("/Interface/ExecLogClear", logClearBeforeRun);
+    s.setValue("/Interface/ExecLogColorTime", colorTime.name());
+    s.setValue("/Interface/ExecLogColorCmd", colorCmd.name());
+    s.setValue("/Interface/ExecLogColorMsg", colorMsg.name());
+    s.setValue("/Interface/ExecLogColorInfo", colorInfo.name());
+    s.setValue("/Interface/ExecLogColorResult", colorResult.name());
+    s.setValue("/Interface/ExecLogColorOk", colorOk.name());
+    s.setValue("/Interface/ExecLogColorFailed", colorFailed.name());
+    s.setValue("/Interface/ExecLogColorProgress", colorProgress.name());
+    s.setValue("/Interface/ExecLogColorText", colorText.name());
+
+    s.setValue("/Confirmation/Quit", confirmQuit);
+    s.setValue("/Confirmation/SavePrj", confirmSavePrj);
+    s.setValue("/Confirmation/Process", confirmProcess);
+    s.sync();
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QColor>
+#include <QString>
+
+// Every setting that start-up and the run-time parts need, read from and written to the settings file.
+// Data folders are stored as given (relative to the application folder by default); the get...Abs()
+// accessors resolve them.
+class TAppData {
+public:
+    TAppData();
+
+    void loadData();
+    void saveData() const;
+
+    // Data folders and files.
+    QString pathLanguage, language, pathProjects, pathDevices, pathProgs, selectPrjListFile;
+    QString getPathLanguageAbs() const;
+    QString getLanguageFileAbs() const;
+    QString getPathProjectsAbs() const;
+    QString getPathDevicesAbs() const;
+    QString getPathProgsAbs() const;
+    QString getSelectPrjListFileAbs() const;
+
+    // Look and feel.
+    QString style;
+    int debug = 0;
+    QString fontAppName, fontMonoName;
+    int fontAppSize = 0, fontMonoSize = 0;
+    int iconsSet = 0;
+
+    // Main window behaviour.
+    bool openLastPrj = true;
+    QString lastPrj;
+
+    // Execution log presentation.
+    bool logShowTime = true, logShowMSec = false, logClearBeforeRun = true;
+    QColor colorTime, colorCmd, colorMsg, colorInfo, colorResult, colorOk, colorFailed, colorProgress,
+        colorText;
+
+    // Confirmations.
+    bool confirmQuit = true, confirmSavePrj = true, confirmProcess = true;
+
+private:
+    QString resolve(const QString& path) const;
+};
+
+extern TAppData AppData;

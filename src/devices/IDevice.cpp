@@ -1,0 +1,9 @@
+#include "devices/IDevice.h"
+
+IDevice::IDevice(const QString& code, QObject* parent) : QObject(parent), devCode(code) {}
+
+IDevice::~IDevice() = default;
+
+bool IDevice::getResetStatus() const { return devParam.value(QStringLiteral("reset"), false).toBool(); }
+
+QString IDevice::getDevConnect() const { return devParam.value(QStringLiteral("prg_section")).toString(); }

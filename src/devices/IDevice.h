@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/TTypes.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QStringList>
+
+class IDeviceExec;
+class QWidget;
+
+// The editing face of a command family: one object per selected device (or per family for the
+// programmer and tools commands). It supplies defaults, checks, views and forms of its commands and
+// creates the executor that runs one of them.
+class IDevice : public QObject {
+    Q_OBJECT
+public:
+    explicit IDevice(const QString& code, QObject* parent = nullptr);
+    ~IDevice() override;
+
+    virtual bool supportCmd(const QString& code) const = 0;
+    virtual QStringList getSupportCmdList() const = 0;
+    virtual void getDefaultCmdParam(TData& param) = 0;
+    virtual QString getViewCmdName(const TData& param) const = 0;
+    virtual QString getViewCmdParam(const TData& param, QWidget* parent) const = 0;
+    virtual QWidget* getFormCmdParam(const TData& param) const = 0;
+    virtual TData getChangedParam(const TData& param) const = 0;
+    virtual void normCmdParam(TData& param) = 0;
+    virtual bool checkCmdParam(const TData& param) = 0;
+    virtual bool checkCmdSetDeviceParam(const TData& param) = 0;
+    virtual void getDefaultParamCmdSetDevice(TData& param) = 0;
+    virtual QWidget* getWgtCmdSetDeviceParam(const TData& param) = 0;
+    virtual QByteArray getCmdSetDeviceExec(const TData& param) = 0;
+    // A new executor for the command; the caller owns it.
+    virtual IDeviceExec* createExecObject(const TData& param) = 0;
+
+    void setDevParam(const TData& param) { devParam = param; }
+    TData getDevParam() const { return devParam; }
+    QString getDeviceCode() const { return devCode; }
+    void setDevDesc(const QStringList& desc) { devDesc = desc; }
+    QStringList getDevDesc() const { return devDesc; }
+    bool getResetStatus() const;
+    QString getDevConnect() const;
+
+protected:
+    TData devParam;
+    QString devCode;
+    QStringList devDesc;
+};

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "app/TTypes.h"
+
+#include <QRecursiveMutex>
+#include <QString>
+
+// One configuration: a named, described list of commands (the commands live in the project's list).
+class TDataCfg {
+public:
+    TDataCfg(const QString& name, const QString& desc);
+
+    static void resetUINCounter();
+
+    int getUIN() const { return uin; }
+    void setName(const QString& name);
+    QString getName() const;
+    void setDesc(const QString& desc);
+    QString getDesc() const;
+    void setStatus(TCodeCfgStatus status);
+    TCodeCfgStatus getStatus() const;
+    TData getData() const;
+    void setData(const TData& data);
+
+private:
+    mutable QRecursiveMutex mutex;
+    const int uin;
+    QString name, desc;
+    TCodeCfgStatus status = CfgStatusNone;
+};
