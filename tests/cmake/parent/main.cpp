@@ -1,0 +1,3 @@
+#include "project/TCmdCode.h"
+
+int main() { return CmdCode.getName("jamp") == "Jamp" ? 0 : 1; }
