@@ -15,13 +15,13 @@ TAppData::TAppData() {
     style = "Fusion";
     colorTime = QColor(0x80, 0x80, 0x80);
     colorCmd = QColor(0x00, 0x00, 0xA0);
-    colorMsg = QColor(0x00, 0x00, 0x00);
-    colorInfo = QColor(0x00, 0x70, 0x70);
+    colorParam = QColor(0x00, 0x60, 0x80);
+    colorText = QColor(0x20, 0x20, 0x20);
+    colorWork = QColor(0xA0, 0x60, 0x00);
     colorResult = QColor(0x60, 0x00, 0x90);
-    colorOk = QColor(0x00, 0x80, 0x00);
+    colorSuccess = QColor(0x00, 0x80, 0x00);
     colorFailed = QColor(0xC0, 0x00, 0x00);
-    colorProgress = QColor(0xA0, 0x60, 0x00);
-    colorText = QColor(0x30, 0x30, 0x30);
+    colorBackground = QColor(0xFF, 0xFF, 0xFF);
 }
 
 QString TAppData::resolve(const QString& path) const { return TApp::getAbsoluteFile(TApp::getPathApp(), path); }
@@ -65,13 +65,13 @@ void TAppData::loadData() {
     logClearBeforeRun = s.value("/Interface/ExecLogClear", true).toBool();
     colorTime = readColor(s, "/Interface/ExecLogColorTime", def.colorTime);
     colorCmd = readColor(s, "/Interface/ExecLogColorCmd", def.colorCmd);
-    colorMsg = readColor(s, "/Interface/ExecLogColorMsg", def.colorMsg);
-    colorInfo = readColor(s, "/Interface/ExecLogColorInfo", def.colorInfo);
-    colorResult = readColor(s, "/Interface/ExecLogColorResult", def.colorResult);
-    colorOk = readColor(s, "/Interface/ExecLogColorOk", def.colorOk);
-    colorFailed = readColor(s, "/Interface/ExecLogColorFailed", def.colorFailed);
-    colorProgress = readColor(s, "/Interface/ExecLogColorProgress", def.colorProgress);
+    colorParam = readColor(s, "/Interface/ExecLogColorParam", def.colorParam);
     colorText = readColor(s, "/Interface/ExecLogColorText", def.colorText);
+    colorWork = readColor(s, "/Interface/ExecLogColorWork", def.colorWork);
+    colorResult = readColor(s, "/Interface/ExecLogColorResult", def.colorResult);
+    colorSuccess = readColor(s, "/Interface/ExecLogColorSuccess", def.colorSuccess);
+    colorFailed = readColor(s, "/Interface/ExecLogColorFailed", def.colorFailed);
+    colorBackground = readColor(s, "/Interface/ExecLogColorBackground", def.colorBackground);
 
     confirmQuit = s.value("/Confirmation/Quit", true).toBool();
     confirmSavePrj = s.value("/Confirmation/SavePrj", true).toBool();
@@ -101,13 +101,13 @@ void TAppData::saveData() const {
     s.setValue("/Interface/ExecLogClear", logClearBeforeRun);
     s.setValue("/Interface/ExecLogColorTime", colorTime.name());
     s.setValue("/Interface/ExecLogColorCmd", colorCmd.name());
-    s.setValue("/Interface/ExecLogColorMsg", colorMsg.name());
-    s.setValue("/Interface/ExecLogColorInfo", colorInfo.name());
-    s.setValue("/Interface/ExecLogColorResult", colorResult.name());
-    s.setValue("/Interface/ExecLogColorOk", colorOk.name());
-    s.setValue("/Interface/ExecLogColorFailed", colorFailed.name());
-    s.setValue("/Interface/ExecLogColorProgress", colorProgress.name());
+    s.setValue("/Interface/ExecLogColorParam", colorParam.name());
     s.setValue("/Interface/ExecLogColorText", colorText.name());
+    s.setValue("/Interface/ExecLogColorWork", colorWork.name());
+    s.setValue("/Interface/ExecLogColorResult", colorResult.name());
+    s.setValue("/Interface/ExecLogColorSuccess", colorSuccess.name());
+    s.setValue("/Interface/ExecLogColorFailed", colorFailed.name());
+    s.setValue("/Interface/ExecLogColorBackground", colorBackground.name());
 
     s.setValue("/Confirmation/Quit", confirmQuit);
     s.setValue("/Confirmation/SavePrj", confirmSavePrj);

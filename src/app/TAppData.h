@@ -35,8 +35,8 @@ public:
 
     // Execution log presentation.
     bool logShowTime = true, logShowMSec = false, logClearBeforeRun = true;
-    QColor colorTime, colorCmd, colorMsg, colorInfo, colorResult, colorOk, colorFailed, colorProgress,
-        colorText;
+    QColor colorTime, colorCmd, colorParam, colorText, colorWork, colorResult, colorSuccess, colorFailed,
+        colorBackground;
 
     // Confirmations.
     bool confirmQuit = true, confirmSavePrj = true, confirmProcess = true;
