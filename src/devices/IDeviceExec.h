@@ -30,14 +30,19 @@ public:
 signals:
     void signalEventText(TCodeExec code, QString text, QString info);
     void signalEventProc(int percent);
+    // Only the commands that start other runs ("execute", "auto_detect") or wait ("pause") emit these.
+    void signalExecuteFromCmd(int idCfg);
+    void signalPauseFromCmd(int idCfg);
 
 public slots:
     void slotStop() { stop = true; }
+    void slotPauseReset() { pause = false; }
 
 protected:
     bool isStop() const { return stop; }
 
     TData param;
     std::atomic<bool> stop{false};
+    std::atomic<bool> pause{false};
     QString errorText;
 };
