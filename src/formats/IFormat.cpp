@@ -1,0 +1,25 @@
+#include "formats/IFormat.h"
+
+#include "app/TLang.h"
+
+IFormat::IFormat(const QString& file_name, qint64 addr_file, qint64 addr_device, qint64 last_address,
+                 qint64 chunk)
+    : file_name(file_name), addr_file(addr_file), addr_device(addr_device), last_address(last_address),
+      chunk(chunk), pos_file(addr_file), pos_device(addr_device) {}
+
+bool IFormat::openFile(TFormatMode mode, QIODevice::OpenMode flags) {
+    error_text.clear();
+    pos_file = addr_file;
+    pos_device = addr_device;
+    file.setFileName(file_name);
+    if (mode == FormatModeRead && !file.exists())
+        return fail(Lang.get(417));
+    if (!file.open(flags))
+        return fail(Lang.get(419).arg(file.errorString()));
+    return true;
+}
+
+bool IFormat::fail(const QString& text) {
+    error_text = text;
+    return false;
+}

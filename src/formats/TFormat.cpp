@@ -1,0 +1,29 @@
+#include "formats/TFormat.h"
+
+#include "formats/TFormatBIN.h"
+#include "formats/TFormatHEX.h"
+
+TFormat::TFormat(QString key, QString file, long long addr_file, long long addr_device, long long last_address,
+                 long long chunk) {
+    // An unknown key is not an error: it falls back to Intel HEX.
+    if (key == "bin" || key == "bin+")
+        format = std::make_unique<TFormatBIN>(key, file, addr_file, addr_device, last_address, chunk);
+    else
+        format = std::make_unique<TFormatHEX>(file, addr_file, addr_device, last_address, chunk);
+}
+
+TFormat::~TFormat() = default;
+
+bool TFormat::open(TFormatMode mode) { return format->open(mode); }
+
+bool TFormat::read(long long& addr, QByteArray& data) { return format->read(addr, data); }
+
+bool TFormat::write(long long pos, QByteArray data) { return format->write(pos, std::move(data)); }
+
+bool TFormat::close() { return format->close(); }
+
+QString TFormat::getErrorText() const { return format->getErrorText(); }
+
+QStringList TFormat::getViewFormats() { return {"HEX", "BIN", "BIN+"}; }
+
+QString TFormat::getMaskFormats() { return "*.bin *.hex"; }

@@ -1,0 +1,204 @@
+#include "formats/TFormatHEX.h"
+
+#include "app/TLang.h"
+#include "misc/dev_misc.h"
+
+namespace {
+constexpr int max_line = 1024;
+constexpr int out_block = 1 << 16;
+
+int hexDigit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    return -1;
+}
+} // namespace
+
+TFormatHEX::TFormatHEX(const QString& file_name, qint64 addr_file, qint64 addr_device, qint64 last_address,
+                       qint64 chunk)
+    : IFormat(file_name, addr_file, addr_device, last_address, chunk) {}
+
+bool TFormatHEX::open(TFormatMode open_mode) {
+    mode = open_mode;
+    upper = 0;
+    ended = false;
+    buffer.clear();
+    out.clear();
+    if (mode == FormatModeRead)
+        return openFile(mode, QIODevice::ReadOnly);
+    if (!openFile(mode, QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    // The kind of address record follows from the end of the range. Type 02 carries the upper 16 address
+    // bits just like type 04, not a segment; the reader takes it the same way.
+    const qint64 last_record = addr_file + (last_address - addr_device);
+    address_type = last_record > 0xFFFFF ? 4 : last_record > 0xFFFF ? 2 : 0;
+    if (address_type) {
+        upper = addr_file >> 16;
+        appendAddressRecord();
+    }
+    return true;
+}
+
+int TFormatHEX::readString(QByteArray& record) {
+    record.clear();
+    if (file.atEnd())
+        return RecordEnd;
+    char line[max_line + 1];
+    const qint64 n = file.readLine(line, sizeof line);
+    if (n < 0) {
+        fail(Lang.get(420).arg(file.errorString()));
+        return RecordError;
+    }
+    qint64 end = n;
+    while (end > 0 && (line[end - 1] == '\n' || line[end - 1] == '\r' || line[end - 1] == ' '))
+        --end;
+    if (end < 11 || line[0] != ':' || (end - 1) % 2 != 0)
+        return RecordEnd;
+    record.resize(int((end - 1) / 2));
+    uchar sum = 0;
+    for (int i = 0; i < record.size(); ++i) {
+        const int high = hexDigit(line[1 + 2 * i]), low = hexDigit(line[2 + 2 * i]);
+        if (high < 0 || low < 0)
+            return RecordEnd;
+        record[i] = char(high << 4 | low);
+        sum += uchar(record[i]);
+    }
+    if (sum != 0 || uchar(record[0]) != record.size() - 5)
+        return RecordEnd;
+    return uchar(record[3]);
+}
+
+// A damaged line ends the data as if the file ended there; no error is reported for it.
+bool TFormatHEX::read(long long& addr, QByteArray& data) {
+    data.clear();
+    const qint64 start = addr - addr_device + addr_file;
+    const qint64 last = addr_file + (last_address - addr_device);
+    qint64 begin = -1, limit = 0;
+    QByteArray record;
+    while (!ended) {
+        const qint64 line_pos = file.pos();
+        const int type = readString(record);
+        if (type == RecordError)
+            return false;
+        if (type == RecordEnd || type == 1) {
+            ended = true;
+            break;
+        }
+        const uchar* rec = reinterpret_cast<const uchar*>(record.constData());
+        if ((type == 2 || type == 4) && rec[0] == 2)
+            upper = rec[4] << 8 | rec[5];
+        if (type != 0)
+            continue;
+        qint64 a = (upper << 16) + (rec[1] << 8 | rec[2]);
+        qint64 n = rec[0];
+        const qint64 skip = qMax<qint64>(0, start - a);
+        if (skip >= n)
+            continue;
+        a += skip;
+        n -= skip;
+        const bool continues = begin < 0 || a == begin + data.size();
+        if (a > last || !continues) {
+            file.seek(line_pos); // this record begins the next piece
+            break;
+        }
+        if (begin < 0) {
+            begin = a;
+            limit = TMiscDev::getSize(a - addr_file + addr_device, last_address, chunk);
+        }
+        const qint64 take = qMin(qMin(n, limit - data.size()), last - a + 1);
+        data.append(record.constData() + 4 + skip, int(take));
+        if (take < n)
+            file.seek(line_pos);
+        if (take < n || data.size() >= limit)
+            break;
+    }
+    if (begin >= 0)
+        addr = begin - addr_file + addr_device;
+    return true;
+}
+
+bool TFormatHEX::write(long long pos, QByteArray data) {
+    const uchar* p = reinterpret_cast<const uchar*>(data.constData());
+    qint64 n = data.size();
+    while (n > 0) {
+        if (!buffer.isEmpty() && pos != buffer_start + buffer.size() && !flushBuffer())
+            return false;
+        if (buffer.isEmpty())
+            buffer_start = pos;
+        const int take = int(qMin<qint64>(n, record_size - pos % record_size));
+        buffer.append(reinterpret_cast<const char*>(p), take);
+        pos += take;
+        p += take;
+        n -= take;
+        if (pos % record_size == 0 && !flushBuffer())
+            return false;
+    }
+    return true;
+}
+
+bool TFormatHEX::flushBuffer() {
+    if (buffer.isEmpty())
+        return true;
+    if (address_type && (buffer_start >> 16) != upper) {
+        upper = buffer_start >> 16;
+        appendAddressRecord();
+    }
+    appendRecord(0, quint16(buffer_start), reinterpret_cast<const uchar*>(buffer.constData()), buffer.size());
+    buffer.clear();
+    return out.size() < out_block || writeOut();
+}
+
+void TFormatHEX::appendAddressRecord() {
+    const uchar bits[2] = {uchar(upper >> 8), uchar(upper)};
+    appendRecord(address_type, 0, bits, 2);
+}
+
+void TFormatHEX::appendRecord(int type, quint16 offset, const uchar* data, int length) {
+    static const char digits[] = "0123456789ABCDEF";
+    char line[1 + 2 * (4 + 255 + 1) + 2];
+    char* o = line;
+    *o++ = ':';
+    uchar sum = 0;
+    auto put = [&](uchar b) {
+        *o++ = digits[b >> 4];
+        *o++ = digits[b & 15];
+        sum += b;
+    };
+    put(uchar(length));
+    put(uchar(offset >> 8));
+    put(uchar(offset));
+    put(uchar(type));
+    for (int i = 0; i < length; ++i)
+        put(data[i]);
+    put(uchar(-sum));
+    *o++ = '\r';
+    *o++ = '\n';
+    out.append(line, int(o - line));
+}
+
+bool TFormatHEX::writeOut() {
+    if (file.write(out) != out.size())
+        return fail(file.errorString());
+    out.clear();
+    return true;
+}
+
+bool TFormatHEX::close() {
+    if (!file.isOpen())
+        return true;
+    bool ok = true;
+    if (mode == FormatModeWrite) {
+        // The thirteen bare line feeds after the end record are kept so that files stay byte for byte
+        // the same as those written by earlier versions.
+        ok = flushBuffer();
+        out.append(":00000001FF");
+        out.append(13, '\n');
+        ok = ok && writeOut() && (file.flush() || fail(file.errorString()));
+    }
+    file.close();
+    return ok;
+}

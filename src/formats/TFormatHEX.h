@@ -1,0 +1,34 @@
+#pragma once
+
+#include "formats/IFormat.h"
+
+// Intel HEX. Record addresses are file addresses: device address d is stored at d - addr_device + addr_file.
+class TFormatHEX : public IFormat {
+public:
+    TFormatHEX(const QString& file_name, qint64 addr_file, qint64 addr_device, qint64 last_address,
+               qint64 chunk);
+
+    bool open(TFormatMode mode) override;
+    bool read(long long& addr, QByteArray& data) override;
+    bool write(long long pos, QByteArray data) override;
+    bool close() override;
+
+private:
+    enum { RecordEnd = -1, RecordError = -2 };
+    static constexpr int record_size = 16;
+
+    // The next line as record bytes; its type, RecordEnd for anything undecodable, RecordError on failure.
+    int readString(QByteArray& record);
+    bool flushBuffer();
+    void appendRecord(int type, quint16 offset, const uchar* data, int length);
+    void appendAddressRecord();
+    bool writeOut();
+
+    qint64 upper = 0; // address bits 31-16 last emitted or read
+    qint64 buffer_start = 0;
+    QByteArray buffer;
+    QByteArray out; // encoded records not yet handed to the file
+    int address_type = 0;
+    bool ended = false; // an end record or a damaged line was met: no data follows
+    TFormatMode mode = FormatModeRead;
+};
