@@ -1,6 +1,9 @@
 #include "misc/dev_misc.h"
 
+#include "app/TApp.h"
 #include "app/TLang.h"
+#include "project/CTagPrj.h"
+#include "project/TDataPrj.h"
 
 #include <QRegularExpression>
 #include <QVector>
@@ -83,4 +86,58 @@ QString TMiscDev::getViewFreqValue(int hz) {
 
 QString TMiscDev::getViewFreqAndDutyCycleValue(int hz, int duty) {
     return QString("%1, %2 %").arg(getViewFreqValue(hz)).arg(duty);
+}
+
+void TMiscDev::getCmdParamRWVChar(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end, uchar& fill) {
+    id_cmd = TAPP_PARAM(p, CTagCmd::id_cmd).toInt();
+    addr_begin = TAPP_PARAM(p, "addr_device").toLongLong();
+    addr_end = addr_begin + TAPP_PARAM(p, "count").toLongLong() - 1;
+    fill = uchar(TAPP_PARAM(p, "fill_char").toInt());
+}
+
+void TMiscDev::getCmdParamRWVData(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end,
+                                  QByteArray& data, QString& text) {
+    id_cmd = TAPP_PARAM(p, CTagCmd::id_cmd).toInt();
+    addr_begin = TAPP_PARAM(p, "addr_device").toLongLong();
+    text = TAPP_PARAM(p, "data").toString();
+    data = getByteArrayFromHex(text);
+    addr_end = addr_begin + data.size() - 1;
+}
+
+void TMiscDev::getCmdParamRWVFile(const TData& p, int& id_cmd, qint64& addr_file, qint64& addr_begin,
+                                  qint64& addr_end, QString& file, QString& format) {
+    id_cmd = TAPP_PARAM(p, CTagCmd::id_cmd).toInt();
+    addr_file = TAPP_PARAM(p, "addr_file").toLongLong();
+    addr_begin = TAPP_PARAM(p, "addr_device").toLongLong();
+    addr_end = addr_begin + TAPP_PARAM(p, "count").toLongLong() - 1;
+    file = TApp::getAbsoluteFile(ProjectData.getPrjWorkPath(), TAPP_PARAM(p, "file").toString());
+    format = TAPP_PARAM(p, "format").toString().toLower();
+}
+
+QString TMiscDev::getHexFromByteArrayMask(const QString& mask, const QByteArray& data) {
+    static const QRegularExpression pair("[0-9A-Fa-f]{2}");
+    QString out = mask;
+    int next = 0;
+    for (auto it = pair.globalMatch(mask); it.hasNext() && next < data.size();) {
+        const auto m = it.next();
+        out.replace(m.capturedStart(), 2, getHexFromInt(int(uchar(data.at(next++)))));
+    }
+    // Bytes beyond the mask are appended, so nothing read is hidden.
+    if (next < data.size())
+        out += getHexFromByteArray(data.mid(next));
+    return out;
+}
+
+QString TMiscDev::getViewParamRWVChar(qint64 addr, qint64 count, int fill) {
+    return QStringLiteral("0x%1..0x%2 :0x%3").arg(getHexFromInt(addr), getHexFromInt(addr + count - 1), getHexFromInt(fill));
+}
+
+QString TMiscDev::getViewParamRWVData(qint64 addr, const QString& text) {
+    const qint64 count = getByteArrayFromHex(text).size();
+    return QStringLiteral("0x%1..0x%2 :0x%3").arg(getHexFromInt(addr), getHexFromInt(addr + qMax<qint64>(count, 1) - 1),
+                                                   getHexFromInt(count));
+}
+
+QString TMiscDev::getViewParamRWVFile(const QString& file, const QString& format) {
+    return QStringLiteral("%1 (%2)").arg(file, format.toUpper());
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/TTypes.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QtGlobal>
@@ -21,6 +23,22 @@ public:
     static QString getMsgVerifyError(qint64 addr, qint64 expected, qint64 read);
 
     static QString getViewDeviceSize(qint64 size);
+
+    // A command's parameters unpacked for execution. Ends are inclusive; a file name comes back absolute
+    // against the project's work folder and its format in lower case.
+    static void getCmdParamRWVChar(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end, uchar& fill);
+    static void getCmdParamRWVData(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end,
+                                   QByteArray& data, QString& text);
+    static void getCmdParamRWVFile(const TData& p, int& id_cmd, qint64& addr_file, qint64& addr_begin,
+                                   qint64& addr_end, QString& file, QString& format);
+    // Hex text of the bytes laid over a data text: the text's own layout (blanks, line breaks) is kept and
+    // each pair of hex digits in it is replaced by the next byte.
+    static QString getHexFromByteArrayMask(const QString& mask, const QByteArray& data);
+
+    // One-line views of the read, write and verify commands.
+    static QString getViewParamRWVChar(qint64 addr, qint64 count, int fill);
+    static QString getViewParamRWVData(qint64 addr, const QString& text);
+    static QString getViewParamRWVFile(const QString& file, const QString& format);
     static QString getViewFreqValue(int hz);
     static QString getViewFreqAndDutyCycleValue(int hz, int duty);
 };
