@@ -7,15 +7,18 @@ namespace {
 constexpr int max_line = 1024;
 constexpr int out_block = 1 << 16;
 
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
+// Value of each character as a hexadecimal digit, -1 for any other character.
+struct THexDigits {
+    signed char value[256];
+    THexDigits() {
+        for (int c = 0; c < 256; ++c)
+            value[c] = c >= '0' && c <= '9' ? c - '0'
+                       : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                       : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                                              : -1;
+    }
+};
+const THexDigits hex_digits;
 } // namespace
 
 TFormatHEX::TFormatHEX(const QString& file_name, qint64 addr_file, qint64 addr_device, qint64 last_address,
@@ -44,12 +47,11 @@ bool TFormatHEX::open(TFormatMode open_mode) {
 }
 
 int TFormatHEX::readString(QByteArray& record) {
-    record.clear();
-    if (file.atEnd())
-        return RecordEnd;
     char line[max_line + 1];
     const qint64 n = file.readLine(line, sizeof line);
-    if (n < 0) {
+    if (n <= 0) {
+        if (n == 0 || file.atEnd())
+            return RecordEnd;
         fail(Lang.get(420).arg(file.errorString()));
         return RecordError;
     }
@@ -59,15 +61,17 @@ int TFormatHEX::readString(QByteArray& record) {
     if (end < 11 || line[0] != ':' || (end - 1) % 2 != 0)
         return RecordEnd;
     record.resize(int((end - 1) / 2));
+    uchar* rec = reinterpret_cast<uchar*>(record.data());
+    const uchar* digits = reinterpret_cast<const uchar*>(line + 1);
     uchar sum = 0;
     for (int i = 0; i < record.size(); ++i) {
-        const int high = hexDigit(line[1 + 2 * i]), low = hexDigit(line[2 + 2 * i]);
-        if (high < 0 || low < 0)
+        const int high = hex_digits.value[digits[2 * i]], low = hex_digits.value[digits[2 * i + 1]];
+        if ((high | low) < 0)
             return RecordEnd;
-        record[i] = char(high << 4 | low);
-        sum += uchar(record[i]);
+        rec[i] = uchar(high << 4 | low);
+        sum += rec[i];
     }
-    if (sum != 0 || uchar(record[0]) != record.size() - 5)
+    if (sum != 0 || rec[0] != record.size() - 5)
         return RecordEnd;
     return uchar(record[3]);
 }
@@ -108,6 +112,7 @@ bool TFormatHEX::read(long long& addr, QByteArray& data) {
         if (begin < 0) {
             begin = a;
             limit = TMiscDev::getSize(a - addr_file + addr_device, last_address, chunk);
+            data.reserve(int(qMin<qint64>(limit, 1 << 20)));
         }
         const qint64 take = qMin(qMin(n, limit - data.size()), last - a + 1);
         data.append(record.constData() + 4 + skip, int(take));
