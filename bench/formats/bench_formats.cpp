@@ -18,7 +18,9 @@ constexpr qint64 crc_size = 256ll << 20;
 constexpr qint64 hex_size = 16ll << 20;
 constexpr qint64 chunk = 4096;
 
-double mbps(qint64 bytes, double seconds) { return seconds > 0 ? bytes / 1048576.0 / seconds : 0; }
+double mbps(qint64 bytes, double seconds) {
+    return seconds > 0 ? bytes / 1048576.0 / seconds : 0;
+}
 
 void row(const char* what, const char* who, qint64 bytes, double seconds) {
     std::printf("| %s | %s | %.0f |\n", what, who, mbps(bytes, seconds));
@@ -42,11 +44,9 @@ double timed(const QString& program, const QStringList& args, QByteArray* out = 
     QProcess p;
     t.start();
     p.start(program, args);
-    if (!p.waitForFinished(-1) || p.exitCode() != 0)
-        return -1;
+    if (!p.waitForFinished(-1) || p.exitCode() != 0) return -1;
     const double s = t.nsecsElapsed() / 1e9;
-    if (out)
-        *out = p.readAllStandardOutput();
+    if (out) *out = p.readAllStandardOutput();
     return s;
 }
 
@@ -64,8 +64,9 @@ void benchCRC(const QTemporaryDir& dir) {
     row("CRC-32/CKSUM, 256 MiB file (cached)", "cksum", crc_size, timed("cksum", {file}));
     QByteArray out;
     timed("/usr/bin/python3",
-          {"-c", "import sys,time,zlib; d=open(sys.argv[1],'rb').read(); t=time.perf_counter(); zlib.crc32(d); "
-                 "print(time.perf_counter()-t)",
+          {"-c",
+           "import sys,time,zlib; d=open(sys.argv[1],'rb').read(); t=time.perf_counter(); zlib.crc32(d); "
+           "print(time.perf_counter()-t)",
            file},
           &out);
     row("CRC-32, 256 MiB in memory", "Python zlib.crc32", crc_size, out.trimmed().toDouble());
@@ -90,8 +91,7 @@ void benchHEX(const QTemporaryDir& dir) {
     qint64 total = 0;
     for (long long a = 0;;) {
         QByteArray piece;
-        if (!in.read(a, piece) || piece.isEmpty())
-            break;
+        if (!in.read(a, piece) || piece.isEmpty()) break;
         total += piece.size();
         a += piece.size();
     }
@@ -102,7 +102,8 @@ void benchHEX(const QTemporaryDir& dir) {
     const QString sc_hex = dir.filePath("sc.hex"), sc_bin = dir.filePath("sc.bin");
     row("Intel HEX write, 16 MiB", "srec_cat", hex_size,
         timed("srec_cat", {bin, "-binary", "-o", sc_hex, "-intel", "-obs=16"}));
-    row("Intel HEX read, 16 MiB", "srec_cat", hex_size, timed("srec_cat", {hex, "-intel", "-o", sc_bin, "-binary"}));
+    row("Intel HEX read, 16 MiB", "srec_cat", hex_size,
+        timed("srec_cat", {hex, "-intel", "-o", sc_bin, "-binary"}));
 }
 } // namespace
 

@@ -12,10 +12,8 @@ bool IFormat::openFile(TFormatMode mode, QIODevice::OpenMode flags) {
     pos_file = addr_file;
     pos_device = addr_device;
     file.setFileName(file_name);
-    if (mode == FormatModeRead && !file.exists())
-        return fail(Lang.get(417));
-    if (!file.open(flags))
-        return fail(Lang.get(419).arg(file.errorString()));
+    if (mode == FormatModeRead && !file.exists()) return fail(Lang.get(417));
+    if (!file.open(flags)) return fail(Lang.get(419).arg(file.errorString()));
     return true;
 }
 

@@ -12,7 +12,8 @@ enum TFormatMode : int { FormatModeRead = 0, FormatModeWrite = 1 };
 // multiple of it.
 class IFormat {
 public:
-    IFormat(const QString& file_name, qint64 addr_file, qint64 addr_device, qint64 last_address, qint64 chunk);
+    IFormat(const QString& file_name, qint64 addr_file, qint64 addr_device, qint64 last_address,
+            qint64 chunk);
     virtual ~IFormat() = default;
 
     virtual bool open(TFormatMode mode) = 0;

@@ -10,16 +10,15 @@ TCRCAlg::TCRCAlg(const quint64* table, int width, bool reflected) : width(width)
     for (int k = 1; k < 8; ++k)
         for (int i = 0; i < 256; ++i) {
             const quint64 prev = slice[k - 1][i];
-            slice[k][i] = reflected ? (prev >> 8) ^ slice[0][prev & 0xff] : (prev << 8) ^ slice[0][prev >> 56];
+            slice[k][i] =
+                reflected ? (prev >> 8) ^ slice[0][prev & 0xff] : (prev << 8) ^ slice[0][prev >> 56];
         }
 }
 
 quint64 TCRCAlg::update(quint64 reg, const char* data, qint64 length) const {
     const uchar* p = reinterpret_cast<const uchar*>(data);
-    if (length <= 0)
-        return reg;
-    if (reflected)
-        return updateReflected(reg, p, length);
+    if (length <= 0) return reg;
+    if (reflected) return updateReflected(reg, p, length);
     return updateNormal(reg << (64 - width), p, length) >> (64 - width);
 }
 
@@ -52,8 +51,7 @@ quint64 TCRCAlg::updateNormal(quint64 reg, const uchar* p, qint64 n) const {
 }
 
 quint64 TCRCAlg::finish(quint64 reg, int width, bool reflect_out, quint64 xorout) {
-    if (reflect_out)
-        reg = reflect(reg, width);
+    if (reflect_out) reg = reflect(reg, width);
     const quint64 mask = width >= 64 ? ~quint64(0) : (quint64(1) << width) - 1;
     return (reg ^ xorout) & mask;
 }

@@ -3,8 +3,8 @@
 #include "formats/TFormatBIN.h"
 #include "formats/TFormatHEX.h"
 
-TFormat::TFormat(QString key, QString file, long long addr_file, long long addr_device, long long last_address,
-                 long long chunk) {
+TFormat::TFormat(QString key, QString file, long long addr_file, long long addr_device,
+                 long long last_address, long long chunk) {
     // An unknown key is not an error: it falls back to Intel HEX.
     if (key == "bin" || key == "bin+")
         format = std::make_unique<TFormatBIN>(key, file, addr_file, addr_device, last_address, chunk);
@@ -14,16 +14,30 @@ TFormat::TFormat(QString key, QString file, long long addr_file, long long addr_
 
 TFormat::~TFormat() = default;
 
-bool TFormat::open(TFormatMode mode) { return format->open(mode); }
+bool TFormat::open(TFormatMode mode) {
+    return format->open(mode);
+}
 
-bool TFormat::read(long long& addr, QByteArray& data) { return format->read(addr, data); }
+bool TFormat::read(long long& addr, QByteArray& data) {
+    return format->read(addr, data);
+}
 
-bool TFormat::write(long long pos, QByteArray data) { return format->write(pos, std::move(data)); }
+bool TFormat::write(long long pos, QByteArray data) {
+    return format->write(pos, std::move(data));
+}
 
-bool TFormat::close() { return format->close(); }
+bool TFormat::close() {
+    return format->close();
+}
 
-QString TFormat::getErrorText() const { return format->getErrorText(); }
+QString TFormat::getErrorText() const {
+    return format->getErrorText();
+}
 
-QStringList TFormat::getViewFormats() { return {"HEX", "BIN", "BIN+"}; }
+QStringList TFormat::getViewFormats() {
+    return {"HEX", "BIN", "BIN+"};
+}
 
-QString TFormat::getMaskFormats() { return "*.bin *.hex"; }
+QString TFormat::getMaskFormats() {
+    return "*.bin *.hex";
+}

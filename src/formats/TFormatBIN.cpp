@@ -9,8 +9,7 @@ TFormatBIN::TFormatBIN(const QString& format, const QString& file_name, qint64 a
 
 bool TFormatBIN::open(TFormatMode mode) {
     if (mode == FormatModeRead) {
-        if (!openFile(mode, QIODevice::ReadOnly))
-            return false;
+        if (!openFile(mode, QIODevice::ReadOnly)) return false;
         if (file.size() < addr_file) {
             file.close();
             return fail(Lang.get(418));
@@ -27,10 +26,8 @@ bool TFormatBIN::read(long long& addr, QByteArray& data) {
     data.clear();
     pos_device = addr;
     const qint64 n = TMiscDev::getSize(pos_device, last_address, chunk);
-    if (n <= 0)
-        return true;
-    if (!file.seek(pos_file))
-        return fail(Lang.get(420).arg(file.errorString()));
+    if (n <= 0) return true;
+    if (!file.seek(pos_file)) return fail(Lang.get(420).arg(file.errorString()));
     pos_file += n;
     pos_device += n;
     data.resize(int(n));
@@ -45,15 +42,13 @@ bool TFormatBIN::read(long long& addr, QByteArray& data) {
 
 bool TFormatBIN::write(long long pos, QByteArray data) {
     pos_file = pos;
-    if (!file.seek(pos_file) || file.write(data) != data.size())
-        return fail(file.errorString());
+    if (!file.seek(pos_file) || file.write(data) != data.size()) return fail(file.errorString());
     pos_file += data.size();
     return true;
 }
 
 bool TFormatBIN::close() {
-    if (!file.isOpen())
-        return true;
+    if (!file.isOpen()) return true;
     const bool flushed = !file.isWritable() || file.flush();
     const QString text = file.errorString();
     file.close();

@@ -12,7 +12,7 @@ struct THexDigits {
     signed char value[256];
     THexDigits() {
         for (int c = 0; c < 256; ++c)
-            value[c] = c >= '0' && c <= '9' ? c - '0'
+            value[c] = c >= '0' && c <= '9'   ? c - '0'
                        : c >= 'A' && c <= 'F' ? c - 'A' + 10
                        : c >= 'a' && c <= 'f' ? c - 'a' + 10
                                               : -1;
@@ -31,10 +31,8 @@ bool TFormatHEX::open(TFormatMode open_mode) {
     ended = false;
     buffer.clear();
     out.clear();
-    if (mode == FormatModeRead)
-        return openFile(mode, QIODevice::ReadOnly);
-    if (!openFile(mode, QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
+    if (mode == FormatModeRead) return openFile(mode, QIODevice::ReadOnly);
+    if (!openFile(mode, QIODevice::WriteOnly | QIODevice::Truncate)) return false;
     // The kind of address record follows from the end of the range. Type 02 carries the upper 16 address
     // bits just like type 04, not a segment; the reader takes it the same way.
     const qint64 last_record = addr_file + (last_address - addr_device);
@@ -50,29 +48,25 @@ int TFormatHEX::readString(QByteArray& record) {
     char line[max_line + 1];
     const qint64 n = file.readLine(line, sizeof line);
     if (n <= 0) {
-        if (n == 0 || file.atEnd())
-            return RecordEnd;
+        if (n == 0 || file.atEnd()) return RecordEnd;
         fail(Lang.get(420).arg(file.errorString()));
         return RecordError;
     }
     qint64 end = n;
     while (end > 0 && (line[end - 1] == '\n' || line[end - 1] == '\r' || line[end - 1] == ' '))
         --end;
-    if (end < 11 || line[0] != ':' || (end - 1) % 2 != 0)
-        return RecordEnd;
+    if (end < 11 || line[0] != ':' || (end - 1) % 2 != 0) return RecordEnd;
     record.resize(int((end - 1) / 2));
     uchar* rec = reinterpret_cast<uchar*>(record.data());
     const uchar* digits = reinterpret_cast<const uchar*>(line + 1);
     uchar sum = 0;
     for (int i = 0; i < record.size(); ++i) {
         const int high = hex_digits.value[digits[2 * i]], low = hex_digits.value[digits[2 * i + 1]];
-        if ((high | low) < 0)
-            return RecordEnd;
+        if ((high | low) < 0) return RecordEnd;
         rec[i] = uchar(high << 4 | low);
         sum += rec[i];
     }
-    if (sum != 0 || rec[0] != record.size() - 5)
-        return RecordEnd;
+    if (sum != 0 || rec[0] != record.size() - 5) return RecordEnd;
     return uchar(record[3]);
 }
 
@@ -86,22 +80,18 @@ bool TFormatHEX::read(long long& addr, QByteArray& data) {
     while (!ended) {
         const qint64 line_pos = file.pos();
         const int type = readString(record);
-        if (type == RecordError)
-            return false;
+        if (type == RecordError) return false;
         if (type == RecordEnd || type == 1) {
             ended = true;
             break;
         }
         const uchar* rec = reinterpret_cast<const uchar*>(record.constData());
-        if ((type == 2 || type == 4) && rec[0] == 2)
-            upper = rec[4] << 8 | rec[5];
-        if (type != 0)
-            continue;
+        if ((type == 2 || type == 4) && rec[0] == 2) upper = rec[4] << 8 | rec[5];
+        if (type != 0) continue;
         qint64 a = (upper << 16) + (rec[1] << 8 | rec[2]);
         qint64 n = rec[0];
         const qint64 skip = qMax<qint64>(0, start - a);
-        if (skip >= n)
-            continue;
+        if (skip >= n) continue;
         a += skip;
         n -= skip;
         const bool continues = begin < 0 || a == begin + data.size();
@@ -116,13 +106,10 @@ bool TFormatHEX::read(long long& addr, QByteArray& data) {
         }
         const qint64 take = qMin(qMin(n, limit - data.size()), last - a + 1);
         data.append(record.constData() + 4 + skip, int(take));
-        if (take < n)
-            file.seek(line_pos);
-        if (take < n || data.size() >= limit)
-            break;
+        if (take < n) file.seek(line_pos);
+        if (take < n || data.size() >= limit) break;
     }
-    if (begin >= 0)
-        addr = begin - addr_file + addr_device;
+    if (begin >= 0) addr = begin - addr_file + addr_device;
     return true;
 }
 
@@ -130,24 +117,20 @@ bool TFormatHEX::write(long long pos, QByteArray data) {
     const uchar* p = reinterpret_cast<const uchar*>(data.constData());
     qint64 n = data.size();
     while (n > 0) {
-        if (!buffer.isEmpty() && pos != buffer_start + buffer.size() && !flushBuffer())
-            return false;
-        if (buffer.isEmpty())
-            buffer_start = pos;
+        if (!buffer.isEmpty() && pos != buffer_start + buffer.size() && !flushBuffer()) return false;
+        if (buffer.isEmpty()) buffer_start = pos;
         const int take = int(qMin<qint64>(n, record_size - pos % record_size));
         buffer.append(reinterpret_cast<const char*>(p), take);
         pos += take;
         p += take;
         n -= take;
-        if (pos % record_size == 0 && !flushBuffer())
-            return false;
+        if (pos % record_size == 0 && !flushBuffer()) return false;
     }
     return true;
 }
 
 bool TFormatHEX::flushBuffer() {
-    if (buffer.isEmpty())
-        return true;
+    if (buffer.isEmpty()) return true;
     if (address_type && (buffer_start >> 16) != upper) {
         upper = buffer_start >> 16;
         appendAddressRecord();
@@ -186,15 +169,13 @@ void TFormatHEX::appendRecord(int type, quint16 offset, const uchar* data, int l
 }
 
 bool TFormatHEX::writeOut() {
-    if (file.write(out) != out.size())
-        return fail(file.errorString());
+    if (file.write(out) != out.size()) return fail(file.errorString());
     out.clear();
     return true;
 }
 
 bool TFormatHEX::close() {
-    if (!file.isOpen())
-        return true;
+    if (!file.isOpen()) return true;
     bool ok = true;
     if (mode == FormatModeWrite) {
         // The thirteen bare line feeds after the end record are kept so that files stay byte for byte

@@ -27,16 +27,13 @@ inline QList<TPiece> readPieces(TFormat& format, qint64 addr, bool* ok = nullptr
         long long at = addr;
         QByteArray data;
         if (!format.read(at, data)) {
-            if (ok)
-                *ok = false;
+            if (ok) *ok = false;
             return pieces;
         }
-        if (data.isEmpty())
-            break;
+        if (data.isEmpty()) break;
         pieces.append({at, data});
         addr = at + data.size();
     }
-    if (ok)
-        *ok = true;
+    if (ok) *ok = true;
     return pieces;
 }

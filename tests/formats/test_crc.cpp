@@ -26,8 +26,7 @@ unsigned __int128 parseHex(const QString& text) {
 
 QList<QStringList> readTsv(const QString& rel) {
     QFile f(QString(TARVELIX_SOURCE_DIR) + "/" + rel);
-    if (!f.open(QIODevice::ReadOnly | QIODevice::Text))
-        qFatal("cannot read %s", qPrintable(rel));
+    if (!f.open(QIODevice::ReadOnly | QIODevice::Text)) qFatal("cannot read %s", qPrintable(rel));
     QList<QStringList> rows;
     while (!f.atEnd()) {
         const QString line = QString::fromUtf8(f.readLine()).remove('\n');
@@ -88,8 +87,7 @@ QByteArray reference(const TModel& m, const QByteArray& data) {
 
 QByteArray compute(const QString& name, const QByteArray& data, int piece) {
     std::unique_ptr<ICRC> crc(TCRC::createCRCObject(name));
-    if (!crc)
-        return "no object";
+    if (!crc) return "no object";
     for (int i = 0; i < data.size(); i += piece)
         crc->calc(data.constData() + i, qMin(piece, data.size() - i));
     return crc->getResult();
@@ -150,8 +148,7 @@ private slots:
 
     void calcReturnsTheRunningRegister() {
         for (const TModel& m : catalogue()) {
-            if (m.refin != m.refout || m.width > 64)
-                continue;
+            if (m.refin != m.refout || m.width > 64) continue;
             std::unique_ptr<ICRC> crc(TCRC::createCRCObject(m.name));
             const quint64 raw = crc->calc("123456789", 9);
             QCOMPARE(toBytes(raw ^ static_cast<quint64>(m.xorout), m.width), m.check);
@@ -160,8 +157,7 @@ private slots:
 
     void wideModelIsRight() {
         for (const TModel& m : catalogue()) {
-            if (m.width <= 64)
-                continue;
+            if (m.width <= 64) continue;
             QCOMPARE(m.name, QString("CRC-82/DARC"));
             QCOMPARE(compute(m.name, "123456789", 9).size(), 11);
             const QByteArray data = randomBytes(4096, 82);
@@ -188,7 +184,8 @@ private slots:
         const QString path = dir.filePath("crc.lst");
         QFile f(path);
         QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("# CRC-8=1\nCRC-32=1\n\nCRC-16/ARC=0\n  CRC-64 = 1  \nno switch\nCRC-7=1=1\nUNKNOWN=1\nCRC-8=01\n");
+        f.write("# CRC-8=1\nCRC-32=1\n\nCRC-16/ARC=0\n  CRC-64 = 1  \nno "
+                "switch\nCRC-7=1=1\nUNKNOWN=1\nCRC-8=01\n");
         f.close();
         QCOMPARE(TCRC::getAlgListView(path), QStringList({"CRC-32", "CRC-64 ", "UNKNOWN"}));
         QVERIFY(TCRC::getAlgListView(dir.filePath("missing.lst")).isEmpty());

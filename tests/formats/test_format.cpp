@@ -37,8 +37,7 @@ class TestFormat : public QObject {
                           qint64 chunk, qint64 from) {
         writeFile(path("in.hex"), content);
         TFormat format("hex", path("in.hex"), addr_file, addr_device, last, chunk);
-        if (!format.open(FormatModeRead))
-            return {{-1, format.getErrorText().toUtf8()}};
+        if (!format.open(FormatModeRead)) return {{-1, format.getErrorText().toUtf8()}};
         bool ok = false;
         const QList<TPiece> pieces = readPieces(format, from, &ok);
         format.close();
@@ -59,10 +58,9 @@ private slots:
         QVERIFY(format.write(0xFFF8, counting(0, 5)));
         QVERIFY(format.write(0xFFFD, counting(5, 15)));
         QVERIFY(format.close());
-        QCOMPARE(readFile(path("w.hex")),
-                 lines({":020000020000FC", ":08FFF8000001020304050607E5", ":020000020001FB",
-                        ":0C00000008090A0B0C0D0E0F1011121352"}) +
-                     tail);
+        QCOMPARE(readFile(path("w.hex")), lines({":020000020000FC", ":08FFF8000001020304050607E5",
+                                                 ":020000020001FB", ":0C00000008090A0B0C0D0E0F1011121352"}) +
+                                              tail);
     }
 
     void hexWriteSmallRangeAndUnknownKey() {
@@ -84,20 +82,22 @@ private slots:
     }
 
     void hexReadPiecesGapsAndSegmentRecord() {
-        const QList<TPiece> expected = {
-            {0, counting(0, 16)}, {0x10, counting(0x10, 8)}, {0x20, counting(0x20, 4)}, {0x10000000, "\xAA\xBB"}};
+        const QList<TPiece> expected = {{0, counting(0, 16)},
+                                        {0x10, counting(0x10, 8)},
+                                        {0x20, counting(0x20, 4)},
+                                        {0x10000000, "\xAA\xBB"}};
         QCOMPARE(readHex(sample, 0, 0, 0x10000001, 16, 0), expected);
         QCOMPARE(readHex(sample.toLower(), 0, 0, 0x10000001, 16, 0), expected);
-        QCOMPARE(readHex(sample, 0, 0, 0x10000001, 12, 0),
-                 QList<TPiece>({{0, counting(0, 12)},
-                                {12, counting(12, 12)},
-                                {0x20, counting(0x20, 4)},
-                                {0x10000000, "\xAA\xBB"}}));
+        QCOMPARE(readHex(sample, 0, 0, 0x10000001, 12, 0), QList<TPiece>({{0, counting(0, 12)},
+                                                                          {12, counting(12, 12)},
+                                                                          {0x20, counting(0x20, 4)},
+                                                                          {0x10000000, "\xAA\xBB"}}));
         // Bytes before the wanted address are dropped, the record past the range ends the data.
         QCOMPARE(readHex(sample, 0, 0, 0x21, 16, 5),
                  QList<TPiece>({{5, counting(5, 11)}, {0x10, counting(0x10, 8)}, {0x20, counting(0x20, 2)}}));
         // File address 0x10 holds device address 0x1000.
-        QCOMPARE(readHex(sample, 0x10, 0x1000, 0x1007, 256, 0x1000), QList<TPiece>({{0x1000, counting(0x10, 8)}}));
+        QCOMPARE(readHex(sample, 0x10, 0x1000, 0x1007, 256, 0x1000),
+                 QList<TPiece>({{0x1000, counting(0x10, 8)}}));
     }
 
     void hexDamagedLineEndsDataSilently() {
@@ -127,8 +127,9 @@ private slots:
         writeFile(path("in.bin"), counting(0, 100));
         TFormat format("bin", path("in.bin"), 10, 0x200, 0x200 + 199, 32);
         QVERIFY(format.open(FormatModeRead));
-        QCOMPARE(readPieces(format, 0x200),
-                 QList<TPiece>({{0x200, counting(10, 32)}, {0x220, counting(42, 32)}, {0x240, counting(74, 26)}}));
+        QCOMPARE(
+            readPieces(format, 0x200),
+            QList<TPiece>({{0x200, counting(10, 32)}, {0x220, counting(42, 32)}, {0x240, counting(74, 26)}}));
         QVERIFY(format.close());
 
         TFormat exact("bin", path("in.bin"), 100, 0, 9, 32);
@@ -148,7 +149,7 @@ private slots:
             QVERIFY(format.write(8, "ef"));
             QVERIFY(format.close());
             const QByteArray want = QByteArray(key) == "bin" ? QByteArray("xxxxabcdef").replace('x', '\0')
-                                                              : QByteArray("xxxxabcdefxxxxxx");
+                                                             : QByteArray("xxxxabcdefxxxxxx");
             QCOMPARE(readFile(path("out.bin")), want);
         }
         TFormat back("bin", path("out.bin"), 4, 0x80, 0x85, 4);

@@ -73,8 +73,7 @@ private slots:
                 QVERIFY(p.first >= next && end < first + size);
                 QVERIFY2(p.second.size() <= chunk && p.first / chunk == end / chunk, "piece crosses a chunk");
                 // One changed character breaks its record's checksum: whatever is read is the original.
-                if (substitution)
-                    QCOMPARE(p.second, original.mid(int(p.first - first), p.second.size()));
+                if (substitution) QCOMPARE(p.second, original.mid(int(p.first - first), p.second.size()));
                 next = end + 1;
             }
             withData += pieces.isEmpty() ? 0 : 1;

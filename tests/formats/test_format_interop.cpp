@@ -62,8 +62,7 @@ TSegments parseDump(const QByteArray& dump) {
     TSegments segments;
     for (const QByteArray& line : dump.trimmed().split('\n')) {
         const QList<QByteArray> f = line.split(':');
-        if (f.size() == 2)
-            segments.insert(f[0].toLongLong(nullptr, 16), QByteArray::fromHex(f[1]));
+        if (f.size() == 2) segments.insert(f[0].toLongLong(nullptr, 16), QByteArray::fromHex(f[1]));
     }
     return segments;
 }
@@ -71,8 +70,7 @@ TSegments parseDump(const QByteArray& dump) {
 // Reads a whole HEX file through TFormat, joining pieces that touch into segments.
 TSegments readThrough(const QString& file, qint64 last, qint64 chunk) {
     TFormat format("hex", file, 0, 0, last, chunk);
-    if (!format.open(FormatModeRead))
-        return {{-1, format.getErrorText().toUtf8()}};
+    if (!format.open(FormatModeRead)) return {{-1, format.getErrorText().toUtf8()}};
     TSegments segments;
     qint64 end = -1;
     for (const TPiece& p : readPieces(format, 0)) {
@@ -88,13 +86,11 @@ TSegments readThrough(const QString& file, qint64 last, qint64 chunk) {
 // Writes segments the way executors do: chunk by chunk, each at its file address.
 bool writeThrough(const QString& file, qint64 first, qint64 last, const TSegments& segments) {
     TFormat format("hex", file, first, first, last, 256);
-    if (!format.open(FormatModeWrite))
-        return false;
+    if (!format.open(FormatModeWrite)) return false;
     for (auto it = segments.begin(); it != segments.end(); ++it)
         for (qint64 a = it.key(); a < it.key() + it.value().size();) {
             const qint64 n = TMiscDev::getSize(a, it.key() + it.value().size() - 1, 256);
-            if (!format.write(a, it.value().mid(int(a - it.key()), int(n))))
-                return false;
+            if (!format.write(a, it.value().mid(int(a - it.key()), int(n)))) return false;
             a += n;
         }
     return format.close();
@@ -115,11 +111,14 @@ private slots:
     void readsWhatIntelhexWrites() {
         const QList<TSegments> cases = {
             {{0x0, randomBytes(100, 1)}, {0x300, randomBytes(37, 2)}, {0x1000, randomBytes(5, 3)}},
-            {{0xFFF0, randomBytes(40, 4)}, {0x123456, randomBytes(300, 5)}, {0x7FFFFFF0, randomBytes(20, 6)}}};
+            {{0xFFF0, randomBytes(40, 4)},
+             {0x123456, randomBytes(300, 5)},
+             {0x7FFFFFF0, randomBytes(20, 6)}}};
         for (const TSegments& segments : cases)
             for (int record : {16, 7}) {
                 const QString file = dir.filePath("ih.hex");
-                QCOMPARE(python(writeScript, {file, QString::number(record), segmentsArg(segments)}), QByteArray());
+                QCOMPARE(python(writeScript, {file, QString::number(record), segmentsArg(segments)}),
+                         QByteArray());
                 const qint64 last = segments.lastKey() + segments.last().size() - 1;
                 QCOMPARE(readThrough(file, last, 256), segments);
                 writeFile(file, readFile(file).toLower());
@@ -134,8 +133,8 @@ private slots:
         const QString file = dir.filePath("sc.hex");
         for (const char* block : {"11", "16", "32"}) {
             const QByteArray out = run("srec_cat", {dir.filePath("a.bin"), "-binary", "-offset", "0x1FF00",
-                                                    dir.filePath("b.bin"), "-binary", "-offset", "0x300000", "-o",
-                                                    file, "-intel", "-obs=" + QString(block)});
+                                                    dir.filePath("b.bin"), "-binary", "-offset", "0x300000",
+                                                    "-o", file, "-intel", "-obs=" + QString(block)});
             QCOMPARE(out, QByteArray());
             QCOMPARE(readThrough(file, 0x300000 + 76, 4096), TSegments({{0x1FF00, a}, {0x300000, b}}));
         }
@@ -150,7 +149,8 @@ private slots:
             QVERIFY(writeThrough(file, first, last, segments));
             QCOMPARE(parseDump(python(dumpScript, {file})), segments);
             const QString bin = dir.filePath("tf.bin");
-            QCOMPARE(run("srec_cat", {file, "-intel", "-offset", "-" + QString::number(first), "-o", bin, "-binary"}),
+            QCOMPARE(run("srec_cat",
+                         {file, "-intel", "-offset", "-" + QString::number(first), "-o", bin, "-binary"}),
                      QByteArray());
             QByteArray want(int(last - first + 1), '\0');
             for (auto it = segments.begin(); it != segments.end(); ++it)

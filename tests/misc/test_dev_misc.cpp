@@ -34,7 +34,8 @@ private slots:
         QCOMPARE(TMiscDev::getByteArrayFromHex("A5 5a\n01"), QByteArray("\xA5\x5A\x01"));
         QCOMPARE(TMiscDev::getByteArrayFromHex("\t"), QByteArray());
         QCOMPARE(TMiscDev::getHexFromByteArray(QByteArray("\x0a\xff\x10")), QString("0AFF10"));
-        QCOMPARE(TMiscDev::getMsgVerifyError(0x1F, 0xA, 0xFF), QString("Address: 0x1F, Data: 0x0A, Read: 0xFF"));
+        QCOMPARE(TMiscDev::getMsgVerifyError(0x1F, 0xA, 0xFF),
+                 QString("Address: 0x1F, Data: 0x0A, Read: 0xFF"));
     }
 
     void sizeTexts() {
