@@ -18,17 +18,22 @@ std::atomic<bool> debugOn{false};
 std::atomic<void (*)(const QString&, const QString&)> debugSink{nullptr};
 } // namespace
 
-QString TApp::getPathApp() { return QCoreApplication::applicationDirPath(); }
+QString TApp::getPathApp() {
+    return QCoreApplication::applicationDirPath();
+}
 
-QString TApp::getAbsoluteFile(const QString& file) { return QFileInfo(file).absoluteFilePath(); }
+QString TApp::getAbsoluteFile(const QString& file) {
+    return QFileInfo(file).absoluteFilePath();
+}
 
 QString TApp::getAbsoluteFile(const QString& base, const QString& file) {
-    if (QFileInfo(file).isAbsolute())
-        return file;
+    if (QFileInfo(file).isAbsolute()) return file;
     return QFileInfo(QDir(base), file).absoluteFilePath();
 }
 
-QString TApp::getAbsolutePath(const QString& file) { return QFileInfo(file).absolutePath(); }
+QString TApp::getAbsolutePath(const QString& file) {
+    return QFileInfo(file).absolutePath();
+}
 
 QString TApp::getAbsolutePath(const QString& base, const QString& path) {
     // The folder of the file that path names; an empty path stands for a dummy file inside base.
@@ -39,30 +44,53 @@ QString TApp::getPathFile(const QString& base, const QString& file) {
     const QString abs = getAbsoluteFile(base, file);
     const QString rel = QDir(base).relativeFilePath(abs);
     // On another root the "relative" form still contains the absolute path: keep the absolute one.
-    if (QFileInfo(rel).isAbsolute() || rel.contains(abs))
-        return abs;
+    if (QFileInfo(rel).isAbsolute() || rel.contains(abs)) return abs;
     return rel;
 }
 
-QString TApp::getPathFile(const QString& file) { return getPathFile(getPathApp(), file); }
+QString TApp::getPathFile(const QString& file) {
+    return getPathFile(getPathApp(), file);
+}
 
-QString TApp::getFileName(const QString& file) { return QFileInfo(file).fileName(); }
+QString TApp::getFileName(const QString& file) {
+    return QFileInfo(file).fileName();
+}
 
-QString TApp::getFileExt(const QString& file) { return QFileInfo(file).completeSuffix(); }
+QString TApp::getFileExt(const QString& file) {
+    return QFileInfo(file).completeSuffix();
+}
 
-QString TApp::getFileNameExt(const QString& file) { return QFileInfo(file).baseName(); }
+QString TApp::getFileNameExt(const QString& file) {
+    return QFileInfo(file).baseName();
+}
 
-QString TApp::toOutText(const QString& text) { return QDir::fromNativeSeparators(text); }
+QString TApp::toOutText(const QString& text) {
+    return QDir::fromNativeSeparators(text);
+}
 
-QString TApp::fromOutText(const QString& text) { return QDir::toNativeSeparators(text); }
+QString TApp::fromOutText(const QString& text) {
+    return QDir::toNativeSeparators(text);
+}
 
-QString TApp::getPathDesktop() { return QStandardPaths::writableLocation(QStandardPaths::DesktopLocation); }
+QString TApp::getPathDesktop() {
+    return QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
+}
 
-QColor TApp::getSystemColorText() { return QGuiApplication::palette().color(QPalette::Text); }
-QColor TApp::getSystemColorBackground() { return QGuiApplication::palette().color(QPalette::Base); }
-QColor TApp::getSystemColorButton() { return QGuiApplication::palette().color(QPalette::Button); }
-QColor TApp::getErrorColorText() { return QColor(Qt::white); }
-QColor TApp::getErrorColorBackground() { return QColor(0xC0, 0x20, 0x20); }
+QColor TApp::getSystemColorText() {
+    return QGuiApplication::palette().color(QPalette::Text);
+}
+QColor TApp::getSystemColorBackground() {
+    return QGuiApplication::palette().color(QPalette::Base);
+}
+QColor TApp::getSystemColorButton() {
+    return QGuiApplication::palette().color(QPalette::Button);
+}
+QColor TApp::getErrorColorText() {
+    return QColor(Qt::white);
+}
+QColor TApp::getErrorColorBackground() {
+    return QColor(0xC0, 0x20, 0x20);
+}
 
 void TApp::setWindowGeometryMain(QWidget* wgt, int left, int top, int width, int height) {
     const QScreen* screen = QGuiApplication::primaryScreen();
@@ -89,14 +117,17 @@ void TApp::setWindowGeometryOther(QWidget* wgt, QWidget* parent, int width, int 
     }
 }
 
-QStringList TApp::getStylesApp() { return QStyleFactory::keys(); }
+QStringList TApp::getStylesApp() {
+    return QStyleFactory::keys();
+}
 
-void TApp::setStyleApp(const QString& name) { QApplication::setStyle(name); }
+void TApp::setStyleApp(const QString& name) {
+    QApplication::setStyle(name);
+}
 
 QVariant TApp::getParam(const TData& data, const char* source, int line, const QString& key) {
     const auto it = data.constFind(key);
-    if (it != data.constEnd())
-        return it.value();
+    if (it != data.constEnd()) return it.value();
     if (debugOn) {
         const QString text = QStringLiteral("Param %1, %2: %3 not found")
                                  .arg(QFileInfo(QString::fromUtf8(source)).fileName())
@@ -110,6 +141,12 @@ QVariant TApp::getParam(const TData& data, const char* source, int line, const Q
     return QVariant();
 }
 
-void TApp::setDebug(bool on) { debugOn = on; }
-bool TApp::isDebug() { return debugOn; }
-void TApp::setDebugSink(void (*sink)(const QString&, const QString&)) { debugSink = sink; }
+void TApp::setDebug(bool on) {
+    debugOn = on;
+}
+bool TApp::isDebug() {
+    return debugOn;
+}
+void TApp::setDebugSink(void (*sink)(const QString&, const QString&)) {
+    debugSink = sink;
+}

@@ -24,14 +24,28 @@ TAppData::TAppData() {
     colorBackground = QColor(0xFF, 0xFF, 0xFF);
 }
 
-QString TAppData::resolve(const QString& path) const { return TApp::getAbsoluteFile(TApp::getPathApp(), path); }
+QString TAppData::resolve(const QString& path) const {
+    return TApp::getAbsoluteFile(TApp::getPathApp(), path);
+}
 
-QString TAppData::getPathLanguageAbs() const { return resolve(pathLanguage); }
-QString TAppData::getLanguageFileAbs() const { return TApp::getAbsoluteFile(getPathLanguageAbs(), language); }
-QString TAppData::getPathProjectsAbs() const { return resolve(pathProjects); }
-QString TAppData::getPathDevicesAbs() const { return resolve(pathDevices); }
-QString TAppData::getPathProgsAbs() const { return resolve(pathProgs); }
-QString TAppData::getSelectPrjListFileAbs() const { return resolve(selectPrjListFile); }
+QString TAppData::getPathLanguageAbs() const {
+    return resolve(pathLanguage);
+}
+QString TAppData::getLanguageFileAbs() const {
+    return TApp::getAbsoluteFile(getPathLanguageAbs(), language);
+}
+QString TAppData::getPathProjectsAbs() const {
+    return resolve(pathProjects);
+}
+QString TAppData::getPathDevicesAbs() const {
+    return resolve(pathDevices);
+}
+QString TAppData::getPathProgsAbs() const {
+    return resolve(pathProgs);
+}
+QString TAppData::getSelectPrjListFileAbs() const {
+    return resolve(selectPrjListFile);
+}
 
 namespace {
 QColor readColor(TSettings& s, const QString& key, const QColor& def) {

@@ -4,7 +4,9 @@ QIcon TIcons::getIcon(int set, const QString& name) {
     return QIcon(QStringLiteral(":/images/%1/%2.png").arg(set).arg(name));
 }
 
-int TIcons::getHeight(int set) { return set == 1 ? 50 : 37; }
+int TIcons::getHeight(int set) {
+    return set == 1 ? 50 : 37;
+}
 
 void TIcons::getSize(int set, int& toolBar, int& toolButton, int& tabHeight, int& listRow, int& menu,
                      int& status, int& button) {

@@ -19,10 +19,11 @@ TSettings::TSettings(const QString& fileName) : QSettings(fileName, QSettings::I
 }
 
 QString TSettings::getFileNameIniDefault() {
-    if (!iniOverride().isEmpty())
-        return iniOverride();
+    if (!iniOverride().isEmpty()) return iniOverride();
     const QFileInfo exe(QCoreApplication::applicationFilePath());
     return exe.absolutePath() + "/" + exe.completeBaseName() + "." + CApp::ext_ini;
 }
 
-void TSettings::setFileNameIniOverride(const QString& fileName) { iniOverride() = fileName; }
+void TSettings::setFileNameIniOverride(const QString& fileName) {
+    iniOverride() = fileName;
+}

@@ -22,8 +22,7 @@ namespace {
 bool isConsoleOnly(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         for (const char* opt : {"--help", "-h", "--version", "-v", "--help-all"})
-            if (std::strcmp(argv[i], opt) == 0)
-                return true;
+            if (std::strcmp(argv[i], opt) == 0) return true;
     }
     return false;
 }
@@ -39,15 +38,11 @@ void applyStyle() {
 
 void applyFonts() {
     QFont font = QApplication::font();
-    if (!AppData.fontAppName.isEmpty())
-        font.setFamily(AppData.fontAppName);
-    if (AppData.fontAppSize != 0)
-        font.setPointSize(AppData.fontAppSize);
+    if (!AppData.fontAppName.isEmpty()) font.setFamily(AppData.fontAppName);
+    if (AppData.fontAppSize != 0) font.setPointSize(AppData.fontAppSize);
     QApplication::setFont(font);
-    if (AppData.fontMonoName.isEmpty())
-        AppData.fontMonoName = font.family();
-    if (AppData.fontMonoSize == 0)
-        AppData.fontMonoSize = font.pointSize();
+    if (AppData.fontMonoName.isEmpty()) AppData.fontMonoName = font.family();
+    if (AppData.fontMonoSize == 0) AppData.fontMonoSize = font.pointSize();
 }
 
 } // namespace
@@ -68,8 +63,8 @@ int main(int argc, char** argv) {
     parser.setApplicationDescription(QStringLiteral("Tarvelix: memory chip and microcontroller programmer"));
     parser.addHelpOption();
     parser.addVersionOption();
-    QCommandLineOption settingsOpt(QStringLiteral("settings"), QStringLiteral("Use FILE as the settings file."),
-                                   QStringLiteral("FILE"));
+    QCommandLineOption settingsOpt(QStringLiteral("settings"),
+                                   QStringLiteral("Use FILE as the settings file."), QStringLiteral("FILE"));
     parser.addOption(settingsOpt);
     parser.process(*app);
 

@@ -4,6 +4,10 @@ IDevice::IDevice(const QString& code, QObject* parent) : QObject(parent), devCod
 
 IDevice::~IDevice() = default;
 
-bool IDevice::getResetStatus() const { return devParam.value(QStringLiteral("reset"), false).toBool(); }
+bool IDevice::getResetStatus() const {
+    return devParam.value(QStringLiteral("reset"), false).toBool();
+}
 
-QString IDevice::getDevConnect() const { return devParam.value(QStringLiteral("prg_section")).toString(); }
+QString IDevice::getDevConnect() const {
+    return devParam.value(QStringLiteral("prg_section")).toString();
+}

@@ -7,25 +7,26 @@ QString TLogText::stamp(const QTime& now) const {
 }
 
 // Continuation lines align with the text after a time stamp.
-QString TLogText::indent() const { return showTime ? QString(showMSec ? 13 : 9, QLatin1Char(' ')) : QString(); }
+QString TLogText::indent() const {
+    return showTime ? QString(showMSec ? 13 : 9, QLatin1Char(' ')) : QString();
+}
 
 QString TLogText::failureBlock(const QString& text) {
     const QString rule(60, QLatin1Char('='));
     return QStringLiteral("%1\n%2\n%3\n%4\n").arg(Lang.get(386), rule, text, rule);
 }
 
-QList<TLogPiece> TLogText::event(TCodeExec code, const QString& text, const QString& param, const QTime& now) const {
+QList<TLogPiece> TLogText::event(TCodeExec code, const QString& text, const QString& param,
+                                 const QTime& now) const {
     QList<TLogPiece> pieces;
     auto timed = [&] {
-        if (showTime)
-            pieces.append({TLogPiece::Time, stamp(now)});
+        if (showTime) pieces.append({TLogPiece::Time, stamp(now)});
     };
     switch (code) {
     case 0:
         timed();
         pieces.append({TLogPiece::Cmd, text});
-        if (!param.isEmpty())
-            pieces.append({TLogPiece::Param, QStringLiteral(" (%1)").arg(param)});
+        if (!param.isEmpty()) pieces.append({TLogPiece::Param, QStringLiteral(" (%1)").arg(param)});
         break;
     case 1:
         timed();

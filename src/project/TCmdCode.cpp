@@ -82,7 +82,8 @@ const Row rows[] = {
     {CTagCmdCode::osccal_read, "OSCCAL Read", TCmdCode::FamilyDevice},
     {CTagCmdCode::unlock, "Unlock", TCmdCode::FamilyDevice},
     {CTagCmdCode::lock, "Lock", TCmdCode::FamilyDevice},
-    {CTagCmdCode::leave, "Leave", TCmdCode::FamilyDevice},};
+    {CTagCmdCode::leave, "Leave", TCmdCode::FamilyDevice},
+};
 } // namespace
 
 TCmdCode::TCmdCode() {
@@ -93,13 +94,16 @@ TCmdCode::TCmdCode() {
     }
 }
 
-QString TCmdCode::getName(const QString& code) const { return names.value(code); }
+QString TCmdCode::getName(const QString& code) const {
+    return names.value(code);
+}
 
 QString TCmdCode::getCode(const QString& name) const {
     for (auto it = names.constBegin(); it != names.constEnd(); ++it)
-        if (it.value() == name)
-            return it.key();
+        if (it.value() == name) return it.key();
     return QString();
 }
 
-TCmdCode::Family TCmdCode::getFamily(const QString& code) const { return families.value(code, FamilyNone); }
+TCmdCode::Family TCmdCode::getFamily(const QString& code) const {
+    return families.value(code, FamilyNone);
+}

@@ -11,9 +11,9 @@ public:
 
     TCmdCode();
 
-    QString getName(const QString& code) const;  // empty for an unknown code (and for "separator")
-    QString getCode(const QString& name) const;  // exact match of the display name, empty when none
-    Family getFamily(const QString& code) const; // FamilyNone for an unknown code
+    QString getName(const QString& code) const;       // empty for an unknown code (and for "separator")
+    QString getCode(const QString& name) const;       // exact match of the display name, empty when none
+    Family getFamily(const QString& code) const;      // FamilyNone for an unknown code
     QStringList getCodeList() const { return codes; } // every code, in table order
 
 private:

@@ -18,14 +18,14 @@
 
 int TCtrlProject::load(const QString& fileName, TDataPrj* prj) {
     QByteArray data;
-    if (!file_to_data(fileName, data))
-        return Unreadable;
+    if (!file_to_data(fileName, data)) return Unreadable;
     if (data.isEmpty())
         create_empty_project(prj);
     else if (!data_to_project(data, prj))
         return InvalidJson;
     const QFileInfo info(fileName);
-    prj->updPrjParam(TData{{CTagPrj::prj_file, info.absoluteFilePath()}, {CTagPrj::work_path, info.absolutePath()}});
+    prj->updPrjParam(
+        TData{{CTagPrj::prj_file, info.absoluteFilePath()}, {CTagPrj::work_path, info.absolutePath()}});
     return Loaded;
 }
 
@@ -47,19 +47,16 @@ bool TCtrlProject::data_to_project(const QByteArray& data, TDataPrj* prj) {
         return false;
     }
     const QJsonValue cfgs = doc.object().value(CTagPrj::configurations);
-    if (!cfgs.isArray())
-        return true;
+    if (!cfgs.isArray()) return true;
     for (const QJsonValue& cfgValue : cfgs.toArray()) {
-        if (!cfgValue.isObject())
-            continue;
+        if (!cfgValue.isObject()) continue;
         const QJsonObject cfg = cfgValue.toObject();
-        const int idCfg = prj->newCfg(cfg.value(CTagCfg::name).toString(), cfg.value(CTagCfg::description).toString(), -1);
+        const int idCfg =
+            prj->newCfg(cfg.value(CTagCfg::name).toString(), cfg.value(CTagCfg::description).toString(), -1);
         const QJsonValue cmds = cfg.value(CTagCfg::commands);
-        if (!cmds.isArray())
-            continue;
+        if (!cmds.isArray()) continue;
         for (const QJsonValue& cmdValue : cmds.toArray()) {
-            if (!cmdValue.isObject())
-                continue;
+            if (!cmdValue.isObject()) continue;
             const QJsonObject cmd = cmdValue.toObject();
             TData record;
             for (auto it = cmd.constBegin(); it != cmd.constEnd(); ++it)
@@ -71,22 +68,25 @@ bool TCtrlProject::data_to_project(const QByteArray& data, TDataPrj* prj) {
     return true;
 }
 
-void TCtrlProject::create_empty_project(TDataPrj* prj) { prj->newCfg(QStringLiteral("Config"), QString(), -1); }
+void TCtrlProject::create_empty_project(TDataPrj* prj) {
+    prj->newCfg(QStringLiteral("Config"), QString(), -1);
+}
 
 namespace {
 
-QString fieldText(const QString& key, const QString& value) { return QStringLiteral("\"%1\": \"%2\"").arg(key, value); }
+QString fieldText(const QString& key, const QString& value) {
+    return QStringLiteral("\"%1\": \"%2\"").arg(key, value);
+}
 
 // Ids inside parameters are written as positions; they become the same items' ids when read back.
 QString paramValue(TDataPrj* prj, const QString& code, const QString& key, const QVariant& value) {
-    if (code == CTagCmdCode::execute)
-        return QString::number(prj->getPosCfgFromIdCfg(value.toInt()));
-    if (code == CTagCmdCode::jamp)
-        return QString::number(prj->getAPosCmdFromIdCmd(value.toInt()));
+    if (code == CTagCmdCode::execute) return QString::number(prj->getPosCfgFromIdCfg(value.toInt()));
+    if (code == CTagCmdCode::jamp) return QString::number(prj->getAPosCmdFromIdCmd(value.toInt()));
     if (code == CTagCmdCode::auto_detect && key == CTagCmdProgAutoDetect::route) {
         QStringList pairs;
         for (const auto& pair : TSignature::getAutoRouteTable(value.toString()))
-            pairs.append(QStringLiteral("%1=%2").arg(pair.first).arg(prj->getPosCfgFromIdCfg(pair.second.toInt())));
+            pairs.append(
+                QStringLiteral("%1=%2").arg(pair.first).arg(prj->getPosCfgFromIdCfg(pair.second.toInt())));
         return pairs.join(QLatin1Char('|'));
     }
     return value.toString();
@@ -115,8 +115,7 @@ QByteArray TCtrlProject::project_to_data(TDataPrj* prj) {
     const QList<TDataCfg*> cfgs = prj->getCfgList();
     for (int i = 0; i < cfgs.size(); ++i) {
         TDataCfg* cfg = cfgs.at(i);
-        if (i > 0)
-            out << ",\n";
+        if (i > 0) out << ",\n";
         out << "        {\n"
             << "            \"name\": \"" << cfg->getName() << "\",\n"
             << "            \"description\": \"" << cfg->getDesc() << "\",\n"
@@ -124,17 +123,14 @@ QByteArray TCtrlProject::project_to_data(TDataPrj* prj) {
             << "            [\n";
         const QList<TDataCmd*> cmds = prj->getCmdListCfg(cfg->getUIN());
         for (int k = 0; k < cmds.size(); ++k) {
-            if (k > 0)
-                out << ",\n";
+            if (k > 0) out << ",\n";
             out << commandLine(prj, cmds.at(k));
         }
-        if (!cmds.isEmpty())
-            out << "\n";
+        if (!cmds.isEmpty()) out << "\n";
         out << "            ]\n"
             << "        }";
     }
-    if (!cfgs.isEmpty())
-        out << "\n";
+    if (!cfgs.isEmpty()) out << "\n";
     out << "    ]\n"
         << "}\n";
     out.flush();

@@ -12,7 +12,9 @@ std::atomic<int> uinCounter{0};
 
 TDataCfg::TDataCfg(const QString& n, const QString& d) : uin(uinCounter++), name(n), desc(d) {}
 
-void TDataCfg::resetUINCounter() { uinCounter = 0; }
+void TDataCfg::resetUINCounter() {
+    uinCounter = 0;
+}
 
 void TDataCfg::setName(const QString& n) {
     QMutexLocker lock(&mutex);

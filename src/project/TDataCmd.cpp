@@ -16,11 +16,13 @@ TDataCmd::TDataCmd(bool en, int cfg, const QString& code, const TData& p)
     removeModelKeys(param);
 }
 
-void TDataCmd::resetUINCounter() { uinCounter = 0; }
+void TDataCmd::resetUINCounter() {
+    uinCounter = 0;
+}
 
 void TDataCmd::removeModelKeys(TData& data) {
-    for (const char* key : {CTagCmd::id_cmd, CTagCmd::id_cfg, CTagCmd::status, CTagCmd::cmd, CTagCmd::valid_dev,
-                            CTagCmd::valid_param})
+    for (const char* key : {CTagCmd::id_cmd, CTagCmd::id_cfg, CTagCmd::status, CTagCmd::cmd,
+                            CTagCmd::valid_dev, CTagCmd::valid_param})
         data.remove(key);
 }
 
@@ -28,23 +30,57 @@ void TDataCmd::removeModelKeys(TData& data) {
     QMutexLocker lock(&mutex);                                                                               \
     expr
 
-void TDataCmd::setEnable(bool on) { LOCKED(enable = on;) }
-bool TDataCmd::getEnable() const { LOCKED(return enable;) }
-void TDataCmd::setValidDev(bool on) { LOCKED(validDev = on;) }
-bool TDataCmd::getValidDev() const { LOCKED(return validDev;) }
-void TDataCmd::setValidParam(bool on) { LOCKED(validParam = on;) }
-bool TDataCmd::getValidParam() const { LOCKED(return validParam;) }
-void TDataCmd::setCfgID(int id) { LOCKED(cfgId = id;) }
-int TDataCmd::getCfgID() const { LOCKED(return cfgId;) }
-QString TDataCmd::getCmdCode() const { LOCKED(return cmdCode;) }
-TData TDataCmd::getParam() const { LOCKED(return param;) }
-void TDataCmd::clearParam() { LOCKED(param.clear();) }
-void TDataCmd::setGroupObject(IDevice* obj) { LOCKED(groupObject = obj;) }
-IDevice* TDataCmd::getGroupObject() const { LOCKED(return groupObject;) }
-void TDataCmd::setDeviceObject(IDevice* obj) { LOCKED(deviceObject = obj;) }
-IDevice* TDataCmd::getDeviceObject() const { LOCKED(return deviceObject;) }
-void TDataCmd::setProgObject(TProg* obj) { LOCKED(progObject = obj;) }
-TProg* TDataCmd::getProgObject() const { LOCKED(return progObject;) }
+void TDataCmd::setEnable(bool on) {
+    LOCKED(enable = on;)
+}
+bool TDataCmd::getEnable() const {
+    LOCKED(return enable;)
+}
+void TDataCmd::setValidDev(bool on) {
+    LOCKED(validDev = on;)
+}
+bool TDataCmd::getValidDev() const {
+    LOCKED(return validDev;)
+}
+void TDataCmd::setValidParam(bool on) {
+    LOCKED(validParam = on;)
+}
+bool TDataCmd::getValidParam() const {
+    LOCKED(return validParam;)
+}
+void TDataCmd::setCfgID(int id) {
+    LOCKED(cfgId = id;)
+}
+int TDataCmd::getCfgID() const {
+    LOCKED(return cfgId;)
+}
+QString TDataCmd::getCmdCode() const {
+    LOCKED(return cmdCode;)
+}
+TData TDataCmd::getParam() const {
+    LOCKED(return param;)
+}
+void TDataCmd::clearParam() {
+    LOCKED(param.clear();)
+}
+void TDataCmd::setGroupObject(IDevice* obj) {
+    LOCKED(groupObject = obj;)
+}
+IDevice* TDataCmd::getGroupObject() const {
+    LOCKED(return groupObject;)
+}
+void TDataCmd::setDeviceObject(IDevice* obj) {
+    LOCKED(deviceObject = obj;)
+}
+IDevice* TDataCmd::getDeviceObject() const {
+    LOCKED(return deviceObject;)
+}
+void TDataCmd::setProgObject(TProg* obj) {
+    LOCKED(progObject = obj;)
+}
+TProg* TDataCmd::getProgObject() const {
+    LOCKED(return progObject;)
+}
 
 void TDataCmd::setParam(const TData& p) {
     QMutexLocker lock(&mutex);
@@ -75,13 +111,11 @@ void TDataCmd::setData(const TData& data) {
 
 void TDataCmd::normParam() {
     QMutexLocker lock(&mutex);
-    if (!groupObject)
-        return;
+    if (!groupObject) return;
     const TData before = getData();
     TData after = before;
     groupObject->normCmdParam(after);
-    if (after != before)
-        setData(after);
+    if (after != before) setData(after);
 }
 
 bool TDataCmd::checkParam() {

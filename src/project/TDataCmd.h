@@ -28,8 +28,8 @@ public:
     TData getParam() const;
     void setParam(const TData& param); // replaces the parameters (any id_cmd dropped)
     void clearParam();
-    TData getData() const;             // the parameters plus the six model keys
-    void setData(const TData& data);   // takes status, id_cfg and cmd; the rest become the parameters
+    TData getData() const;           // the parameters plus the six model keys
+    void setData(const TData& data); // takes status, id_cfg and cmd; the rest become the parameters
 
     void setGroupObject(IDevice* obj);
     IDevice* getGroupObject() const;

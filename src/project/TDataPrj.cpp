@@ -20,13 +20,18 @@ const QString familyTools = QStringLiteral("Tools");
 const QString familyProg = QStringLiteral("Prog");
 
 // Where the installation's families and programmer descriptions come from.
-IDevice* catalogueDevice(const QString&, const QString&) { return nullptr; }
-TProg* registryProg(const QString&) { return nullptr; }
+IDevice* catalogueDevice(const QString&, const QString&) {
+    return nullptr;
+}
+TProg* registryProg(const QString&) {
+    return nullptr;
+}
 } // namespace
 
 #define LOCK QMutexLocker lock(&mutex)
 
-TDataPrj::TDataPrj(QObject* parent) : QObject(parent), deviceFactory(catalogueDevice), progFactory(registryProg) {
+TDataPrj::TDataPrj(QObject* parent)
+    : QObject(parent), deviceFactory(catalogueDevice), progFactory(registryProg) {
     clrPrj();
 }
 
@@ -39,15 +44,13 @@ TDataPrj::~TDataPrj() {
 
 int TDataPrj::posCfgOf(int idCfg) const {
     for (int i = 0; i < cfgList.size(); ++i)
-        if (cfgList.at(i)->getUIN() == idCfg)
-            return i;
+        if (cfgList.at(i)->getUIN() == idCfg) return i;
     return -1;
 }
 
 int TDataPrj::aposOf(int idCmd) const {
     for (int i = 0; i < cmdList.size(); ++i)
-        if (cmdList.at(i)->getUIN() == idCmd)
-            return i;
+        if (cmdList.at(i)->getUIN() == idCmd) return i;
     return -1;
 }
 
@@ -70,8 +73,7 @@ TDataCfg* TDataPrj::getCfgObject(int idCfg) const {
 int TDataPrj::getIdCfgFromNameCfg(const QString& name) const {
     LOCK;
     for (TDataCfg* cfg : cfgList)
-        if (cfg->getName() == name)
-            return cfg->getUIN();
+        if (cfg->getName() == name) return cfg->getUIN();
     return -1;
 }
 
@@ -122,13 +124,11 @@ TDataCmd* TDataPrj::getCmdObjectFromAPos(int apos) const {
 
 int TDataPrj::getPosCmdFromAPosCmd(int apos) const {
     LOCK;
-    if (apos < 0 || apos >= cmdList.size())
-        return -1;
+    if (apos < 0 || apos >= cmdList.size()) return -1;
     const int idCfg = cmdList.at(apos)->getCfgID();
     int pos = 0;
     for (int i = 0; i < apos; ++i)
-        if (cmdList.at(i)->getCfgID() == idCfg)
-            ++pos;
+        if (cmdList.at(i)->getCfgID() == idCfg) ++pos;
     return pos;
 }
 
@@ -153,8 +153,7 @@ QList<TDataCmd*> TDataPrj::getCmdListCfg(int idCfg) const {
     LOCK;
     QList<TDataCmd*> list;
     for (TDataCmd* cmd : cmdList)
-        if (cmd->getCfgID() == idCfg)
-            list.append(cmd);
+        if (cmd->getCfgID() == idCfg) list.append(cmd);
     return list;
 }
 
@@ -207,8 +206,7 @@ int TDataPrj::newCmd(TData data, int pos) {
 void TDataPrj::updCmdParam(int idCmd, const TData& param) {
     LOCK;
     TDataCmd* cmd = getCmdObjectFromIdCmd(idCmd);
-    if (!cmd)
-        return;
+    if (!cmd) return;
     setChange();
     TData p = param;
     TDataCmd::removeModelKeys(p);
@@ -221,8 +219,7 @@ void TDataPrj::delCmd(int idCmd) {
     LOCK;
     setChange();
     const int apos = aposOf(idCmd);
-    if (apos < 0)
-        return;
+    if (apos < 0) return;
     TData data = cmdList.at(apos)->getData();
     data.insert(CTagCmd::pos, apos);
     delete cmdList.takeAt(apos);
@@ -233,16 +230,14 @@ void TDataPrj::delCmdCfg(int idCfg) {
     LOCK;
     setChange();
     for (int i = cmdList.size() - 1; i >= 0; --i)
-        if (cmdList.at(i)->getCfgID() == idCfg)
-            delCmd(cmdList.at(i)->getUIN());
+        if (cmdList.at(i)->getCfgID() == idCfg) delCmd(cmdList.at(i)->getUIN());
 }
 
 void TDataPrj::delCfg(int idCfg) {
     LOCK;
     setChange();
     const int pos = posCfgOf(idCfg);
-    if (pos < 0)
-        return;
+    if (pos < 0) return;
     delCmdCfg(idCfg);
     TData data = cfgList.at(pos)->getData();
     data.insert(CTagCmd::id_cfg, idCfg);
@@ -254,8 +249,7 @@ void TDataPrj::delCfg(int idCfg) {
 void TDataPrj::delCmdDev(int idCmdSetDevice) {
     LOCK;
     const int apos = aposOf(idCmdSetDevice);
-    if (apos < 0)
-        return;
+    if (apos < 0) return;
     setChange();
     // The device commands that the set-device command serves: those after it in its configuration, up to
     // the next command that chooses a programmer or a device.
@@ -263,13 +257,12 @@ void TDataPrj::delCmdDev(int idCmdSetDevice) {
     QList<int> ids;
     for (int i = apos + 1; i < cmdList.size(); ++i) {
         TDataCmd* cmd = cmdList.at(i);
-        if (cmd->getCfgID() != idCfg)
-            continue;
+        if (cmd->getCfgID() != idCfg) continue;
         const QString code = cmd->getCmdCode();
-        if (code == CTagCmdCode::set_prog || code == CTagCmdCode::set_device || code == CTagCmdCode::auto_detect)
+        if (code == CTagCmdCode::set_prog || code == CTagCmdCode::set_device ||
+            code == CTagCmdCode::auto_detect)
             break;
-        if (CmdCode.getFamily(code) == TCmdCode::FamilyDevice)
-            ids.append(cmd->getUIN());
+        if (CmdCode.getFamily(code) == TCmdCode::FamilyDevice) ids.append(cmd->getUIN());
     }
     for (int id : ids)
         delCmd(id);
@@ -278,11 +271,10 @@ void TDataPrj::delCmdDev(int idCmdSetDevice) {
 void TDataPrj::movCfg(int from, int to) {
     LOCK;
     setChange();
-    if (from < 0 || to < 0 || from >= cfgList.size() || to >= cfgList.size())
-        return;
+    if (from < 0 || to < 0 || from >= cfgList.size() || to >= cfgList.size()) return;
     cfgList.move(from, to);
-    emit signalChangeData(CodeViewCfgMove, TData{{CTagCmd::id_cfg, cfgList.at(to)->getUIN()},
-                                                {CTagCmd::pos, to}});
+    emit signalChangeData(CodeViewCfgMove,
+                          TData{{CTagCmd::id_cfg, cfgList.at(to)->getUIN()}, {CTagCmd::pos, to}});
 }
 
 void TDataPrj::moveCmd(int idCmd, int delta) {
@@ -290,10 +282,8 @@ void TDataPrj::moveCmd(int idCmd, int delta) {
     setChange();
     const int p = aposOf(idCmd);
     const int t = p + delta;
-    if (p < 0 || t < 0 || t >= cmdList.size())
-        return;
-    if (cmdList.at(t)->getCfgID() != cmdList.at(p)->getCfgID())
-        return;
+    if (p < 0 || t < 0 || t >= cmdList.size()) return;
+    if (cmdList.at(t)->getCfgID() != cmdList.at(p)->getCfgID()) return;
     cmdList.move(p, t);
     updCmdObjectAll();
     emitCmd(CodeViewCmdMove, idCmd);
@@ -353,16 +343,14 @@ TCodeCfgStatus TDataPrj::getCfgStatus(int idCfg) const {
 bool TDataPrj::existCmdErrorCfg(int idCfg) const {
     LOCK;
     for (TDataCmd* cmd : cmdList)
-        if (cmd->getCfgID() == idCfg && (!cmd->getValidDev() || !cmd->getValidParam()))
-            return true;
+        if (cmd->getCfgID() == idCfg && (!cmd->getValidDev() || !cmd->getValidParam())) return true;
     return false;
 }
 
 bool TDataPrj::existCmdSelectCfg(int idCfg) const {
     LOCK;
     for (TDataCmd* cmd : cmdList)
-        if (cmd->getCfgID() == idCfg && cmd->getEnable())
-            return true;
+        if (cmd->getCfgID() == idCfg && cmd->getEnable()) return true;
     return false;
 }
 
@@ -497,8 +485,7 @@ namespace {
 QStringList filterByProg(const QStringList& codes, TProg* prog) {
     QStringList out;
     for (const QString& code : codes)
-        if (code == CTagCmdCode::separator || (prog && prog->supportCmd(code)))
-            out.append(code);
+        if (code == CTagCmdCode::separator || (prog && prog->supportCmd(code))) out.append(code);
     return out;
 }
 } // namespace
@@ -506,26 +493,22 @@ QStringList filterByProg(const QStringList& codes, TProg* prog) {
 QStringList TDataPrj::getSupportProgCmdList(int idCmd) {
     LOCK;
     const int apos = aposOf(idCmd);
-    if (apos < 0)
-        return QStringList();
+    if (apos < 0) return QStringList();
     const QString progName = getProgName(getIdCfgFromAPosCmd(apos), apos);
     IDevice* prog = createDevice(familyProg, QString());
-    if (progName.isEmpty() || !prog)
-        return QStringList();
+    if (progName.isEmpty() || !prog) return QStringList();
     return filterByProg(prog->getSupportCmdList(), createProg(progName));
 }
 
 QStringList TDataPrj::getSupportDeviceCmdList(int idCmd) {
     LOCK;
     const int apos = aposOf(idCmd);
-    if (apos < 0)
-        return QStringList();
+    if (apos < 0) return QStringList();
     const int idCfg = getIdCfgFromAPosCmd(apos);
     const QString progName = getProgName(idCfg, apos);
     const QString devName = getDeviceName(idCfg, apos);
     IDevice* dev = devName.isEmpty() ? nullptr : deviceCache.value(devName);
-    if (progName.isEmpty() || !dev)
-        return QStringList();
+    if (progName.isEmpty() || !dev) return QStringList();
     return filterByProg(dev->getSupportCmdList(), createProg(progName));
 }
 
@@ -536,14 +519,12 @@ TDataCmd* TDataPrj::getNextCmd(int idCfg, int idCmdPrev) const {
     int start = 0;
     if (idCmdPrev >= 0) {
         const int prev = aposOf(idCmdPrev);
-        if (prev < 0)
-            return nullptr;
+        if (prev < 0) return nullptr;
         start = prev + 1;
     }
     for (int i = start; i < cmdList.size(); ++i) {
         TDataCmd* cmd = cmdList.at(i);
-        if (cmd->getCfgID() == idCfg && cmd->getEnable())
-            return cmd;
+        if (cmd->getCfgID() == idCfg && cmd->getEnable()) return cmd;
     }
     return nullptr;
 }
@@ -559,17 +540,13 @@ bool TDataPrj::getNextCmdData(int idCfg, int idCmdPrev, TData& data) const {
 
 int TDataPrj::walkBack(int idCfg, int apos, const std::function<int(TDataCmd*)>& visit) const {
     // visit returns 1 to stop with this command, -1 to stop with nothing, 0 to go on.
-    if (apos < 0 || apos >= cmdList.size())
-        apos = cmdList.size() - 1;
+    if (apos < 0 || apos >= cmdList.size()) apos = cmdList.size() - 1;
     for (int i = apos; i >= 0; --i) {
         TDataCmd* cmd = cmdList.at(i);
-        if (cmd->getCfgID() != idCfg)
-            return -1;
+        if (cmd->getCfgID() != idCfg) return -1;
         const int r = visit(cmd);
-        if (r > 0)
-            return i;
-        if (r < 0)
-            return -1;
+        if (r > 0) return i;
+        if (r < 0) return -1;
     }
     return -1;
 }
@@ -586,17 +563,15 @@ QString TDataPrj::getDeviceName(int idCfg, int apos) const {
     LOCK;
     const int found = walkBack(idCfg, apos, [](TDataCmd* cmd) {
         const QString code = cmd->getCmdCode();
-        if (code == CTagCmdCode::set_prog)
-            return -1; // a new programmer forgets the device
+        if (code == CTagCmdCode::set_prog) return -1; // a new programmer forgets the device
         if (code == CTagCmdCode::set_device || code == CTagCmdCode::auto_detect)
             return cmd->getValidDev() ? 1 : -1;
         return 0;
     });
-    if (found < 0)
-        return QString();
+    if (found < 0) return QString();
     const TDataCmd* cmd = cmdList.at(found);
     const char* key = cmd->getCmdCode() == CTagCmdCode::auto_detect ? CTagCmdProgAutoDetect::name
-                                                                     : CTagCmdProgSetDevice::device;
+                                                                    : CTagCmdProgSetDevice::device;
     return cmd->getParam().value(key).toString();
 }
 
@@ -615,17 +590,16 @@ QString TDataPrj::getGroupName(int idCfg, int apos, const QString& code) const {
 int TDataPrj::getAPosCmdSetProg(int idCmd) const {
     LOCK;
     const int apos = aposOf(idCmd);
-    if (apos < 0)
-        return -1;
+    if (apos < 0) return -1;
     const int idCfg = cmdList.at(apos)->getCfgID();
-    return walkBack(idCfg, apos, [](TDataCmd* cmd) { return cmd->getCmdCode() == CTagCmdCode::set_prog ? 1 : 0; });
+    return walkBack(idCfg, apos,
+                    [](TDataCmd* cmd) { return cmd->getCmdCode() == CTagCmdCode::set_prog ? 1 : 0; });
 }
 
 int TDataPrj::getAPosCmdSetDevice(int idCmd) const {
     LOCK;
     const int apos = aposOf(idCmd);
-    if (apos < 0)
-        return -1;
+    if (apos < 0) return -1;
     const int idCfg = cmdList.at(apos)->getCfgID();
     return walkBack(idCfg, apos,
                     [](TDataCmd* cmd) { return cmd->getCmdCode() == CTagCmdCode::set_device ? 1 : 0; });
@@ -634,8 +608,7 @@ int TDataPrj::getAPosCmdSetDevice(int idCmd) const {
 void TDataPrj::updCmdObject(int idCmd) {
     LOCK;
     const int apos = aposOf(idCmd);
-    if (apos < 0)
-        return;
+    if (apos < 0) return;
     TDataCmd* cmd = cmdList.at(apos);
     const QString code = cmd->getCmdCode();
     const int idCfg = cmd->getCfgID();
@@ -676,8 +649,7 @@ void TDataPrj::updCmdObject(int idCmd) {
         valid = valid && prog;
     else if (family != TCmdCode::FamilyTools)
         valid = valid && prog && prog->supportCmd(code);
-    if (code == CTagCmdCode::set_device || code == CTagCmdCode::auto_detect)
-        valid = valid && device;
+    if (code == CTagCmdCode::set_device || code == CTagCmdCode::auto_detect) valid = valid && device;
     cmd->setValidDev(valid);
     cmd->checkParam();
 }
@@ -692,25 +664,19 @@ void TDataPrj::updCmdObjectAll() {
 
 IDevice* TDataPrj::createDevice(const QString& name, const QString& file) {
     LOCK;
-    if (name.isEmpty())
-        return nullptr;
-    if (IDevice* dev = deviceCache.value(name))
-        return dev;
+    if (name.isEmpty()) return nullptr;
+    if (IDevice* dev = deviceCache.value(name)) return dev;
     IDevice* dev = deviceFactory ? deviceFactory(name, file) : nullptr;
-    if (dev)
-        deviceCache.insert(name, dev);
+    if (dev) deviceCache.insert(name, dev);
     return dev;
 }
 
 TProg* TDataPrj::createProg(const QString& name) {
     LOCK;
-    if (name.isEmpty())
-        return nullptr;
-    if (TProg* prog = progCache.value(name))
-        return prog;
+    if (name.isEmpty()) return nullptr;
+    if (TProg* prog = progCache.value(name)) return prog;
     TProg* prog = progFactory ? progFactory(name) : nullptr;
-    if (prog)
-        progCache.insert(name, prog);
+    if (prog) progCache.insert(name, prog);
     return prog;
 }
 

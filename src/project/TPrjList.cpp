@@ -15,7 +15,8 @@ const char* const footer = "    ]\n}\n";
 void writeItems(QTextStream& out, const QList<TPrjListItem>& items, int parent, int& counter) {
     for (const TPrjListItem& item : items) {
         const int number = ++counter;
-        out << QStringLiteral("        {\"parent\": %2, \"expand\": %3, \"name\": \"%4\", \"file\": \"%5\"},\n")
+        out << QStringLiteral(
+                   "        {\"parent\": %2, \"expand\": %3, \"name\": \"%4\", \"file\": \"%5\"},\n")
                    .arg(parent)
                    .arg(item.expand ? 1 : 0)
                    .arg(item.name, item.file);
@@ -25,10 +26,8 @@ void writeItems(QTextStream& out, const QList<TPrjListItem>& items, int parent, 
 
 bool writeFile(const QString& fileName, const QByteArray& data, QString* error) {
     QSaveFile f(fileName);
-    if (f.open(QIODevice::WriteOnly) && f.write(data) == data.size() && f.commit())
-        return true;
-    if (error)
-        *error = f.errorString();
+    if (f.open(QIODevice::WriteOnly) && f.write(data) == data.size() && f.commit()) return true;
+    if (error) *error = f.errorString();
     return false;
 }
 
@@ -52,8 +51,7 @@ QByteArray TPrjList::toData(const QList<TPrjListItem>& tree) {
         writeItems(out, tree, 0, counter);
     }
     // The last entry line loses its trailing comma (its last character before the line break).
-    if (entries.endsWith(",\n"))
-        entries.remove(entries.size() - 2, 1);
+    if (entries.endsWith(",\n")) entries.remove(entries.size() - 2, 1);
     return QByteArray(header) + entries + footer;
 }
 
@@ -61,7 +59,9 @@ bool TPrjList::save(const QString& fileName, const QList<TPrjListItem>& tree, QS
     return writeFile(fileName, toData(tree), error);
 }
 
-QList<TPrjListItem> TPrjList::load(const QString& fileName) { return fromData(readFile(fileName)); }
+QList<TPrjListItem> TPrjList::load(const QString& fileName) {
+    return fromData(readFile(fileName));
+}
 
 QList<TPrjListItem> TPrjList::fromData(const QByteArray& data) {
     // Entries are collected flat with their parent numbers, then assembled bottom-up so that the
@@ -78,19 +78,16 @@ QList<TPrjListItem> TPrjList::fromData(const QByteArray& data) {
         f.item.name = o.value(QStringLiteral("name")).toString();
         f.item.file = o.value(QStringLiteral("file")).toString();
         // A parent must be an earlier entry; anything else goes to the top level.
-        if (f.parent < 0 || f.parent > flat.size())
-            f.parent = 0;
+        if (f.parent < 0 || f.parent > flat.size()) f.parent = 0;
         flat.append(f);
     }
     for (int i = flat.size() - 1; i >= 0; --i) {
         const int parent = flat.at(i).parent;
-        if (parent > 0)
-            flat[parent - 1].item.children.prepend(flat.at(i).item);
+        if (parent > 0) flat[parent - 1].item.children.prepend(flat.at(i).item);
     }
     QList<TPrjListItem> tree;
     for (const Flat& f : flat)
-        if (f.parent == 0)
-            tree.append(f.item);
+        if (f.parent == 0) tree.append(f.item);
     return tree;
 }
 
@@ -99,8 +96,7 @@ QByteArray TSelectPrjList::toData(const QList<TSelectPrjListRow>& rows) {
     for (const TSelectPrjListRow& r : rows)
         lines.append(QStringLiteral("        {\"name\": \"%1\", \"file\": \"%2\"}").arg(r.name, r.file));
     QByteArray data(header);
-    if (!lines.isEmpty())
-        data += lines.join(QStringLiteral(",\n")).toUtf8() + "\n";
+    if (!lines.isEmpty()) data += lines.join(QStringLiteral(",\n")).toUtf8() + "\n";
     return data + footer;
 }
 
@@ -108,7 +104,9 @@ bool TSelectPrjList::save(const QString& fileName, const QList<TSelectPrjListRow
     return writeFile(fileName, toData(rows), error);
 }
 
-QList<TSelectPrjListRow> TSelectPrjList::load(const QString& fileName) { return fromData(readFile(fileName)); }
+QList<TSelectPrjListRow> TSelectPrjList::load(const QString& fileName) {
+    return fromData(readFile(fileName));
+}
 
 QList<TSelectPrjListRow> TSelectPrjList::fromData(const QByteArray& data) {
     QList<TSelectPrjListRow> rows;

@@ -53,7 +53,8 @@ private slots:
                     const int id = m.next().captured(1).toInt();
                     ++uses;
                     QVERIFY2(!lang.get(id).trimmed().isEmpty() && lang.get(id) != "?????",
-                             qPrintable(QString("%1 uses language id %2 without a text").arg(f.fileName()).arg(id)));
+                             qPrintable(
+                                 QString("%1 uses language id %2 without a text").arg(f.fileName()).arg(id)));
                 }
             }
         }
@@ -91,7 +92,8 @@ private slots:
         QVERIFY(!TAPP_PARAM(data, "fill_char").isValid());
         TApp::setDebug(false);
         TApp::setDebugSink(nullptr);
-        QCOMPARE(reports, QStringList{QString("Error: Param test_app.cpp, %1: fill_char not found").arg(line)});
+        QCOMPARE(reports,
+                 QStringList{QString("Error: Param test_app.cpp, %1: fill_char not found").arg(line)});
     }
 
     void commandCodesAndNames() {

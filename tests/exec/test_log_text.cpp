@@ -20,11 +20,13 @@ private slots:
         QCOMPARE(none.event(0, "Stop", "", at), (QList<P>{{P::Cmd, "Stop"}}));
         // Continuation lines line up under the text that follows a time stamp.
         QCOMPARE(ms.event(2, "text", "", at), (QList<P>{{P::Text, QString(13, ' ') + "text"}}));
-        QCOMPARE(sec.event(4, "CRC-32: CBF43926", "", at), (QList<P>{{P::Result, QString(9, ' ') + "CRC-32: CBF43926"}}));
+        QCOMPARE(sec.event(4, "CRC-32: CBF43926", "", at),
+                 (QList<P>{{P::Result, QString(9, ' ') + "CRC-32: CBF43926"}}));
         QCOMPARE(none.event(4, "r", "", at), (QList<P>{{P::Result, "r"}}));
         QCOMPARE(sec.event(3, "work", "", at), (QList<P>{{P::Work, "work"}}));
         QCOMPARE(sec.event(1, "t", "", at), (QList<P>{{P::Time, "09:05:07 "}, {P::Text, "t"}}));
-        QCOMPARE(sec.event(5, Lang.get(391), "", at), (QList<P>{{P::Time, "09:05:07 "}, {P::Success, Lang.get(391)}}));
+        QCOMPARE(sec.event(5, Lang.get(391), "", at),
+                 (QList<P>{{P::Time, "09:05:07 "}, {P::Success, Lang.get(391)}}));
         QVERIFY(sec.event(7, "x", "y", at).isEmpty());
         QVERIFY(sec.event(9, "x", "y", at).isEmpty());
     }

@@ -43,10 +43,8 @@ public:
                         "file_write", "ident"});
         writeProg(few, {"set_vcc", "set_device"});
         prj.setProgFactory([=](const QString& name) -> TProg* {
-            if (name == "progA")
-                return new TProg(all);
-            if (name == "progB")
-                return new TProg(few);
+            if (name == "progA") return new TProg(all);
+            if (name == "progB") return new TProg(few);
             return nullptr;
         });
         prj.setDeviceFactory([](const QString& name, const QString&) -> IDevice* {
@@ -54,10 +52,8 @@ public:
                 return new TestFamily(name, {"delay", "jamp", "execute", "set_prog", "pause", "stop"});
             if (name == "Prog")
                 return new TestFamily(name, {"set_vcc", "set_vpp", "set_device", "auto_detect", "reset"});
-            if (name == "chipA")
-                return new TestFamily(name, {"erase", "data_read", "file_write"});
-            if (name == "chipB" || name == "DevAuto")
-                return new TestFamily(name, {"ident"});
+            if (name == "chipA") return new TestFamily(name, {"erase", "data_read", "file_write"});
+            if (name == "chipB" || name == "DevAuto") return new TestFamily(name, {"ident"});
             return nullptr;
         });
     }

@@ -58,7 +58,8 @@ private slots:
     void modelKeysNeverStoredAsParameters() {
         TDataPrj prj;
         const int cfg = prj.newCfg("A", "", -1);
-        const int id = prj.newCmd(cmd(cfg, "delay", {{"delay", "5"}, {"valid_dev", true}, {"id_cmd", 77}}, 0), -1);
+        const int id =
+            prj.newCmd(cmd(cfg, "delay", {{"delay", "5"}, {"valid_dev", true}, {"id_cmd", 77}}, 0), -1);
         TDataCmd* c = prj.getCmdObjectFromIdCmd(id);
         QCOMPARE(c->getParam(), (TData{{"delay", "5"}}));
         QVERIFY(!c->getEnable());
@@ -75,7 +76,7 @@ private slots:
         const int a = prj.newCfg("A", "", -1), b = prj.newCfg("B", "", -1);
         const int a0 = prj.newCmd(cmd(a, "delay"), -1), a1 = prj.newCmd(cmd(a, "pause"), -1);
         const int b0 = prj.newCmd(cmd(b, "stop"), -1), b1 = prj.newCmd(cmd(b, "delay"), -1);
-        prj.moveCmd(a1, 1); // the neighbour belongs to B
+        prj.moveCmd(a1, 1);  // the neighbour belongs to B
         prj.moveCmd(a0, -1); // past the start
         prj.moveCmd(b1, 1);  // past the end
         QCOMPARE(allIds(prj), (QList<int>{a0, a1, b0, b1}));
@@ -124,11 +125,11 @@ private slots:
         const int setProg = prj.newCmd(cmd(a, "set_prog", {{"prog", "progA"}}), -1);
         const int setDev = prj.newCmd(cmd(a, "set_device", {{"device", "chipA"}, {"file", ""}}), -1);
         const int erase = prj.newCmd(cmd(a, "erase"), -1);
-        const int ident = prj.newCmd(cmd(a, "ident"), -1);     // chipA does not know it
+        const int ident = prj.newCmd(cmd(a, "ident"), -1); // chipA does not know it
         const int vcc = prj.newCmd(cmd(a, "set_vcc"), -1);
         const int badRead = prj.newCmd(cmd(a, "data_read", {{"bad", "1"}}), -1);
-        const int eraseB = prj.newCmd(cmd(b, "erase"), -1);    // B chose nothing
-        const int delayB = prj.newCmd(cmd(b, "delay"), -1);    // tools need no programmer
+        const int eraseB = prj.newCmd(cmd(b, "erase"), -1); // B chose nothing
+        const int delayB = prj.newCmd(cmd(b, "delay"), -1); // tools need no programmer
         auto valid = [&](int id) {
             TDataCmd* c = prj.getCmdObjectFromIdCmd(id);
             return qMakePair(c->getValidDev(), c->getValidParam());
@@ -151,7 +152,8 @@ private slots:
         QVERIFY(prj.existCmdDeviceCfg(b));
 
         // A programmer that lacks a command makes it invalid; a new programmer forgets the device.
-        const int setProgB = prj.newCmd(cmd(a, "set_prog", {{"prog", "progB"}}), prj.getAPosCmdFromIdCmd(erase));
+        const int setProgB =
+            prj.newCmd(cmd(a, "set_prog", {{"prog", "progB"}}), prj.getAPosCmdFromIdCmd(erase));
         prj.updCmdObjectAll();
         QCOMPARE(valid(erase).first, false);
         QCOMPARE(prj.getDeviceName(a, prj.getAPosCmdFromIdCmd(erase)), QString());
@@ -184,7 +186,8 @@ private slots:
         prj.newCmd(cmd(a, "set_prog", {{"prog", "progB"}}), -1);
         prj.newCmd(cmd(a, "set_device", {{"device", "chipA"}}), -1);
         const int last = prj.newCmd(cmd(a, "delay"), -1);
-        QCOMPARE(prj.getSupportToolsCmdList(), (QStringList{"delay", "jamp", "execute", "set_prog", "pause", "stop"}));
+        QCOMPARE(prj.getSupportToolsCmdList(),
+                 (QStringList{"delay", "jamp", "execute", "set_prog", "pause", "stop"}));
         QCOMPARE(prj.getSupportProgCmdList(last), (QStringList{"set_vcc", "set_device"}));
         QCOMPARE(prj.getSupportDeviceCmdList(last), QStringList());
         prj.updCmdParam(prj.getIdCmdFromAPosCmd(0), {{"prog", "progA"}});

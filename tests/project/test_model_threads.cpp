@@ -32,8 +32,7 @@ private slots:
                 TData data;
                 // Copies taken under the lock are safe whatever the editor does next.
                 while (prj.getNextCmdData(a, prev, data)) {
-                    if (data.value("id_cfg").toInt() != a)
-                        qFatal("walked into another configuration");
+                    if (data.value("id_cfg").toInt() != a) qFatal("walked into another configuration");
                     prev = data.value("id_cmd").toInt();
                     if (prj.getAPosCmdFromIdCmd(prev) < 0)
                         break; // deleted meanwhile: a real run would end here too
@@ -54,11 +53,21 @@ private slots:
             const int n = prj.getCmdList().size();
             const int id = prj.getIdCmdFromAPosCmd(n ? int(rng.bounded(n)) : 0);
             switch (rng.bounded(5)) {
-            case 0: prj.newCmd(cmd(rng.bounded(2) ? a : b, "delay"), int(rng.bounded(n + 1))); break;
-            case 1: prj.moveCmd(id, rng.bounded(2) ? 1 : -1); break;
-            case 2: prj.enbCmd(id, rng.bounded(2)); break;
-            case 3: if (n > 10) prj.delCmd(id); break;
-            default: prj.updCmdParam(id, {{"n", i}}); break;
+            case 0:
+                prj.newCmd(cmd(rng.bounded(2) ? a : b, "delay"), int(rng.bounded(n + 1)));
+                break;
+            case 1:
+                prj.moveCmd(id, rng.bounded(2) ? 1 : -1);
+                break;
+            case 2:
+                prj.enbCmd(id, rng.bounded(2));
+                break;
+            case 3:
+                if (n > 10) prj.delCmd(id);
+                break;
+            default:
+                prj.updCmdParam(id, {{"n", i}});
+                break;
             }
         }
         done = true;

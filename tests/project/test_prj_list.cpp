@@ -8,7 +8,8 @@ class TestPrjList : public QObject {
 
 private slots:
     void emptyTreeIsJustTheFrame() {
-        QCOMPARE(TPrjList::toData({}), QByteArray("{\n    \"version\": 1,\n    \"list\":\n    [\n    ]\n}\n"));
+        QCOMPARE(TPrjList::toData({}),
+                 QByteArray("{\n    \"version\": 1,\n    \"list\":\n    [\n    ]\n}\n"));
         QCOMPARE(TSelectPrjList::toData({}), TPrjList::toData({}));
     }
 
@@ -18,14 +19,15 @@ private slots:
         TPrjListItem top{"top", "", true, {mid, {"p", "p.prj", false, {}}}};
         TPrjListItem second{"second", "s.prj", false, {}};
         const QList<TPrjListItem> tree{top, second};
-        const QByteArray expected = "{\n    \"version\": 1,\n    \"list\":\n    [\n"
-                                    "        {\"parent\": 0, \"expand\": 1, \"name\": \"top\", \"file\": \"\"},\n"
-                                    "        {\"parent\": 1, \"expand\": 1, \"name\": \"mid\", \"file\": \"\"},\n"
-                                    "        {\"parent\": 2, \"expand\": 0, \"name\": \"leaf\", \"file\": \"deep/leaf.prj\"},\n"
-                                    "        {\"parent\": 2, \"expand\": 0, \"name\": \"leaf2\", \"file\": \"l2.prj\"},\n"
-                                    "        {\"parent\": 1, \"expand\": 0, \"name\": \"p\", \"file\": \"p.prj\"},\n"
-                                    "        {\"parent\": 0, \"expand\": 0, \"name\": \"second\", \"file\": \"s.prj\"}\n"
-                                    "    ]\n}\n";
+        const QByteArray expected =
+            "{\n    \"version\": 1,\n    \"list\":\n    [\n"
+            "        {\"parent\": 0, \"expand\": 1, \"name\": \"top\", \"file\": \"\"},\n"
+            "        {\"parent\": 1, \"expand\": 1, \"name\": \"mid\", \"file\": \"\"},\n"
+            "        {\"parent\": 2, \"expand\": 0, \"name\": \"leaf\", \"file\": \"deep/leaf.prj\"},\n"
+            "        {\"parent\": 2, \"expand\": 0, \"name\": \"leaf2\", \"file\": \"l2.prj\"},\n"
+            "        {\"parent\": 1, \"expand\": 0, \"name\": \"p\", \"file\": \"p.prj\"},\n"
+            "        {\"parent\": 0, \"expand\": 0, \"name\": \"second\", \"file\": \"s.prj\"}\n"
+            "    ]\n}\n";
         QCOMPARE(TPrjList::toData(tree), expected);
         QCOMPARE(TPrjList::toData(tree), expected); // a second save numbers from 1 again
         QTemporaryDir dir;
@@ -38,7 +40,8 @@ private slots:
         QVERIFY(TPrjList::fromData("not json").isEmpty());
         QVERIFY(TPrjList::load("/no/such/file.lst").isEmpty());
         // A parent that names a later or missing entry puts the entry at the top level.
-        const auto tree = TPrjList::fromData(R"({"list": [{"parent": 2, "name": "a"}, {"parent": 0, "name": "b"},
+        const auto tree =
+            TPrjList::fromData(R"({"list": [{"parent": 2, "name": "a"}, {"parent": 0, "name": "b"},
                                                           {"parent": 9, "name": "c"}, {"parent": 2, "name": "d"}]})");
         QCOMPARE(tree.size(), 3);
         QCOMPARE(tree.at(0).name, QString("a"));

@@ -61,7 +61,8 @@ private slots:
             "                {\"status\": \"1\", \"cmd\": \"set_prog\", \"prog\": \"progA\"},\n"
             "                {\"status\": \"0\", \"cmd\": \"set_vcc\", \"vcc\": \"3.3\"},\n"
             "                {\"status\": \"1\", \"cmd\": \"jamp\", \"to_cmd\": \"1\"},\n"
-            "                {\"status\": \"1\", \"cmd\": \"auto_detect\", \"name\": \"DevAuto\", \"route\": \"chipB=0|none=1\"}\n"
+            "                {\"status\": \"1\", \"cmd\": \"auto_detect\", \"name\": \"DevAuto\", \"route\": "
+            "\"chipB=0|none=1\"}\n"
             "            ]\n"
             "        },\n"
             "        {\n"
@@ -162,7 +163,8 @@ private slots:
         TDataPrj prj;
         QCOMPARE(ctrl.load(dir.filePath("missing.prj"), &prj), 1);
         QCOMPARE(ctrl.getErrorText(), QString("No such file or directory"));
-        QCOMPARE(ctrl.load(write("trunc.prj", R"({"version": 1, "configurations": [ {"name": "A")"), &prj), 2);
+        QCOMPARE(ctrl.load(write("trunc.prj", R"({"version": 1, "configurations": [ {"name": "A")"), &prj),
+                 2);
         QVERIFY(!ctrl.getErrorText().isEmpty());
         QVERIFY(prj.getPrjFileName().isEmpty()); // a failed load does not adopt the file
 
@@ -190,10 +192,18 @@ private slots:
             for (int e = 0; e < edits && !bad.isEmpty(); ++e) {
                 const int at = rng.bounded(bad.size());
                 switch (rng.bounded(4)) {
-                case 0: bad[at] = char(rng.bounded(256)); break;
-                case 1: bad.remove(at, 1 + rng.bounded(20)); break;
-                case 2: bad.insert(at, "\"{[,:]}"[rng.bounded(7)]); break;
-                default: bad.truncate(at); break;
+                case 0:
+                    bad[at] = char(rng.bounded(256));
+                    break;
+                case 1:
+                    bad.remove(at, 1 + rng.bounded(20));
+                    break;
+                case 2:
+                    bad.insert(at, "\"{[,:]}"[rng.bounded(7)]);
+                    break;
+                default:
+                    bad.truncate(at);
+                    break;
                 }
             }
             TCtrlProject ctrl;
@@ -203,8 +213,7 @@ private slots:
             QCOMPARE(r == 2, !ctrl.getErrorText().isEmpty());
             ++counts[r];
             // Whatever loaded can be saved and loaded again.
-            if (r == 0)
-                QVERIFY(ctrl.save(dir.filePath("fuzz-out.prj"), &loaded));
+            if (r == 0) QVERIFY(ctrl.save(dir.filePath("fuzz-out.prj"), &loaded));
         }
         QVERIFY(counts[0] > 50 && counts[2] > 50);
     }
