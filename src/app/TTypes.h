@@ -5,9 +5,16 @@
 #include <QVariant>
 #include <QVariantMap>
 
+#include <mutex>
+
 // The one parameter record of the system: command parameters, configuration data and project parameters.
 // A key-ordered map keeps the saved project files stable from one save to the next.
 using TData = QVariantMap;
+
+// The model's locks are standard recursive mutexes: the thread sanitizer sees them, so it can check the
+// model's use from the worker threads.
+using TMutex = std::recursive_mutex;
+using TLocker = std::lock_guard<std::recursive_mutex>;
 
 // Kind of a change of the project model, sent with TDataPrj::signalChangeData.
 enum TCodeView : int {

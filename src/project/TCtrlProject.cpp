@@ -12,7 +12,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QMutexLocker>
 #include <QSaveFile>
 #include <QTextStream>
 
@@ -105,7 +104,7 @@ QString commandLine(TDataPrj* prj, TDataCmd* cmd) {
 } // namespace
 
 QByteArray TCtrlProject::project_to_data(TDataPrj* prj) {
-    QMutexLocker lock(prj->getMutex());
+    TLocker lock(prj->getMutex());
     QByteArray bytes;
     QTextStream out(&bytes, QIODevice::WriteOnly);
     out << "{\n"

@@ -2,7 +2,6 @@
 
 #include "project/CTagPrj.h"
 
-#include <QMutexLocker>
 
 #include <atomic>
 
@@ -17,41 +16,41 @@ void TDataCfg::resetUINCounter() {
 }
 
 void TDataCfg::setName(const QString& n) {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     name = n;
 }
 
 QString TDataCfg::getName() const {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     return name;
 }
 
 void TDataCfg::setDesc(const QString& d) {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     desc = d;
 }
 
 QString TDataCfg::getDesc() const {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     return desc;
 }
 
 void TDataCfg::setStatus(TCodeCfgStatus s) {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     status = s;
 }
 
 TCodeCfgStatus TDataCfg::getStatus() const {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     return status;
 }
 
 TData TDataCfg::getData() const {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     return TData{{CTagCfg::name, name}};
 }
 
 void TDataCfg::setData(const TData& data) {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     name = data.value(CTagCfg::name).toString();
 }

@@ -2,7 +2,6 @@
 
 #include "app/TTypes.h"
 
-#include <QRecursiveMutex>
 #include <QString>
 
 // One configuration: a named, described list of commands (the commands live in the project's list).
@@ -23,7 +22,7 @@ public:
     void setData(const TData& data);
 
 private:
-    mutable QRecursiveMutex mutex;
+    mutable TMutex mutex;
     const int uin;
     QString name, desc;
     TCodeCfgStatus status = CfgStatusNone;

@@ -3,7 +3,6 @@
 #include "devices/IDevice.h"
 #include "project/CTagPrj.h"
 
-#include <QMutexLocker>
 
 #include <atomic>
 
@@ -27,7 +26,7 @@ void TDataCmd::removeModelKeys(TData& data) {
 }
 
 #define LOCKED(expr)                                                                                         \
-    QMutexLocker lock(&mutex);                                                                               \
+    TLocker lock(mutex);                                                                               \
     expr
 
 void TDataCmd::setEnable(bool on) {
@@ -83,13 +82,13 @@ TProg* TDataCmd::getProgObject() const {
 }
 
 void TDataCmd::setParam(const TData& p) {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     param = p;
     param.remove(CTagCmd::id_cmd);
 }
 
 TData TDataCmd::getData() const {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     TData data = param;
     data.insert(CTagCmd::id_cmd, uin);
     data.insert(CTagCmd::id_cfg, cfgId);
@@ -101,7 +100,7 @@ TData TDataCmd::getData() const {
 }
 
 void TDataCmd::setData(const TData& data) {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     enable = data.value(CTagCmd::status).toInt() != 0;
     cfgId = data.value(CTagCmd::id_cfg).toInt();
     cmdCode = data.value(CTagCmd::cmd).toString();
@@ -110,7 +109,7 @@ void TDataCmd::setData(const TData& data) {
 }
 
 void TDataCmd::normParam() {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     if (!groupObject) return;
     const TData before = getData();
     TData after = before;
@@ -119,7 +118,7 @@ void TDataCmd::normParam() {
 }
 
 bool TDataCmd::checkParam() {
-    QMutexLocker lock(&mutex);
+    TLocker lock(mutex);
     const bool ok = groupObject && groupObject->checkCmdParam(getData());
     validParam = ok;
     return ok;

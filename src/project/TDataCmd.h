@@ -2,7 +2,6 @@
 
 #include "app/TTypes.h"
 
-#include <QRecursiveMutex>
 
 class IDevice;
 class TProg;
@@ -45,7 +44,7 @@ public:
     static void removeModelKeys(TData& data);
 
 private:
-    mutable QRecursiveMutex mutex;
+    mutable TMutex mutex;
     const int uin;
     int cfgId;
     bool enable, validDev = false, validParam = false;

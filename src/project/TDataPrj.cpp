@@ -11,7 +11,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QMutexLocker>
 
 TDataPrj ProjectData;
 
@@ -28,7 +27,7 @@ TProg* registryProg(const QString&) {
 }
 } // namespace
 
-#define LOCK QMutexLocker lock(&mutex)
+#define LOCK TLocker lock(mutex)
 
 TDataPrj::TDataPrj(QObject* parent)
     : QObject(parent), deviceFactory(catalogueDevice), progFactory(registryProg) {

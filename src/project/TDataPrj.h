@@ -5,7 +5,6 @@
 #include <QHash>
 #include <QList>
 #include <QObject>
-#include <QRecursiveMutex>
 #include <QStringList>
 
 #include <functional>
@@ -25,7 +24,7 @@ public:
     explicit TDataPrj(QObject* parent = nullptr);
     ~TDataPrj() override;
 
-    QRecursiveMutex* getMutex() const { return &mutex; }
+    TMutex& getMutex() const { return mutex; }
 
     // Ids and positions; -1 means none.
     int getPosCfgFromIdCfg(int idCfg) const;
@@ -124,7 +123,7 @@ private:
     void emitCmd(TCodeView code, int idCmd);
     void clearObjects();
 
-    mutable QRecursiveMutex mutex;
+    mutable TMutex mutex;
     QList<TDataCfg*> cfgList;
     QList<TDataCmd*> cmdList;
     QString prjFileName, prjName, workPath;

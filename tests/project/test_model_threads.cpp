@@ -3,7 +3,6 @@
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
-#include <QMutexLocker>
 #include <QRandomGenerator>
 #include <QThread>
 #include <QtTest>
@@ -39,7 +38,7 @@ private slots:
                 }
                 // Pointers are used only while the project lock is held.
                 {
-                    QMutexLocker lock(prj.getMutex());
+                    TLocker lock(prj.getMutex());
                     for (TDataCmd* c = prj.getNextCmd(a, -1); c; c = prj.getNextCmd(a, c->getUIN()))
                         c->getData();
                 }
