@@ -2,6 +2,7 @@
 
 #include "app/TApp.h"
 #include "app/TSettings.h"
+#include "link/CLink.h"
 
 TAppData AppData;
 
@@ -90,6 +91,44 @@ void TAppData::loadData() {
     confirmQuit = s.value("/Confirmation/Quit", true).toBool();
     confirmSavePrj = s.value("/Confirmation/SavePrj", true).toBool();
     confirmProcess = s.value("/Confirmation/Process", true).toBool();
+    loadProgs(s);
+}
+
+// Without any programmer types a fresh installation registers the simulator on its default link, so
+// that it talks to the simulator at once.
+void TAppData::loadProgs(TSettings& s) {
+    progType.clear();
+    progName.clear();
+    progDefault = s.value("/Prog/Default", 0).toInt();
+    if (!s.childGroups().contains("ProgTypeList")) {
+        progType.append(CLink::simTypeName, CLink::simTypeFile);
+        progName.append(false, CLink::simProgName, CLink::simLinkDefault, CLink::simTypeName);
+        return;
+    }
+    for (int i = 0;; ++i) {
+        const QStringList t = s.value(QStringLiteral("/ProgTypeList/Type%1").arg(i)).toStringList();
+        if (t.size() != 2) break;
+        progType.append(t.at(0), t.at(1));
+    }
+    for (int i = 0;; ++i) {
+        const QStringList n = s.value(QStringLiteral("/ProgNameList/Name%1").arg(i)).toStringList();
+        if (n.size() != 4) break;
+        progName.append(n.at(0) == "1", n.at(1), n.at(2), n.at(3));
+    }
+}
+
+void TAppData::saveProgs(TSettings& s) const {
+    s.remove("ProgTypeList");
+    for (int i = 0; i < progType.count(); ++i)
+        s.setValue(QStringLiteral("/ProgTypeList/Type%1").arg(i),
+                   QStringList{progType.getTypeFromIndex(i), progType.getFileFromIndex(i)});
+    s.remove("ProgNameList");
+    for (int i = 0; i < progName.count(); ++i) {
+        const TProgInfo info = progName.getDataFromIndex(i);
+        s.setValue(QStringLiteral("/ProgNameList/Name%1").arg(i),
+                   QStringList{info.flag ? "1" : "0", progName.getNameFromIndex(i), info.port, info.type});
+    }
+    s.setValue("/Prog/Default", progDefault);
 }
 
 void TAppData::saveData() const {
@@ -126,5 +165,6 @@ void TAppData::saveData() const {
     s.setValue("/Confirmation/Quit", confirmQuit);
     s.setValue("/Confirmation/SavePrj", confirmSavePrj);
     s.setValue("/Confirmation/Process", confirmProcess);
+    saveProgs(s);
     s.sync();
 }

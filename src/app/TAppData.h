@@ -1,7 +1,12 @@
 #pragma once
 
+#include "link/TProgName.h"
+#include "link/TProgType.h"
+
 #include <QColor>
 #include <QString>
+
+class TSettings;
 
 // Every setting that start-up and the run-time parts need, read from and written to the settings file.
 // Data folders are stored as given (relative to the application folder by default); the get...Abs()
@@ -41,8 +46,15 @@ public:
     // Confirmations.
     bool confirmQuit = true, confirmSavePrj = true, confirmProcess = true;
 
+    // Programmer registries and the index of the default programmer.
+    TProgType progType;
+    TProgName progName;
+    int progDefault = 0;
+
 private:
     QString resolve(const QString& path) const;
+    void loadProgs(TSettings& s);
+    void saveProgs(TSettings& s) const;
 };
 
 extern TAppData AppData;

@@ -1,5 +1,7 @@
 #include "project/TDataPrj.h"
 
+#include "app/TApp.h"
+#include "app/TAppData.h"
 #include "devices/IDevice.h"
 #include "devices/TSignature.h"
 #include "link/TProg.h"
@@ -22,8 +24,11 @@ const QString familyProg = QStringLiteral("Prog");
 IDevice* catalogueDevice(const QString&, const QString&) {
     return nullptr;
 }
-TProg* registryProg(const QString&) {
-    return nullptr;
+TProg* registryProg(const QString& name) {
+    if (!AppData.progName.contains(name)) return nullptr;
+    const QString type = AppData.progName.getData(name).type;
+    if (!AppData.progType.contains(type)) return nullptr;
+    return new TProg(TApp::getAbsoluteFile(AppData.getPathProgsAbs(), AppData.progType.getFile(type)));
 }
 } // namespace
 
