@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+// The simulator's command line.
+struct SimOptions {
+    QString link = "/tmp/tarvelix-sim";
+    QString chip;
+    QString devices;
+    QString bus = "spi"; // the bus of an empty socket
+    QString image;
+    QString trace;
+    unsigned short interfaceCode = 2561;
+    int noise = 0;        // junk bytes before each reply
+    int corrupt = 0;      // every K-th reply gets a wrong check byte
+    int silentAfter = -1; // no reply after K replies
+    int delayMs = 0;
+    int unplugAfter = -1;   // the line goes away with the first request after K replies
+    QHash<int, int> errors; // command byte to error code
+
+    // Reads the arguments (program name first); false with a message on a bad option.
+    bool parse(const QStringList& args, QString& error);
+    static QString usage();
+};

@@ -1,0 +1,76 @@
+// tarvelix-progsim: a programmer on a pseudo-terminal, for tests, benchmarks and trying the
+// application without hardware.
+#include "SimChipRegistry.h"
+#include "SimDeviceReader.h"
+#include "SimEmptySocket.h"
+#include "SimOptions.h"
+#include "SimProgrammer.h"
+#include "SimPty.h"
+#include "SimServer.h"
+#include "SimTrace.h"
+
+#include <QCoreApplication>
+#include <QTextStream>
+
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+int stopPipe[2] = {-1, -1};
+
+void onSignal(int) {
+    const char c = 's';
+    (void)!write(stopPipe[1], &c, 1);
+}
+
+bool installSignals() {
+    if (pipe2(stopPipe, O_CLOEXEC) != 0) return false;
+    struct sigaction sa {};
+    sa.sa_handler = onSignal;
+    sigemptyset(&sa.sa_mask);
+    return sigaction(SIGINT, &sa, nullptr) == 0 && sigaction(SIGTERM, &sa, nullptr) == 0;
+}
+
+std::unique_ptr<SimChip> makeChip(const SimOptions& o, QString& error) {
+    SimChipInfo info{o.chip, {}, o.image};
+    SimBus bus = SimBus::SPI;
+    if (o.chip.isEmpty()) {
+        simBusFromName(o.bus, bus);
+        return std::make_unique<SimEmptySocket>(info, bus);
+    }
+    if (!SimDeviceReader::readChip(o.devices, o.chip, info.params, error)) return nullptr;
+    const QString family = info.params.value("gui_type").toString();
+    if (SimChipRegistry::contains(family)) return SimChipRegistry::create(family, info);
+    if (simBusOfFamily(family, bus)) return std::make_unique<SimEmptySocket>(info, bus);
+    error = QStringLiteral("chip %1: no model for the family \"%2\"").arg(o.chip, family);
+    return nullptr;
+}
+
+int fail(const QString& text) {
+    QTextStream(stderr) << "tarvelix-progsim: " << text << "\n";
+    return 2;
+}
+} // namespace
+
+int main(int argc, char* argv[]) {
+    QCoreApplication app(argc, argv);
+    SimOptions options;
+    QString error;
+    if (!options.parse(QCoreApplication::arguments(), error)) return fail(error + "\n" + SimOptions::usage());
+    std::unique_ptr<SimChip> chip = makeChip(options, error);
+    if (!chip || !chip->loadImage(error)) return fail(error);
+    SimProgrammer programmer(std::move(chip), options.interfaceCode);
+    SimTrace trace;
+    if (!options.trace.isEmpty() && !trace.open(options.trace)) return fail("cannot write " + options.trace);
+    if (!installSignals()) return fail("cannot install the signal handlers");
+    SimPty pty;
+    if (!pty.open(options.link, error)) return fail(error);
+    QTextStream(stdout) << options.link << "\n" << Qt::flush;
+
+    const SimServer::End end = SimServer(options, programmer, pty, trace).run(stopPipe[0]);
+    pty.close();
+    if (!programmer.socket().chip().saveImage(error)) return fail(error);
+    if (end == SimServer::End::Unplugged) QTextStream(stdout) << "unplugged\n" << Qt::flush;
+    return end == SimServer::End::Failed ? fail("the pseudo-terminal failed") : 0;
+}
