@@ -4,6 +4,7 @@
 #include "app/TLang.h"
 #include "app/TSettings.h"
 #include "app/TTypes.h"
+#include "exec/TRunner.h"
 #include "ui/TMainWindow.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@
 #include <QFont>
 #include <QTextCodec>
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
@@ -21,7 +23,7 @@ namespace {
 // Options that never need a display: they run on a plain core application.
 bool isConsoleOnly(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        for (const char* opt : {"--help", "-h", "--version", "-v", "--help-all"})
+        for (const char* opt : {"--help", "-h", "--version", "-v", "--help-all", "--run", "--list"})
             if (std::strcmp(argv[i], opt) == 0) return true;
     }
     return false;
@@ -63,20 +65,53 @@ int main(int argc, char** argv) {
     parser.setApplicationDescription(QStringLiteral("Tarvelix: memory chip and microcontroller programmer"));
     parser.addHelpOption();
     parser.addVersionOption();
-    QCommandLineOption settingsOpt(QStringLiteral("settings"),
-                                   QStringLiteral("Use FILE as the settings file."), QStringLiteral("FILE"));
-    parser.addOption(settingsOpt);
-    parser.process(*app);
+    const QCommandLineOption settingsOpt(
+        QStringLiteral("settings"), QStringLiteral("Use FILE as the settings file."), QStringLiteral("FILE"));
+    const QCommandLineOption runOpt(QStringLiteral("run"),
+                                    QStringLiteral("Run PROJECT without a window and print its log."),
+                                    QStringLiteral("PROJECT"));
+    const QCommandLineOption configOpt(
+        QStringLiteral("config"), QStringLiteral("Configuration to run; repeat it to run several at once."),
+        QStringLiteral("NAME"));
+    const QCommandLineOption saveOpt(QStringLiteral("save"),
+                                     QStringLiteral("Save the project after the runs."));
+    const QCommandLineOption pausesOpt(QStringLiteral("continue-pauses"),
+                                       QStringLiteral("Continue every pause at once."));
+    const QCommandLineOption processOpt(QStringLiteral("allow-process"),
+                                        QStringLiteral("Let the project's process commands start programs."));
+    const QCommandLineOption listOpt(QStringLiteral("list"),
+                                     QStringLiteral("List the configurations and commands of PROJECT."),
+                                     QStringLiteral("PROJECT"));
+    parser.addOptions({settingsOpt, runOpt, configOpt, saveOpt, pausesOpt, processOpt, listOpt});
+    // A wrong argument ends with status 2, as a project that cannot be loaded does.
+    if (!parser.parse(app->arguments())) {
+        std::fprintf(stderr, "%s\n", qPrintable(parser.errorText()));
+        return 2;
+    }
+    if (parser.isSet(QStringLiteral("help"))) parser.showHelp(0);
+    if (parser.isSet(QStringLiteral("version"))) parser.showVersion();
 
-    // A relative settings file is meant relative to where the user typed the command.
-    if (parser.isSet(settingsOpt))
-        TSettings::setFileNameIniOverride(QFileInfo(parser.value(settingsOpt)).absoluteFilePath());
+    // Files named on the command line are meant relative to where the user typed the command.
+    const QDir startDir = QDir::current();
+    auto absolute = [&](const QString& file) { return QFileInfo(startDir, file).absoluteFilePath(); };
+    if (parser.isSet(settingsOpt)) TSettings::setFileNameIniOverride(absolute(parser.value(settingsOpt)));
 
     QDir::setCurrent(TApp::getPathApp());
     QTextCodec::setCodecForLocale(QTextCodec::codecForName(CApp::codepage));
 
     AppData.loadData();
     Lang.loadData(AppData.getLanguageFileAbs());
+
+    if (parser.isSet(listOpt)) return TRunner().list(absolute(parser.value(listOpt)));
+    if (parser.isSet(runOpt)) {
+        TRunner::Options opt;
+        opt.project = absolute(parser.value(runOpt));
+        opt.configs = parser.values(configOpt);
+        opt.save = parser.isSet(saveOpt);
+        opt.continuePauses = parser.isSet(pausesOpt);
+        opt.allowProcess = parser.isSet(processOpt);
+        return TRunner().run(opt);
+    }
 
     applyStyle();
     applyFonts();

@@ -1,0 +1,297 @@
+#include "devices/TDevToolsExec.h"
+
+#include "app/TApp.h"
+#include "app/TAppData.h"
+#include "app/TLang.h"
+#include "formats/ICRC.h"
+#include "formats/TCRC.h"
+#include "formats/TFormat.h"
+#include "link/TProg.h"
+#include "link/TSerialPort.h"
+#include "misc/dev_misc.h"
+#include "project/CTagCmdCode.h"
+#include "project/CTagPrj.h"
+#include "project/TDataCmd.h"
+#include "project/TDataPrj.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QProcess>
+#include <QThread>
+
+#include <limits>
+#include <memory>
+
+std::atomic<bool> TDevToolsExec::processAllowed{true};
+
+void TDevToolsExec::setProcessAllowed(bool allowed) {
+    processAllowed = allowed;
+}
+bool TDevToolsExec::isProcessAllowed() {
+    return processAllowed;
+}
+
+TDevToolsExec::TDevToolsExec(const TData& p, QObject* parent) : IDeviceExec(p, parent) {}
+
+bool TDevToolsExec::execute(TSerialPort& port, bool& finish, int& idCfg, int& idCmd) {
+    using namespace CTagCmdCode;
+    const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
+    if (code == process) return execProcess();
+    if (code == jamp) return execJamp(idCfg, idCmd);
+    if (code == counter) return execCounter(finish);
+    if (code == delay) return execDelay();
+    if (code == CTagCmdCode::pause) return execPause();
+    if (code == CTagCmdCode::stop) {
+        finish = true;
+        return true;
+    }
+    if (code == CTagCmdCode::execute) return execExecute();
+    if (code == calc_crc) return execCalcCRC();
+    if (code == set_prog) return execSetProg(port);
+    return false;
+}
+
+bool TDevToolsExec::execDelay() {
+    const qint64 value = TAPP_PARAM(param, "value").toLongLong();
+    QElapsedTimer timer;
+    timer.start();
+    if (value < 500) {
+        while (value - timer.elapsed() > 0) {
+            QCoreApplication::processEvents();
+            QThread::msleep(1);
+        }
+        return true;
+    }
+    int last = 0;
+    while (value - timer.elapsed() > 0) {
+        QCoreApplication::processEvents();
+        if (isStop()) break;
+        const int progress = int(timer.elapsed() * 100 / value);
+        if (progress >= 1 && progress != last) {
+            last = progress;
+            emit signalEventProc(qMin(progress, 100));
+        }
+        QThread::msleep(5);
+    }
+    emit signalEventProc(0);
+    return true;
+}
+
+bool TDevToolsExec::execPause() {
+    const int idCfg = TAPP_PARAM(param, CTagCmd::id_cfg).toInt();
+    pause = true;
+    emit signalPauseFromCmd(idCfg);
+    emit signalEventText(3, Lang.get(396), QString());
+    while (pause && !isStop()) {
+        QThread::msleep(100);
+        QCoreApplication::processEvents();
+    }
+    return true;
+}
+
+bool TDevToolsExec::execJamp(int& idCfg, int& idCmd) {
+    TLocker lock(ProjectData.getMutex());
+    const int from = idCfg;
+    const int target = TAPP_PARAM(param, "to_cmd").toInt();
+    const int apos = ProjectData.getAPosCmdFromIdCmd(target);
+    if (apos < 0) {
+        setErrorText(Lang.get(462));
+        return false;
+    }
+    idCmd = target;
+    idCfg = ProjectData.getIdCfgFromIdCmd(target);
+    // Continue just before the target, so that it runs next; -1 starts the configuration from its top.
+    if (apos == 0) {
+        idCmd = -1;
+    } else {
+        idCmd = ProjectData.getIdCmdFromAPosCmd(apos - 1);
+        if (ProjectData.getIdCfgFromAPosCmd(apos - 1) != idCfg) idCmd = -1;
+    }
+    if (idCfg != from)
+        emit signalEventText(
+            3, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), ProjectData.getNameCfgFromIdCfg(idCfg)),
+            QString());
+    return true;
+}
+
+bool TDevToolsExec::execCounter(bool& finish) {
+    const int idCmd = TAPP_PARAM(param, CTagCmd::id_cmd).toInt();
+    const qint64 value = TAPP_PARAM(param, "value").toLongLong();
+    const qint64 delta = TAPP_PARAM(param, "delta").toLongLong();
+    qint64 limit = TAPP_PARAM(param, "limit").toLongLong();
+    const qint64 maxInt = std::numeric_limits<qint32>::max();
+    auto fail = [this] {
+        setErrorText(Lang.get(395));
+        return false;
+    };
+    auto store = [&](qint64 v) {
+        TData p = ProjectData.getCmdData(idCmd);
+        if (p.isEmpty()) return false;
+        p.insert("value", v);
+        ProjectData.updCmdParam(idCmd, p);
+        return true;
+    };
+    if (delta < 0) {
+        if (value < 1) return fail();
+        if (value <= limit) {
+            finish = true;
+            return store(value) || fail();
+        }
+        const qint64 next = value + delta;
+        if (next < 0) return fail();
+        if (next <= limit) finish = true;
+        return store(next) || fail();
+    }
+    if (value == maxInt) return fail();
+    if (limit == 0) limit = maxInt;
+    if (value >= limit) {
+        if (value < 0) return fail();
+        finish = true;
+        return store(value) || fail();
+    }
+    const qint64 next = value + delta;
+    if (next < 0) return fail();
+    if (next >= limit) finish = true;
+    return store(next) || fail();
+}
+
+bool TDevToolsExec::execProcess() {
+    const QString command = TAPP_PARAM(param, "file").toString();
+    if (!processAllowed) {
+        setErrorText(Lang.get(460).arg(command));
+        return false;
+    }
+    QStringList args = QProcess::splitCommand(command);
+    if (args.isEmpty()) return true;
+    QProcess proc;
+    proc.setProcessChannelMode(QProcess::ForwardedChannels);
+    proc.start(args.takeFirst(), args, QIODevice::ReadWrite);
+    proc.waitForFinished(30000);
+    return true;
+}
+
+bool TDevToolsExec::execExecute() {
+    const int cfg = TAPP_PARAM(param, "cfg").toInt();
+    if (ProjectData.getPosCfgFromIdCfg(cfg) < 0) {
+        setErrorText(Lang.get(397));
+        return false;
+    }
+    emit signalExecuteFromCmd(cfg);
+    return true;
+}
+
+void TDevToolsExec::processGUI(int& last, qint64 done, qint64 total) {
+    const int percent = total > 0 ? int(done * 100 / total) : 100;
+    if (percent != last) {
+        last = percent;
+        QCoreApplication::processEvents();
+        emit signalEventProc(percent);
+    }
+}
+
+bool TDevToolsExec::execCalcCRC() {
+    const QString name = TAPP_PARAM(param, "crc_name").toString();
+    const QString file =
+        TApp::getAbsoluteFile(ProjectData.getPrjWorkPath(), TAPP_PARAM(param, "file").toString());
+    const QString format = TAPP_PARAM(param, "format").toString().toLower();
+    const qint64 addr = TAPP_PARAM(param, "addr").toLongLong();
+    qint64 count = TAPP_PARAM(param, "count").toLongLong();
+    const char fill = char(TAPP_PARAM(param, "fill").toInt());
+    std::unique_ptr<ICRC> crc(TCRC::createCRCObject(name));
+    if (!crc) {
+        setErrorText(Lang.get(461).arg(name));
+        return false;
+    }
+    if (count == 0) count = QFileInfo(file).size() - addr;
+    const qint64 piece = 0x1000000;
+    TFormat data(format, file, 0, 0, addr + count - 1, piece);
+    if (!data.open(FormatModeRead)) {
+        setErrorText(data.getErrorText());
+        return false;
+    }
+    // The CRC runs over exactly count bytes: gaps in the file are filled with the fill byte.
+    qint64 at = addr;
+    const qint64 end = addr + count;
+    int last = -1;
+    while (at < end && !isStop()) {
+        long long pos = at;
+        QByteArray bytes;
+        if (!data.read(pos, bytes)) {
+            setErrorText(data.getErrorText());
+            return false;
+        }
+        if (bytes.isEmpty() || pos >= end) {
+            const QByteArray gap(int(qMin<qint64>(end - at, piece)), fill);
+            crc->calc(gap.constData(), gap.size());
+            at += gap.size();
+        } else {
+            if (pos > at) {
+                const QByteArray gap(int(pos - at), fill);
+                crc->calc(gap.constData(), gap.size());
+                at = pos;
+            }
+            const qint64 skip = at - pos; // bytes before the range are not counted
+            const qint64 n = qMin<qint64>(bytes.size() - skip, end - at);
+            if (n > 0) {
+                crc->calc(bytes.constData() + skip, n);
+                at += n;
+            }
+        }
+        processGUI(last, at - addr, count);
+    }
+    data.close();
+    if (isStop()) return true;
+    emit signalEventText(
+        4, QStringLiteral("%1: %2").arg(name, TMiscDev::getHexFromByteArray(crc->getResult())), QString());
+    return true;
+}
+
+bool TDevToolsExec::execSetProg(TSerialPort& port) {
+    if (port.isOpen()) port.close();
+    TProg* prog = nullptr;
+    {
+        TLocker lock(ProjectData.getMutex());
+        TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
+        prog = cmd ? cmd->getProgObject() : nullptr;
+    }
+    const QString name = TAPP_PARAM(param, "prog").toString();
+    if (!prog || !AppData.progName.contains(name)) {
+        setErrorText(Lang.get(398));
+        return false;
+    }
+    const QString portName = TAPP_PARAM(param, "alt_enabled").toBool()
+                                 ? TAPP_PARAM(param, "alt_port").toString()
+                                 : AppData.progName.getData(name).port;
+    if (!port.open(portName, TSerialPort::OpenMode(QIODevice::ReadWrite))) {
+        setErrorText(port.getErrorText());
+        return false;
+    }
+    unsigned int baud = 0;
+    int dataBits = 0, stopBits = 0, timeOut = 0;
+    QString parity, flow;
+    unsigned short maxData = 0;
+    prog->getPortSettings(baud, dataBits, parity, stopBits, flow, timeOut);
+    prog->getProtocolSettings(maxData);
+    port.setBaudRate(baud);
+    port.setDataBits((unsigned char)dataBits);
+    port.setParity(parity);
+    port.setStopBits((unsigned char)stopBits);
+    port.setFlowControl(flow);
+    port.setTimeOut(timeOut);
+    port.setProtocolParam(maxData);
+
+    QByteArray data;
+    if (!sendPackage(port, 0x80, data)) return false;
+    const quint16 iface = data.size() < 2 ? 0 : quint16(quint8(data.at(0)) | (quint8(data.at(1)) << 8));
+    data.clear();
+    if (!sendPackage(port, 0x81, data)) return false;
+    const int zero = data.indexOf('\0');
+    emit signalEventText(3, QString::fromLatin1(zero < 0 ? data : data.left(zero)), QString());
+    if (iface != prog->getInterface()) {
+        setErrorText(Lang.get(399));
+        return false;
+    }
+    return true;
+}

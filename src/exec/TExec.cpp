@@ -1,0 +1,157 @@
+#include "exec/TExec.h"
+
+#include "app/TLang.h"
+#include "devices/IDevice.h"
+#include "devices/IDeviceExec.h"
+#include "devices/TDevProgExec.h"
+#include "link/TSerialPort.h"
+#include "project/CTagCmdCode.h"
+#include "project/CTagPrj.h"
+#include "project/TDataCmd.h"
+#include "project/TDataPrj.h"
+
+#include <QCoreApplication>
+
+#include <memory>
+
+TExec::TExec(int id, QObject* parent) : QObject(parent), idCfg(id) {}
+
+TExec::~TExec() {
+    emit signalDestroy(idCfg);
+}
+
+void TExec::slotStop(int id) {
+    if (id != idCfg) return;
+    stop = true;
+    emit signalStop();
+}
+
+void TExec::slotPauseReset(int id) {
+    if (id == idCfg) emit signalPauseReset();
+}
+
+namespace {
+void processEvents() {
+    QCoreApplication::processEvents();
+}
+
+// The family, name and parameter text of a command, read under the project lock.
+struct CmdInfo {
+    TData data;
+    IDevice* group = nullptr;
+    QString name, params;
+};
+
+bool takeNext(int idCfg, int idCmdPrev, CmdInfo& info) {
+    TLocker lock(ProjectData.getMutex());
+    TDataCmd* cmd = ProjectData.getNextCmd(idCfg, idCmdPrev);
+    if (!cmd) return false;
+    info.data = cmd->getData();
+    info.group = cmd->getGroupObject();
+    info.name = info.group ? info.group->getViewCmdName(info.data) : QString();
+    if (info.name.isEmpty()) info.name = info.data.value(CTagCmd::cmd).toString();
+    info.params = info.group ? info.group->getViewCmdParam(info.data, nullptr) : QString();
+    return true;
+}
+} // namespace
+
+void TExec::connectExec(IDeviceExec* exec, const QString& code) {
+    connect(exec, &IDeviceExec::signalEventText, this, &TExec::signalEventText, Qt::DirectConnection);
+    connect(exec, &IDeviceExec::signalEventProc, this, &TExec::signalEventProc, Qt::DirectConnection);
+    connect(this, &TExec::signalStop, exec, &IDeviceExec::slotStop, Qt::DirectConnection);
+    if (code == CTagCmdCode::execute || code == CTagCmdCode::auto_detect)
+        connect(exec, &IDeviceExec::signalExecuteFromCmd, this, &TExec::signalExecuteFromCmd,
+                Qt::DirectConnection);
+    if (code == CTagCmdCode::pause) {
+        connect(exec, &IDeviceExec::signalPauseFromCmd, this, &TExec::signalPauseFromCmd,
+                Qt::DirectConnection);
+        connect(this, &TExec::signalPauseReset, exec, &IDeviceExec::slotPauseReset, Qt::DirectConnection);
+    }
+}
+
+bool TExec::leaveProgrammer(TSerialPort& port) {
+    TDevProgExec prog{TData()};
+    const bool ok = prog.leave(port) && prog.showLED(port, TDevProgExec::LedIdle);
+    port.close();
+    return ok;
+}
+
+bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QString& error) {
+    bool finish = false;
+    int idCmd = -1, current = idCfg;
+    for (;;) {
+        if (finish || stop) return true;
+        CmdInfo info;
+        if (!takeNext(current, idCmd, info)) return true;
+        idCmd = info.data.value(CTagCmd::id_cmd).toInt();
+        const QString code = info.data.value(CTagCmd::cmd).toString();
+
+        // A second programmer: let go of the first one before the new one is opened.
+        if (code == CTagCmdCode::set_prog && port.isOpen() && !leaveProgrammer(port)) {
+            error = port.getErrorText();
+            return false;
+        }
+        delete exec;
+        exec = info.group ? info.group->createExecObject(info.data) : nullptr;
+
+        processEvents();
+        emit signalEventText(0, info.name, info.params);
+        processEvents();
+
+        if (!info.data.value(CTagCmd::valid_dev).toBool() || !exec) {
+            error = Lang.get(387).arg(info.name);
+            return false;
+        }
+        if (!info.data.value(CTagCmd::valid_param).toBool()) {
+            error = Lang.get(388).arg(info.name);
+            return false;
+        }
+        connectExec(exec, code);
+        isLeave = code == CTagCmdCode::leave;
+
+        processEvents();
+        bool ok = exec->execute(port, finish, current, idCmd);
+        processEvents();
+        if (code == CTagCmdCode::set_prog && port.isOpen() && ok) {
+            TDevProgExec led{TData()};
+            if (!led.showLED(port, TDevProgExec::LedSelected)) {
+                error = led.getErrorText();
+                ok = false;
+            }
+        }
+        emit signalEventProc(0);
+        processEvents();
+        if (!ok) return false;
+    }
+}
+
+void TExec::slotStart() {
+    TSerialPort port;
+    IDeviceExec* exec = nullptr;
+    bool isLeave = false;
+    QString error;
+    const bool result = runLoop(port, exec, isLeave, error);
+    if (!result && error.isEmpty() && exec) error = exec->getErrorText();
+
+    const bool timeout = port.isTimeOut();
+    bool verdict = result;
+    if (!isLeave && exec && port.isOpen() && !timeout) {
+        TDevProgExec prog{TData()};
+        if (!prog.leave(port)) {
+            verdict = false;
+            if (error.isEmpty()) error = prog.getErrorText();
+        }
+    }
+    TDevProgExec led{TData()};
+    if (!verdict) {
+        if (!timeout && port.isOpen()) led.showLED(port, TDevProgExec::LedError);
+        emit signalEventText(6, error, QString());
+    } else {
+        if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
+        emit signalEventText(5, Lang.get(stop ? 390 : 391), QString());
+    }
+    if (port.isOpen()) port.close();
+    delete exec;
+    emit signalStatusFromCmd(idCfg, result);
+    emit signalFinished();
+}

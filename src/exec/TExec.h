@@ -1,0 +1,46 @@
+#pragma once
+
+#include "app/TTypes.h"
+
+#include <QObject>
+
+#include <atomic>
+
+class IDeviceExec;
+class TSerialPort;
+
+// Runs one configuration from top to bottom in a thread of its own: each checked command is announced,
+// validated and executed by its family's executor; at the end the programmer is left, its LED set and
+// the run's status reported.
+class TExec : public QObject {
+    Q_OBJECT
+public:
+    explicit TExec(int idCfg, QObject* parent = nullptr);
+    ~TExec() override;
+
+    int getIdCfg() const { return idCfg; }
+
+public slots:
+    void slotStart();
+    void slotStop(int idCfg);
+    void slotPauseReset(int idCfg);
+
+signals:
+    void signalEventText(TCodeExec code, QString text, QString param);
+    void signalEventProc(int procent);
+    void signalFinished();
+    void signalDestroy(int idCfg);
+    void signalStop();
+    void signalPauseReset();
+    void signalExecuteFromCmd(int idCfg);
+    void signalPauseFromCmd(int idCfg);
+    void signalStatusFromCmd(int idCfg, bool status);
+
+private:
+    bool runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QString& error);
+    bool leaveProgrammer(TSerialPort& port);
+    void connectExec(IDeviceExec* exec, const QString& code);
+
+    const int idCfg;
+    std::atomic<bool> stop{false};
+};
