@@ -3,6 +3,9 @@
 #include "app/TApp.h"
 #include "app/TLang.h"
 #include "project/CTagPrj.h"
+#include "devices/IDevice.h"
+#include "link/TProg.h"
+#include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
 #include <QRegularExpression>
@@ -140,4 +143,14 @@ QString TMiscDev::getViewParamRWVData(qint64 addr, const QString& text) {
 
 QString TMiscDev::getViewParamRWVFile(const QString& file, const QString& format) {
     return QStringLiteral("%1 (%2)").arg(file, format.toUpper());
+}
+
+unsigned int TMiscDev::getCLK(const TData& p) {
+    TLocker lock(ProjectData.getMutex());
+    TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(p, CTagCmd::id_cmd).toInt());
+    IDevice* dev = cmd ? cmd->getDeviceObject() : nullptr;
+    TProg* prog = cmd ? cmd->getProgObject() : nullptr;
+    if (!dev || !prog)
+        return 0;
+    return prog->getCLKValue(dev->getDevConnect(), TAPP_PARAM(p, "clk").toUInt());
 }

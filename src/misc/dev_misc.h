@@ -31,6 +31,9 @@ public:
                                    QByteArray& data, QString& text);
     static void getCmdParamRWVFile(const TData& p, int& id_cmd, qint64& addr_file, qint64& addr_begin,
                                    qint64& addr_end, QString& file, QString& format);
+    // The clock value to send for a clock command: the programmer's value for the device's pin section.
+    static unsigned int getCLK(const TData& p);
+
     // Hex text of the bytes laid over a data text: the text's own layout (blanks, line breaks) is kept and
     // each pair of hex digits in it is replaced by the next byte.
     static QString getHexFromByteArrayMask(const QString& mask, const QByteArray& data);
