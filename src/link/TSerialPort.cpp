@@ -93,8 +93,11 @@ bool TSerialPort::readBlock(QByteArray& reply, int count) {
 
 bool TSerialPort::fail() {
     timeOutFlag = true;
-    // A port that vanished (cable pulled) reports a resource error; say so instead of "no answer".
-    errorText = port->error() == QSerialPort::ResourceError ? Lang.get(431) : Lang.get(389);
+    // A port that vanished (cable pulled) reads end-of-file or fails; say so instead of "no answer".
+    const QSerialPort::SerialPortError e = port->error();
+    const bool gone =
+        e == QSerialPort::ResourceError || e == QSerialPort::ReadError || e == QSerialPort::WriteError;
+    errorText = gone ? Lang.get(431) : Lang.get(389);
     return false;
 }
 

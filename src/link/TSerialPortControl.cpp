@@ -2,7 +2,10 @@
 // conventions of the programmer descriptions and the settings lists.
 #include "link/TSerialPort.h"
 
+// The text of an earlier exchange must not stand for a failed open.
 bool TSerialPort::open(OpenMode mode) {
+    errorText.clear();
+    timeOutFlag = false;
     return port->open(QIODevice::OpenMode(static_cast<int>(mode)));
 }
 

@@ -1,0 +1,57 @@
+#pragma once
+
+// Starts the programmer simulator on a link of its own in a temporary folder and stops it again.
+// Header-only, so that every test area can use it with "support/SimFixture.h".
+
+#include <QDeadlineTimer>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QThread>
+
+class SimFixture {
+public:
+    SimFixture() = default;
+    SimFixture(const SimFixture&) = delete;
+    SimFixture& operator=(const SimFixture&) = delete;
+    ~SimFixture() { stop(); }
+
+    static QString program() { return QStringLiteral(TARVELIX_BIN_DIR "/tarvelix-progsim"); }
+
+    // Starts the simulator with the given options and waits (at most timeoutMs) until its link exists.
+    bool start(const QStringList& options = QStringList(), int timeoutMs = 5000) {
+        stop();
+        proc.setProgram(program());
+        proc.setArguments(QStringList{"--link", link()} + options);
+        proc.start();
+        if (!proc.waitForStarted(timeoutMs)) return false;
+        const QDeadlineTimer deadline(timeoutMs);
+        while (!QFileInfo(link()).isSymLink()) {
+            if (deadline.hasExpired() || proc.state() == QProcess::NotRunning) return false;
+            QThread::msleep(5);
+        }
+        return true;
+    }
+
+    // Sends SIGTERM (the simulator saves its image and removes its link) and waits for the end.
+    void stop() {
+        if (proc.state() == QProcess::NotRunning) return;
+        proc.terminate();
+        if (!proc.waitForFinished(5000)) {
+            proc.kill();
+            proc.waitForFinished(2000);
+        }
+    }
+
+    bool isRunning() const { return proc.state() != QProcess::NotRunning; }
+    QString link() const { return dir.filePath("programmer"); }
+    // A scratch folder for images, traces and device folders of the test.
+    QString path(const QString& name) const { return dir.filePath(name); }
+    QString errorOutput() { return QString::fromLocal8Bit(proc.readAllStandardError()); }
+    QProcess& process() { return proc; }
+
+private:
+    QTemporaryDir dir;
+    QProcess proc;
+};
