@@ -206,7 +206,8 @@ bool TDevToolsExec::execCalcCRC() {
     }
     if (count == 0) count = QFileInfo(file).size() - addr;
     const qint64 piece = 0x1000000;
-    TFormat data(format, file, 0, 0, addr + count - 1, piece);
+    // File and device addresses coincide: the range starts at addr in both.
+    TFormat data(format, file, addr, addr, addr + count - 1, piece);
     if (!data.open(FormatModeRead)) {
         setErrorText(data.getErrorText());
         return false;

@@ -138,6 +138,7 @@ int TRunner::run(const Options& options) {
 void TRunner::startRun(int idCfg) {
     if (runs.contains(idCfg)) return;
     ProjectData.setCfgStatus(idCfg, CfgStatusRun);
+    ++runsStarted;
     auto* thread = new QThread;
     auto* exec = new TExec(idCfg);
     exec->setObjectName(ProjectData.getNameCfgFromIdCfg(idCfg));
@@ -171,7 +172,8 @@ void TRunner::slotEventText(TCodeExec code, QString text, QString param) {
     if (pieces.isEmpty()) return;
     QString line = TLogText::toPlain(pieces);
     if (line.endsWith(QLatin1Char('\n'))) line.chop(1);
-    if (runs.size() > 1 && exec) {
+    // Once a second run has started every line says whose it is; before that there was only one run.
+    if (runsStarted > 1 && exec) {
         const QString prefix = QStringLiteral("[%1] ").arg(exec->objectName());
         line = prefix + line.replace(QLatin1Char('\n'), QLatin1Char('\n') + prefix);
     }

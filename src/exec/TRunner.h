@@ -64,6 +64,7 @@ private:
     QHash<int, QThread*> runs;
     QSet<int> paused;
     bool allOk = true;
+    int runsStarted = 0;
     bool stdinClosed = false;
     bool progressShown = false;
     QSocketNotifier* stdinNotifier = nullptr;

@@ -22,6 +22,9 @@ int TCtrlProject::load(const QString& fileName, TDataPrj* prj) {
         create_empty_project(prj);
     else if (!data_to_project(data, prj))
         return InvalidJson;
+    // Commands may refer to commands and configurations further down the file: bind and check again
+    // now that all of them exist.
+    prj->updCmdObjectAll();
     const QFileInfo info(fileName);
     prj->updPrjParam(
         TData{{CTagPrj::prj_file, info.absoluteFilePath()}, {CTagPrj::work_path, info.absolutePath()}});
