@@ -8,7 +8,6 @@
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
-#include <QThread>
 
 class SimFixture {
 public:
@@ -28,8 +27,8 @@ public:
         if (!proc.waitForStarted(timeoutMs)) return false;
         const QDeadlineTimer deadline(timeoutMs);
         while (!QFileInfo(link()).isSymLink()) {
-            if (deadline.hasExpired() || proc.state() == QProcess::NotRunning) return false;
-            QThread::msleep(5);
+            // Waiting for the end also notices a simulator that refused to start.
+            if (deadline.hasExpired() || proc.waitForFinished(5)) return false;
         }
         return true;
     }
