@@ -14,4 +14,4 @@ cmake --build build/asan -j "$jobs"
 cmake -S . -B build/tsan -DCMAKE_BUILD_TYPE=Debug -DTARVELIX_SANITIZE=thread -DTARVELIX_BUILD_BENCH=OFF
 tsan_targets=$(cd build/tsan && ctest -N -L thread | sed -n 's/^ *Test *#[0-9]*: //p')
 for t in $tsan_targets; do cmake --build build/tsan -j "$jobs" --target "$t"; done
-(cd build/tsan && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 ctest --output-on-failure -L thread)
+(cd build/tsan && TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 suppressions=$PWD/../../tools/tsan.supp" ctest --output-on-failure -L thread)

@@ -4,6 +4,7 @@
 #include "devices/IDevice.h"
 #include "devices/IDeviceExec.h"
 #include "devices/TDevProgExec.h"
+#include "exec/TThreadSync.h"
 #include "link/TSerialPort.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
@@ -56,15 +57,13 @@ bool takeNext(int idCfg, int idCmdPrev, CmdInfo& info) {
 } // namespace
 
 void TExec::connectExec(IDeviceExec* exec, const QString& code) {
-    connect(exec, &IDeviceExec::signalEventText, this, &TExec::signalEventText, Qt::DirectConnection);
-    connect(exec, &IDeviceExec::signalEventProc, this, &TExec::signalEventProc, Qt::DirectConnection);
+    connect(exec, &IDeviceExec::signalEventText, this, &TExec::relayEventText, Qt::DirectConnection);
+    connect(exec, &IDeviceExec::signalEventProc, this, &TExec::relayEventProc, Qt::DirectConnection);
     connect(this, &TExec::signalStop, exec, &IDeviceExec::slotStop, Qt::DirectConnection);
     if (code == CTagCmdCode::execute || code == CTagCmdCode::auto_detect)
-        connect(exec, &IDeviceExec::signalExecuteFromCmd, this, &TExec::signalExecuteFromCmd,
-                Qt::DirectConnection);
+        connect(exec, &IDeviceExec::signalExecuteFromCmd, this, &TExec::relayExecute, Qt::DirectConnection);
     if (code == CTagCmdCode::pause) {
-        connect(exec, &IDeviceExec::signalPauseFromCmd, this, &TExec::signalPauseFromCmd,
-                Qt::DirectConnection);
+        connect(exec, &IDeviceExec::signalPauseFromCmd, this, &TExec::relayPause, Qt::DirectConnection);
         connect(this, &TExec::signalPauseReset, exec, &IDeviceExec::slotPauseReset, Qt::DirectConnection);
     }
 }
@@ -95,7 +94,7 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         exec = info.group ? info.group->createExecObject(info.data) : nullptr;
 
         processEvents();
-        emit signalEventText(0, info.name, info.params);
+        relayEventText(0, info.name, info.params);
         processEvents();
 
         if (!info.data.value(CTagCmd::valid_dev).toBool() || !exec) {
@@ -119,7 +118,7 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
                 ok = false;
             }
         }
-        emit signalEventProc(0);
+        relayEventProc(0);
         processEvents();
         if (!ok) return false;
     }
@@ -145,13 +144,29 @@ void TExec::slotStart() {
     TDevProgExec led{TData()};
     if (!verdict) {
         if (!timeout && port.isOpen()) led.showLED(port, TDevProgExec::LedError);
-        emit signalEventText(6, error, QString());
+        relayEventText(6, error, QString());
     } else {
         if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
-        emit signalEventText(5, Lang.get(stop ? 390 : 391), QString());
+        relayEventText(5, Lang.get(stop ? 390 : 391), QString());
     }
     if (port.isOpen()) port.close();
     delete exec;
-    emit signalStatusFromCmd(idCfg, result);
+    TThreadSync::emitBlocking([&] { emit signalStatusFromCmd(idCfg, result); });
     emit signalFinished();
+}
+
+void TExec::relayEventText(TCodeExec code, QString text, QString param) {
+    TThreadSync::emitBlocking([&] { emit signalEventText(code, text, param); });
+}
+
+void TExec::relayEventProc(int percent) {
+    TThreadSync::emitBlocking([&] { emit signalEventProc(percent); });
+}
+
+void TExec::relayExecute(int id) {
+    TThreadSync::emitBlocking([&] { emit signalExecuteFromCmd(id); });
+}
+
+void TExec::relayPause(int id) {
+    TThreadSync::emitBlocking([&] { emit signalPauseFromCmd(id); });
 }

@@ -36,6 +36,13 @@ signals:
     void signalPauseFromCmd(int idCfg);
     void signalStatusFromCmd(int idCfg, bool status);
 
+private slots:
+    // Relays of the executor's signals (they run in the worker's thread).
+    void relayEventText(TCodeExec code, QString text, QString param);
+    void relayEventProc(int percent);
+    void relayExecute(int idCfg);
+    void relayPause(int idCfg);
+
 private:
     bool runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QString& error);
     bool leaveProgrammer(TSerialPort& port);

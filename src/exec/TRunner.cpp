@@ -6,6 +6,7 @@
 #include "devices/TDevToolsExec.h"
 #include "exec/TExec.h"
 #include "exec/TLogText.h"
+#include "exec/TThreadSync.h"
 #include "project/CTagPrj.h"
 #include "project/TCtrlProject.h"
 #include "project/TDataCfg.h"
@@ -160,6 +161,8 @@ void TRunner::startRun(int idCfg) {
 }
 
 void TRunner::runFinished(QThread* thread, TExec* exec) {
+    // finished() comes just before the thread's very end: join it, then nothing else can touch the worker.
+    thread->wait();
     runs.remove(exec->getIdCfg());
     paused.remove(exec->getIdCfg());
     delete exec;
@@ -167,6 +170,7 @@ void TRunner::runFinished(QThread* thread, TExec* exec) {
 }
 
 void TRunner::slotEventText(TCodeExec code, QString text, QString param) {
+    TThreadSync::Receiver sync;
     auto* exec = qobject_cast<TExec*>(sender());
     const QList<TLogPiece> pieces = log->event(code, text, param, QTime::currentTime());
     if (pieces.isEmpty()) return;
@@ -185,6 +189,7 @@ void TRunner::slotEventText(TCodeExec code, QString text, QString param) {
 }
 
 void TRunner::slotEventProc(int percent) {
+    TThreadSync::Receiver sync;
     if (!::isatty(::fileno(err))) return;
     if (percent <= 0) {
         if (progressShown) std::fputs("\r\033[K", err);
@@ -203,6 +208,7 @@ void TRunner::slotExecuteFromCmd(int idCfg) {
 }
 
 void TRunner::slotPauseFromCmd(int idCfg) {
+    TThreadSync::Receiver sync;
     print(Lang.get(463).arg(ProjectData.getNameCfgFromIdCfg(idCfg)) + QLatin1Char('\n'));
     if (opt.continuePauses) {
         emit signalPauseReset(idCfg);
@@ -236,6 +242,7 @@ void TRunner::slotStdin() {
 }
 
 void TRunner::slotStatusFromCmd(int idCfg, bool status) {
+    TThreadSync::Receiver sync;
     ProjectData.setCfgStatus(idCfg, status ? CfgStatusOk : CfgStatusError);
     allOk = allOk && status;
 }
