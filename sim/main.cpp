@@ -14,6 +14,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace {
@@ -55,6 +56,10 @@ int fail(const QString& text) {
 
 int main(int argc, char* argv[]) {
     QCoreApplication app(argc, argv);
+    // Frames of 64 KiB come and go on every exchange; returning their memory to the system each time
+    // costs page faults that would make the simulator, not the link, the bottleneck.
+    mallopt(M_MMAP_THRESHOLD, 16 << 20);
+    mallopt(M_TRIM_THRESHOLD, 64 << 20);
     SimOptions options;
     QString error;
     if (!options.parse(QCoreApplication::arguments(), error)) return fail(error + "\n" + SimOptions::usage());

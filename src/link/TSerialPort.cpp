@@ -2,13 +2,22 @@
 
 #include "app/TLang.h"
 
+#include <cerrno>
+#include <cstring>
+#include <poll.h>
+#include <unistd.h>
+
 namespace {
 const unsigned char frameStart = 0xC0;
 const unsigned char errorReply = 0xFF;
+const int maxFrame = 0xFFFF + 5;
 const int langErrorCodes[12] = {405, 406, 407, 408, 409, 410, 411, 412, 413, 414, 415, 416};
 } // namespace
 
-TSerialPort::TSerialPort() : QObject(nullptr), port(new QSerialPort(this)) {}
+TSerialPort::TSerialPort() : QObject(nullptr), port(new QSerialPort(this)) {
+    txFrame.reserve(maxFrame);
+    rxFrame.reserve(maxFrame);
+}
 
 TSerialPort::~TSerialPort() {
     delete port;
@@ -19,16 +28,23 @@ int TSerialPort::LangErrorCode(unsigned int code) {
 }
 
 unsigned char TSerialPort::getCRC(const QByteArray& bytes, unsigned short count) {
-    const int n = qMin<int>(count, bytes.size());
-    unsigned char sum = 0;
+    return checkByte(bytes, count);
+}
+
+// A full frame is longer than a 16-bit count can say, so the exchange itself counts in int.
+unsigned char TSerialPort::checkByte(const QByteArray& bytes, int count) {
+    const int n = qMin(count, bytes.size());
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(bytes.constData());
+    unsigned int sum = 0;
     for (int i = 0; i < n; ++i)
-        sum = static_cast<unsigned char>(sum + static_cast<unsigned char>(bytes.at(i)));
-    return static_cast<unsigned char>(0x100 - sum);
+        sum += p[i];
+    return static_cast<unsigned char>(0x100 - (sum & 0xFF));
 }
 
 bool TSerialPort::sendPackage(unsigned char cmd, QByteArray& data) {
     errorText.clear();
     timeOutFlag = false;
+    lineLost = false;
     if (!port->isOpen()) {
         // Nothing is exchanged before the port has been opened and configured for a programmer.
         timeOutFlag = true;
@@ -36,29 +52,36 @@ bool TSerialPort::sendPackage(unsigned char cmd, QByteArray& data) {
         return false;
     }
     port->clear(QSerialPort::AllDirections);
-    const unsigned short len = static_cast<unsigned short>(data.size());
-    QByteArray request;
-    request.reserve(len + 5);
-    request.append(static_cast<char>(frameStart)).append(static_cast<char>(cmd));
-    request.append(static_cast<char>(len & 0xFF)).append(static_cast<char>(len >> 8));
-    request.append(data.constData(), len);
-    request.append(static_cast<char>(getCRC(request, static_cast<unsigned short>(request.size()))));
-    if (!writeData(request)) return fail();
-    QByteArray reply;
-    if (!receive(reply)) return fail();
-    if (getCRC(reply, static_cast<unsigned short>(reply.size() - 1)) !=
-        static_cast<unsigned char>(reply.back()))
-        return fail();
-    const int replyLen = reply.size() - 5;
-    if (static_cast<unsigned char>(reply.at(1)) == errorReply) {
+    buildRequest(cmd, data);
+    if (!writeData(txFrame)) return fail();
+    rxFrame.resize(0);
+    if (!receive(rxFrame)) return fail();
+    if (checkByte(rxFrame, rxFrame.size() - 1) != static_cast<unsigned char>(rxFrame.back())) return fail();
+    const int replyLen = rxFrame.size() - 5;
+    if (static_cast<unsigned char>(rxFrame.at(1)) == errorReply) {
         if (replyLen < 2) return fail();
         const unsigned int code =
-            static_cast<unsigned char>(reply.at(4)) | static_cast<unsigned char>(reply.at(5)) << 8;
+            static_cast<unsigned char>(rxFrame.at(4)) | static_cast<unsigned char>(rxFrame.at(5)) << 8;
         errorText = code < 12 ? Lang.get(LangErrorCode(code)) : Lang.get(421).arg(code);
         return false;
     }
-    data = reply.mid(4, replyLen);
+    data.resize(replyLen);
+    memcpy(data.data(), rxFrame.constData() + 4, static_cast<size_t>(replyLen));
     return true;
+}
+
+// The frame buffers keep their reserved room between exchanges: allocating and returning 64 KiB on
+// every exchange costs page faults that show on the largest transfers.
+void TSerialPort::buildRequest(unsigned char cmd, const QByteArray& data) {
+    const unsigned short len = static_cast<unsigned short>(data.size());
+    txFrame.resize(len + 5);
+    char* p = txFrame.data();
+    p[0] = static_cast<char>(frameStart);
+    p[1] = static_cast<char>(cmd);
+    p[2] = static_cast<char>(len & 0xFF);
+    p[3] = static_cast<char>(len >> 8);
+    memcpy(p + 4, data.constData(), len);
+    p[len + 4] = static_cast<char>(checkByte(txFrame, len + 4));
 }
 
 // Bytes ahead of the start byte are skipped; after it, every byte belongs to the frame. The header is
@@ -78,13 +101,28 @@ bool TSerialPort::receive(QByteArray& reply) {
     return readBlock(reply, len + 1);
 }
 
+// The serial port object hands over at most a small chunk per wait, which would cost a system call pair
+// every few hundred bytes; the body of a frame is therefore read from the descriptor itself once the
+// port's own buffer is empty. Nothing else reads the descriptor: the exchange is half-duplex.
 bool TSerialPort::readBlock(QByteArray& reply, int count) {
     int have = reply.size();
     reply.resize(have + count);
+    const qint64 buffered = port->read(reply.data() + have, count);
+    if (buffered < 0) return false;
+    have += static_cast<int>(buffered);
+    count -= static_cast<int>(buffered);
+    const int fd = static_cast<int>(port->handle());
     while (count > 0) {
-        if (port->bytesAvailable() == 0 && !port->waitForReadyRead(timeOut)) return false;
-        const qint64 got = port->read(reply.data() + have, count);
-        if (got < 0) return false;
+        pollfd p{fd, POLLIN, 0};
+        const int ready = poll(&p, 1, timeOut);
+        if (ready < 0 && errno == EINTR) continue;
+        if (ready <= 0) return false;
+        const ssize_t got = ::read(fd, reply.data() + have, static_cast<size_t>(count));
+        if (got < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+        if (got <= 0) {
+            lineLost = true;
+            return false;
+        }
         have += static_cast<int>(got);
         count -= static_cast<int>(got);
     }

@@ -95,6 +95,8 @@ public:
                                    const QString& description);
 
 private:
+    static unsigned char checkByte(const QByteArray& bytes, int count);
+    void buildRequest(unsigned char cmd, const QByteArray& data);
     bool receive(QByteArray& reply);
     bool readBlock(QByteArray& reply, int count);
     bool fail();
@@ -104,5 +106,7 @@ private:
     int timeOut = 1000;
     unsigned short maxData = 64;
     bool timeOutFlag = false;
+    bool lineLost = false; // the last exchange saw the line end
     QString errorText;
+    QByteArray txFrame, rxFrame;
 };
