@@ -2,6 +2,7 @@
 #include "app/TAppData.h"
 #include "app/TSettings.h"
 #include "link/TProg.h"
+#include "project/TDataPrj.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -149,6 +150,23 @@ private slots:
         third.loadData();
         QCOMPARE(third.progName.getNameList(), QStringList{"Only"});
         TSettings::setFileNameIniOverride(QString());
+    }
+
+    // The project resolves a programmer name through the names and the types to a description file.
+    void projectFindsTheDescription() {
+        AppData.pathProgs = TARVELIX_DATA_DIR "/progs";
+        AppData.progType.clear();
+        AppData.progName.clear();
+        AppData.progType.append("Simulator", "sim.cfg");
+        AppData.progName.append(false, "Bench", "/tmp/x", "Simulator");
+        AppData.progName.append(false, "Orphan", "/tmp/y", "NoSuchType");
+        TDataPrj prj;
+        TProg* prog = prj.createProg("Bench");
+        QVERIFY(prog);
+        QCOMPARE(prog->getFileName(), QString(TARVELIX_DATA_DIR "/progs/sim.cfg"));
+        QCOMPARE(prog->getInterface(), 2561);
+        QVERIFY(!prj.createProg("Orphan"));
+        QVERIFY(!prj.createProg("Nobody"));
     }
 };
 
