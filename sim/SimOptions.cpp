@@ -20,12 +20,17 @@ bool parseError(const QString& text, QHash<int, int>& errors) {
 QString SimOptions::usage() {
     return "usage: tarvelix-progsim [--link PATH] [--chip NAME --devices DIR] [--bus i2c|spi|avr]\n"
            "       [--image FILE] [--trace FILE] [--interface N] [--noise N] [--corrupt K]\n"
-           "       [--silent-after K] [--delay-ms D] [--error CMD:CODE]... [--unplug-after K]\n";
+           "       [--silent-after K] [--delay-ms D] [--error CMD:CODE]... [--unplug-after K]\n"
+           "       [--exit-with-parent]\n";
 }
 
 bool SimOptions::parse(const QStringList& args, QString& error) {
     for (int i = 1; i < args.size(); ++i) {
         const QString opt = args.at(i);
+        if (opt == "--exit-with-parent") {
+            exitWithParent = true;
+            continue;
+        }
         if (i + 1 >= args.size()) {
             error = QStringLiteral("option %1 needs a value").arg(opt);
             return false;

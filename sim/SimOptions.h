@@ -17,8 +17,9 @@ struct SimOptions {
     int corrupt = 0;      // every K-th reply gets a wrong check byte
     int silentAfter = -1; // no reply after K replies
     int delayMs = 0;
-    int unplugAfter = -1;   // the line goes away with the first request after K replies
-    QHash<int, int> errors; // command byte to error code
+    int unplugAfter = -1;        // the line goes away with the first request after K replies
+    QHash<int, int> errors;      // command byte to error code
+    bool exitWithParent = false; // tests: a crashed test leaves no simulator behind
 
     // Reads the arguments (program name first); false with a message on a bad option.
     bool parse(const QStringList& args, QString& error);

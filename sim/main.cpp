@@ -15,6 +15,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <malloc.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 namespace {
@@ -55,6 +56,7 @@ int fail(const QString& text) {
 } // namespace
 
 int main(int argc, char* argv[]) {
+    const pid_t parent = getppid();
     QCoreApplication app(argc, argv);
     // Frames of 64 KiB come and go on every exchange; returning their memory to the system each time
     // costs page faults that would make the simulator, not the link, the bottleneck.
@@ -69,6 +71,8 @@ int main(int argc, char* argv[]) {
     SimTrace trace;
     if (!options.trace.isEmpty() && !trace.open(options.trace)) return fail("cannot write " + options.trace);
     if (!installSignals()) return fail("cannot install the signal handlers");
+    // The parent may have gone before the request was made; then no signal would ever come.
+    if (options.exitWithParent && (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || getppid() != parent)) return 0;
     SimPty pty;
     if (!pty.open(options.link, error)) return fail(error);
     QTextStream(stdout) << options.link << "\n" << Qt::flush;

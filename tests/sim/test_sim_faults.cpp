@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
+#include <QThread>
 #include <QtTest>
 
 #include <fcntl.h>
@@ -175,6 +176,20 @@ private slots:
         QVERIFY(sim.errorOutput().contains("bad value for --noise: -1"));
         QVERIFY(!sim.start({"--colour", "red"}));
         QVERIFY(sim.errorOutput().contains("unknown option --colour"));
+    }
+
+    void leavesWithItsParent() {
+        const QString link = sim.path("orphan");
+        QProcess shell;
+        shell.start(
+            "sh",
+            {"-c",
+             QString("'%1' --link '%2' --exit-with-parent & sleep 0.5").arg(SimFixture::program(), link)});
+        QVERIFY(shell.waitForFinished(5000));
+        QDeadlineTimer deadline(3000);
+        while (QFileInfo(link).isSymLink() && !deadline.hasExpired())
+            QThread::msleep(10);
+        QVERIFY(!QFileInfo(link).isSymLink());
     }
 
     void stopsCleanlyOnSignal() {

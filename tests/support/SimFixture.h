@@ -22,7 +22,7 @@ public:
     bool start(const QStringList& options = QStringList(), int timeoutMs = 5000) {
         stop();
         proc.setProgram(program());
-        proc.setArguments(QStringList{"--link", link()} + options);
+        proc.setArguments(QStringList{"--link", link(), "--exit-with-parent"} + options);
         proc.start();
         if (!proc.waitForStarted(timeoutMs)) return false;
         const QDeadlineTimer deadline(timeoutMs);
