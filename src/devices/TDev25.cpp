@@ -1,0 +1,232 @@
+#include "devices/TDev25.h"
+
+#include "app/TLang.h"
+#include "devices/TDev25Exec.h"
+#include "misc/TNormCmdParam.h"
+#include "misc/dev_misc.h"
+#include "project/CTagCmdCode.h"
+#include "project/CTagPrj.h"
+#include "project/TCmdCode.h"
+
+namespace {
+const QString kData = QStringLiteral("data"), kSize = QStringLiteral("size"),
+              kBegin = QStringLiteral("begin"), kCount = QStringLiteral("count");
+constexpr qint64 kBlockDefault = 65536;
+constexpr int kRegisterSize = 256;
+
+bool isOneOf(const QString& code, std::initializer_list<const char*> codes) {
+    for (const char* c : codes)
+        if (code == QLatin1String(c)) return true;
+    return false;
+}
+
+void appendLE(QByteArray& out, quint32 value, int bytes) {
+    for (int i = 0; i < bytes; ++i)
+        out.append(char((value >> (8 * i)) & 0xFF));
+}
+} // namespace
+
+TDev25::TDev25(const QString& code, const TData& param) : IDevice(code), cmdList(getCmdList()) {
+    setDevParam(param);
+}
+
+IDevice* TDev25::Instance(const QString& code, const TData& param) {
+    return new TDev25(code, param);
+}
+
+QStringList TDev25::getCmdList() {
+    using namespace CTagCmdCode;
+    return {set_clk,
+            ident,
+            erase,
+            test_empty,
+            erase_blocks,
+            test_empty_blocks,
+            char_write,
+            char_verify,
+            data_read,
+            data_write,
+            data_verify,
+            file_read,
+            file_write,
+            file_verify,
+            status_reg_read,
+            status_reg_write,
+            status_reg_verify,
+            security_reg_erase,
+            security_reg_test_empty,
+            security_reg_read,
+            security_reg_write,
+            security_reg_verify,
+            unique_id_read,
+            sfdp_reg_read,
+            leave};
+}
+
+bool TDev25::supportCmd(const QString& code) const {
+    return cmdList.contains(code);
+}
+
+QStringList TDev25::getSupportCmdList() const {
+    return cmdList;
+}
+
+qint64 TDev25::devValue(const char* key) const {
+    return devParam.value(QLatin1String(key)).toLongLong();
+}
+
+TDev25::Region TDev25::regionOf(const QString& code) {
+    using namespace CTagCmdCode;
+    if (isOneOf(code, {security_reg_read, security_reg_write, security_reg_verify})) return Region::Security;
+    if (code == QLatin1String(sfdp_reg_read)) return Region::SFDP;
+    return Region::Flash;
+}
+
+void TDev25::regionRange(Region region, qint64& begin, qint64& size) const {
+    begin = region == Region::Flash ? devValue("addr_begin") : 0;
+    size = region == Region::Flash      ? devValue("size")
+           : region == Region::Security ? devValue("security_reg_size")
+                                        : devValue("sfdp_reg_size");
+}
+
+void TDev25::getDefaultCmdParam(TData& p) {
+    using namespace CTagCmdCode;
+    const QString code = p.value(CTagCmd::cmd).toString();
+    qint64 begin, size;
+    regionRange(regionOf(code), begin, size);
+    if (isOneOf(code, {char_write, char_verify}))
+        TNormCmdParam::writeParamRWVChar(p, begin, size, 0xFF);
+    else if (isOneOf(code, {data_read, data_write, data_verify}))
+        TNormCmdParam::writeDataRWVData(p, begin, QString());
+    else if (isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
+                            security_reg_verify, sfdp_reg_read}))
+        TNormCmdParam::defRWVFile(p, begin, size);
+    else if (isOneOf(code, {erase_blocks, test_empty_blocks})) {
+        p.insert(kSize, kBlockDefault);
+        p.insert(kBegin, 0);
+        p.insert(kCount, devValue("size") / kBlockDefault);
+    } else if (isOneOf(code, {security_reg_erase, security_reg_test_empty}))
+        p.insert(kData, 255);
+    else if (isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify}))
+        p.insert(kData, devParam.value(QStringLiteral("status_reg_def")).toString());
+    else if (code == QLatin1String(set_clk))
+        TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
+    else if (code == QLatin1String(leave))
+        TNormCmdParam::cmdLeaveDef(p, true);
+}
+
+QString TDev25::getViewCmdName(const TData& p) const {
+    return CmdCode.getName(p.value(CTagCmd::cmd).toString());
+}
+
+QString TDev25::cmdEraseBlocksView(const TData& p) {
+    const qint64 size = p.value(kSize).toLongLong();
+    const qint64 begin = p.value(kBegin).toLongLong();
+    const qint64 count = p.value(kCount).toLongLong();
+    return QStringLiteral("0x%1..0x%2 (%3)")
+        .arg(TMiscDev::getHexFromInt(begin * size), TMiscDev::getHexFromInt(size * (begin + count) - 1),
+             TMiscDev::getViewDeviceSize(size * count));
+}
+
+QString TDev25::cmdSecurityRegView(const TData& p) {
+    const quint32 mask = p.value(kData).toUInt();
+    QStringList regs;
+    for (int i = 0; i < 32; ++i)
+        if (mask >> i & 1) regs << QString::number(i + 1);
+    return Lang.get(474) + regs.join(QStringLiteral(", "));
+}
+
+QString TDev25::getViewCmdParam(const TData& p, QWidget*) const {
+    using namespace CTagCmdCode;
+    const QString code = p.value(CTagCmd::cmd).toString();
+    if (isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharView(p);
+    if (isOneOf(code, {data_read, data_write, data_verify})) return TNormCmdParam::cmdRWVDataView(p);
+    if (isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
+                       security_reg_verify, sfdp_reg_read}))
+        return TNormCmdParam::cmdRWVFileView(p);
+    if (code == QLatin1String(ident))
+        return Lang.get(473).arg(devParam.value(QStringLiteral("signature")).toString());
+    if (isOneOf(code, {erase_blocks, test_empty_blocks})) return cmdEraseBlocksView(p);
+    if (isOneOf(code, {security_reg_erase, security_reg_test_empty})) return cmdSecurityRegView(p);
+    if (isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify, unique_id_read}))
+        return p.value(kData).toString();
+    if (code == QLatin1String(set_clk)) return TMiscDev::getViewFreqValue(int(TMiscDev::getCLK(p)));
+    if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveView(p, true);
+    return QString();
+}
+
+QWidget* TDev25::getFormCmdParam(const TData&) const {
+    return nullptr;
+}
+
+TData TDev25::getChangedParam(const TData& p) const {
+    return p;
+}
+
+void TDev25::normCmdParam(TData&) {}
+
+bool TDev25::checkEraseBlocks(const TData& p) const {
+    const qint64 size = p.value(kSize).toLongLong();
+    const qint64 begin = p.value(kBegin).toLongLong();
+    const qint64 count = p.value(kCount).toLongLong();
+    return size > 0 && begin >= 0 && count > 0 && (begin + count) * size <= devValue("size");
+}
+
+bool TDev25::checkStatusReg(const TData& p) const {
+    const int n = devParam.value(QStringLiteral("status_reg_def")).toString().size() / 2;
+    return TMiscDev::getByteArrayFromHex(p.value(kData).toString()).size() == n;
+}
+
+bool TDev25::checkCmdParam(const TData& p) {
+    using namespace CTagCmdCode;
+    const QString code = p.value(CTagCmd::cmd).toString();
+    qint64 begin, size;
+    regionRange(regionOf(code), begin, size);
+    if (code == QLatin1String(set_clk)) return TNormCmdParam::cmdSetCLKCheck(p);
+    if (isOneOf(code, {ident, erase, test_empty, unique_id_read})) return true;
+    if (isOneOf(code, {erase_blocks, test_empty_blocks})) return checkEraseBlocks(p);
+    if (isOneOf(code, {char_write, char_verify})) return TNormCmdParam::checkParamRWVChar(p, begin, size);
+    if (isOneOf(code, {data_read, data_write, data_verify}))
+        return TNormCmdParam::checkParamRWVData(p, begin, size);
+    if (isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
+                       security_reg_verify, sfdp_reg_read}))
+        return TNormCmdParam::checkParamRWVFile(p, begin, size);
+    if (code == QLatin1String(status_reg_read)) return true;
+    if (isOneOf(code, {status_reg_write, status_reg_verify})) return checkStatusReg(p);
+    if (isOneOf(code, {security_reg_erase, security_reg_test_empty})) {
+        bool ok = false;
+        p.value(kData).toUInt(&ok);
+        return ok;
+    }
+    if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveCheck(p, true);
+    return false;
+}
+
+bool TDev25::checkCmdSetDeviceParam(const TData&) {
+    return true;
+}
+
+void TDev25::getDefaultParamCmdSetDevice(TData& p) {
+    TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
+}
+
+QWidget* TDev25::getWgtCmdSetDeviceParam(const TData&) {
+    return nullptr;
+}
+
+// The 24-series layout: type code (16 bits), cfg_hw, bus address (none on SPI: 0), clock (32 bits), delay.
+QByteArray TDev25::getCmdSetDeviceExec(const TData& param) {
+    TData p = param;
+    if (!p.contains(QStringLiteral("clk"))) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
+    QByteArray out;
+    appendLE(out, 0, 2);
+    appendLE(out, quint32(devValue("cfg_hw")), 1);
+    appendLE(out, 0, 1);
+    appendLE(out, TMiscDev::getCLK(p), 4);
+    appendLE(out, quint32(devValue("delay")), 1);
+    return out;
+}
+
+IDeviceExec* TDev25::createExecObject(const TData& param) {
+    return new TDev25Exec(param);
+}
