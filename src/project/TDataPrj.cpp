@@ -3,6 +3,7 @@
 #include "app/TApp.h"
 #include "app/TAppData.h"
 #include "devices/IDevice.h"
+#include "devices/TDeviceList.h"
 #include "devices/TSignature.h"
 #include "link/TProg.h"
 #include "project/CTagCmdCode.h"
@@ -21,8 +22,14 @@ const QString familyTools = QStringLiteral("Tools");
 const QString familyProg = QStringLiteral("Prog");
 
 // Where the installation's families and programmer descriptions come from.
-IDevice* catalogueDevice(const QString&, const QString&) {
-    return nullptr;
+IDevice* catalogueDevice(const QString& name, const QString& file) {
+    TData param;
+    QStringList desc;
+    const TDeviceList::Creator creator = DeviceList.getDeviceInstance(name, file, param, &desc);
+    if (!creator) return nullptr;
+    IDevice* dev = creator(name, param);
+    if (dev) dev->setDevDesc(desc);
+    return dev;
 }
 TProg* registryProg(const QString& name) {
     if (!AppData.progName.contains(name)) return nullptr;
