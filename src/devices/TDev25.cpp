@@ -2,6 +2,7 @@
 
 #include "app/TLang.h"
 #include "devices/TDev25Exec.h"
+#include "devices/TDeviceList.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
@@ -218,8 +219,9 @@ QWidget* TDev25::getWgtCmdSetDeviceParam(const TData&) {
 QByteArray TDev25::getCmdSetDeviceExec(const TData& param) {
     TData p = param;
     if (!p.contains(QStringLiteral("clk"))) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
+    QString type = devParam.value(QStringLiteral("prg_type")).toString();
     QByteArray out;
-    appendLE(out, 0, 2);
+    appendLE(out, DeviceList.getDevCode(type), 2);
     appendLE(out, quint32(devValue("cfg_hw")), 1);
     appendLE(out, 0, 1);
     appendLE(out, TMiscDev::getCLK(p), 4);
