@@ -20,6 +20,8 @@ struct SimOptions {
     int unplugAfter = -1;        // the line goes away with the first request after K replies
     QHash<int, int> errors;      // command byte to error code
     bool exitWithParent = false; // tests: a crashed test leaves no simulator behind
+    int pins = 0;                // address pins strapped on the chip (two-wire parts)
+    bool timing = false;         // chip models take their write times
 
     // Reads the arguments (program name first); false with a message on a bad option.
     bool parse(const QStringList& args, QString& error);

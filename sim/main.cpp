@@ -42,6 +42,9 @@ std::unique_ptr<SimChip> makeChip(const SimOptions& o, QString& error) {
         return std::make_unique<SimEmptySocket>(info, bus);
     }
     if (!SimDeviceReader::readChip(o.devices, o.chip, info.params, error)) return nullptr;
+    // Socket options a chip model may use, beside its description.
+    info.params.insert("sim_pins", o.pins);
+    info.params.insert("sim_timing", o.timing);
     const QString family = info.params.value("gui_type").toString();
     if (SimChipRegistry::contains(family)) return SimChipRegistry::create(family, info);
     if (simBusOfFamily(family, bus)) return std::make_unique<SimEmptySocket>(info, bus);

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "app/TTypes.h"
+
+#include <QByteArray>
+
+class IDevice;
+
+// The device-specific settings a set-device command carries for a 24-series part (its bus address pins)
+// and the payload built from them, plus the device type code every family puts in front of its payload.
+class TDev24CDevParam {
+public:
+    static constexpr const char* addr = "addr";
+
+    static void def(TData& p);
+    // The A2, A1, A0 pins as a number: only three pins exist.
+    static bool check(const TData& p);
+    // prg_type code (16 bits), cfg_hw, addr, clock (32 bits), delay.
+    static QByteArray payload(IDevice* dev, const TData& p);
+
+    // The programmer's code for a device type from "types.lst"; 0 when it is not listed.
+    static unsigned int getDevCode(const QString& name);
+};
