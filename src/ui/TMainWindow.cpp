@@ -4,14 +4,642 @@
 #include "app/TApp.h"
 #include "app/TAppData.h"
 #include "app/TIcons.h"
+#include "app/TLang.h"
+#include "app/TSettings.h"
+#include "devices/TDevToolsExec.h"
+#include "exec/TExec.h"
+#include "exec/TThreadSync.h"
+#include "project/CTagCmdCode.h"
+#include "project/TDataCmd.h"
+#include "project/TCtrlProject.h"
+#include "project/TDataCfg.h"
+#include "project/TDataPrj.h"
+#include "ui/THotKeys.h"
+#include "ui/TDialogAbout.h"
+#include "ui/TDialogHexView.h"
+#include "ui/TDialogLanguage.h"
+#include "ui/TDialogSelectPrjList.h"
+#include "ui/TDialogSettings.h"
+#include "ui/TWgtCfg.h"
+#include "ui/TWgtCmdList.h"
+#include "ui/TWgtLogExec.h"
+#include "ui/TWgtPrjList.h"
 
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QJsonDocument>
 #include <QLabel>
+#include <QMenuBar>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QThread>
+#include <QToolBar>
+
+namespace {
+const int recentMax = 8;
+}
 
 TMainWindow::TMainWindow(QWidget* parent) : QMainWindow(parent) {
-    setWindowTitle(QStringLiteral("%1 %2").arg(CApp::full_name, CApp::version));
     setWindowIcon(TIcons::getIcon(AppData.iconsSet, QStringLiteral("app")));
-    auto* label = new QLabel(windowTitle(), this);
-    label->setAlignment(Qt::AlignCenter);
-    setCentralWidget(label);
-    TApp::setWindowGeometryMain(this, 0, 0, 0, 0);
+    splitter = new QSplitter(this);
+    prjTree = new TWgtPrjList(splitter);
+    cfgTabs = new QTabWidget(splitter);
+    cfgTabs->setMovable(false);
+    splitter->addWidget(prjTree);
+    splitter->addWidget(cfgTabs);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({260, 900});
+    setCentralWidget(splitter);
+    statusPrj = new QLabel(this);
+    statusRun = new QLabel(this);
+    statusBar()->addWidget(statusPrj, 1);
+    statusBar()->addPermanentWidget(statusRun);
+    createActions();
+    createMenus();
+    createToolBar();
+    applyIconSet();
+    connect(&ProjectData, &TDataPrj::signalChangeData, this, &TMainWindow::slotChangeData);
+    connect(&ProjectData, &TDataPrj::signalChangePrj, this, &TMainWindow::slotChangePrj);
+    connect(prjTree, &TWgtPrjList::signalOpenProject, this, &TMainWindow::openProject);
+    connect(prjTree, &TWgtPrjList::signalError, this, &TMainWindow::showError);
+    connect(cfgTabs, &QTabWidget::currentChanged, this, &TMainWindow::updateActions);
+    loadWindowSettings();
+    loadSelectedPrjList();
+    rebuildTabs();
+    if (AppData.openLastPrj && !AppData.lastPrj.isEmpty() && QFileInfo::exists(AppData.lastPrj))
+        openProject(AppData.lastPrj);
+    updateTitle();
+}
+
+TMainWindow::~TMainWindow() {
+    stopAll();
+    waitRuns();
+}
+
+QMessageBox::StandardButton TMainWindow::ask(const QString& text, QMessageBox::StandardButtons buttons) {
+    QMessageBox box(QMessageBox::Question, QString::fromLatin1(CApp::full_name), text, buttons, this);
+    const QList<QPair<QMessageBox::StandardButton, int>> names = {
+        {QMessageBox::Yes, 92}, {QMessageBox::No, 93}, {QMessageBox::Cancel, 91}, {QMessageBox::Save, 116},
+        {QMessageBox::Discard, 117}};
+    for (const auto& n : names)
+        if (box.button(n.first)) box.button(n.first)->setText(Lang.get(n.second));
+    return QMessageBox::StandardButton(box.exec());
+}
+
+void TMainWindow::showError(const QString& text) {
+    QMessageBox box(QMessageBox::Warning, QString::fromLatin1(CApp::full_name), text, QMessageBox::Ok, this);
+    box.button(QMessageBox::Ok)->setText(Lang.get(90));
+    box.exec();
+}
+
+QAction* TMainWindow::action(const char* key, int textId, const char* icon, std::function<void()> fn) {
+    auto* a = new QAction(Lang.get(textId), this);
+    a->setObjectName(QString::fromLatin1(key));
+    if (icon) a->setProperty("iconName", QString::fromLatin1(icon));
+    connect(a, &QAction::triggered, this, [fn] { fn(); });
+    actions.append(a);
+    actionByKey.insert(a->objectName(), a);
+    return a;
+}
+
+void TMainWindow::createActions() {
+    action("NewPrj", 1, "new", [this] { actNew(); });
+    action("OpenPrj", 2, "open", [this] { actOpen(); });
+    action("SavePrj", 3, "save", [this] { actSave(); });
+    action("SavePrjAs", 4, nullptr, [this] { actSaveAs(); });
+    action("ClosePrj", 5, nullptr, [this] { actClose(); });
+    action("Quit", 7, nullptr, [this] { close(); });
+    action("Run", 9, "run", [this] { actRun(); });
+    action("RunAll", 10, "run_all", [this] { actRunAll(); });
+    action("Stop", 11, "stop", [this] { actStop(); });
+    action("StopAll", 12, nullptr, [this] { stopAll(); });
+    action("Continue", 13, "pause", [this] { actContinue(); });
+    action("ContinueAll", 14, nullptr, [this] { continueAll(); });
+    action("Settings", 16, nullptr, [this] { actSettings(); });
+    action("Language", 17, nullptr, [this] { actLanguage(); });
+    action("PrjLists", 18, nullptr, [this] { actPrjLists(); });
+    action("HexView", 19, nullptr, [this] { actHexView(); });
+    action("About", 21, nullptr, [this] { actAbout(); });
+    THotKeys::apply(THotKeys::load(), actions);
+}
+
+void TMainWindow::createMenus() {
+    auto add = [this](QMenu* menu, const QStringList& keys) {
+        for (const QString& k : keys)
+            if (k.isEmpty())
+                menu->addSeparator();
+            else
+                menu->addAction(actionByKey.value(k));
+    };
+    QMenu* prj = menuBar()->addMenu(Lang.get(0));
+    add(prj, {"NewPrj", "OpenPrj"});
+    recentMenu = prj->addMenu(Lang.get(6));
+    add(prj, {"SavePrj", "SavePrjAs", "ClosePrj", "", "Quit"});
+    add(menuBar()->addMenu(Lang.get(8)), {"Run", "RunAll", "", "Stop", "StopAll", "", "Continue", "ContinueAll"});
+    add(menuBar()->addMenu(Lang.get(15)), {"Settings", "Language", "PrjLists", "", "HexView"});
+    add(menuBar()->addMenu(Lang.get(20)), {"About"});
+    fillRecentMenu();
+}
+
+void TMainWindow::createToolBar() {
+    QToolBar* bar = addToolBar(Lang.get(8));
+    bar->setObjectName(QStringLiteral("MainToolBar"));
+    bar->setMovable(false);
+    for (const char* k : {"NewPrj", "OpenPrj", "SavePrj", "", "Run", "RunAll", "Stop", "StopAll", "Continue", "",
+                          "Settings", "HexView"})
+        if (*k)
+            bar->addAction(actionByKey.value(k));
+        else
+            bar->addSeparator();
+}
+
+void TMainWindow::applyIconSet() {
+    int toolBar, toolButton, tabHeight, listRow, menu, status, button;
+    TIcons::getSize(AppData.iconsSet, toolBar, toolButton, tabHeight, listRow, menu, status, button);
+    for (QAction* a : actions) {
+        const QString name = a->property("iconName").toString();
+        if (!name.isEmpty()) a->setIcon(TIcons::getIcon(AppData.iconsSet, name));
+    }
+    for (QToolBar* bar : findChildren<QToolBar*>())
+        bar->setIconSize(QSize(toolButton, toolButton));
+    cfgTabs->setIconSize(QSize(status, status));
+    for (int id : cfgViews.keys())
+        updateTab(id);
+}
+
+// ---- configuration tabs ----
+
+void TMainWindow::rebuildTabs() {
+    while (cfgTabs->count() > 0) {
+        QWidget* w = cfgTabs->widget(0);
+        cfgTabs->removeTab(0);
+        delete w;
+    }
+    cfgViews.clear();
+    QList<int> ids;
+    {
+        TLocker lock(ProjectData.getMutex());
+        for (TDataCfg* cfg : ProjectData.getCfgList())
+            ids.append(cfg->getUIN());
+    }
+    for (int id : ids)
+        addCfgTab(id);
+    updateActions();
+}
+
+void TMainWindow::addCfgTab(int idCfg) {
+    auto* view = new TWgtCfg(idCfg);
+    cfgViews.insert(idCfg, view);
+    cfgTabs->insertTab(ProjectData.getPosCfgFromIdCfg(idCfg), view, QString());
+    updateTab(idCfg);
+}
+
+void TMainWindow::updateTab(int idCfg) {
+    TWgtCfg* view = cfgViews.value(idCfg);
+    if (!view) return;
+    const int index = cfgTabs->indexOf(view);
+    const TCodeCfgStatus state = ProjectData.getCfgStatus(idCfg);
+    const char* icon = paused.contains(idCfg) ? "pause"
+                       : state == CfgStatusRun ? "run"
+                       : state == CfgStatusOk ? "ok"
+                       : state == CfgStatusError ? "error"
+                                                 : nullptr;
+    cfgTabs->setTabText(index, ProjectData.getNameCfgFromIdCfg(idCfg));
+    cfgTabs->setTabIcon(index, icon ? TIcons::getIcon(AppData.iconsSet, icon) : QIcon());
+    TDataCfg* cfg = ProjectData.getCfgObject(idCfg);
+    cfgTabs->setTabToolTip(index, cfg ? cfg->getDesc() : QString());
+}
+
+int TMainWindow::currentIdCfg() const {
+    auto* view = qobject_cast<TWgtCfg*>(cfgTabs->currentWidget());
+    return view ? view->getIdCfg() : -1;
+}
+
+void TMainWindow::slotChangeData(TCodeView code, TData data) {
+    const int idCfg = data.value(QStringLiteral("id_cfg"), -1).toInt();
+    switch (code) {
+    case CodeViewPrj:
+        if (cfgViews.size() != ProjectData.getCfgList().size()) rebuildTabs();
+        updateTitle();
+        break;
+    case CodeViewCfgNew:
+        addCfgTab(idCfg);
+        break;
+    case CodeViewCfgDel:
+        delete cfgViews.take(idCfg);
+        break;
+    case CodeViewCfgMove:
+        if (TWgtCfg* view = cfgViews.value(idCfg))
+            cfgTabs->tabBar()->moveTab(cfgTabs->indexOf(view), data.value(QStringLiteral("pos")).toInt());
+        break;
+    case CodeViewCfgUpd:
+        updateTab(idCfg);
+        break;
+    default:
+        // Command changes may change the validity of other commands of the configuration too.
+        if (TWgtCfg* view = cfgViews.value(idCfg)) view->cmdList()->refresh();
+        break;
+    }
+    updateActions();
+}
+
+void TMainWindow::slotChangePrj(bool) {
+    updateTitle();
+    updateActions();
+}
+
+void TMainWindow::updateTitle() {
+    const QString file = ProjectData.getPrjFileName();
+    QString title = QString::fromLatin1(CApp::full_name);
+    if (!file.isEmpty()) title = QStringLiteral("%1%2 - %3").arg(QFileInfo(file).fileName(), ProjectData.isChange() ? "*" : "", title);
+    setWindowTitle(title);
+    statusPrj->setText(file.isEmpty() ? Lang.get(25) : Lang.get(26).arg(QDir::toNativeSeparators(file)));
+}
+
+QString TMainWindow::statusText() const {
+    return statusPrj->text() + QLatin1Char('|') + statusRun->text();
+}
+
+void TMainWindow::updateActions() {
+    const bool open = !ProjectData.getPrjFileName().isEmpty();
+    const int id = currentIdCfg();
+    actionByKey.value("SavePrj")->setEnabled(open);
+    actionByKey.value("SavePrjAs")->setEnabled(open);
+    actionByKey.value("ClosePrj")->setEnabled(open);
+    actionByKey.value("Run")->setEnabled(id >= 0 && !runs.contains(id));
+    actionByKey.value("RunAll")->setEnabled(!cfgViews.isEmpty());
+    actionByKey.value("Stop")->setEnabled(runs.contains(id));
+    actionByKey.value("StopAll")->setEnabled(!runs.isEmpty());
+    actionByKey.value("Continue")->setEnabled(paused.contains(id));
+    actionByKey.value("ContinueAll")->setEnabled(!paused.isEmpty());
+    statusRun->setText(runs.isEmpty() ? Lang.get(114) : Lang.get(27).arg(runs.size()));
+}
+
+// ---- project handling ----
+
+// A damaged file is found before the current project is dropped, so a failed open changes nothing.
+bool TMainWindow::openProject(const QString& file) {
+    const QString abs = TApp::getAbsoluteFile(file);
+    TCtrlProject ctrl;
+    QByteArray data;
+    if (!ctrl.file_to_data(abs, data)) {
+        showError(Lang.get(39).arg(abs, ctrl.getErrorText()));
+        return false;
+    }
+    QJsonParseError err{};
+    if (!data.trimmed().isEmpty() && !QJsonDocument::fromJson(data, &err).isObject()) {
+        showError(Lang.get(39).arg(abs, Lang.get(45).arg(err.errorString())));
+        return false;
+    }
+    if (!closeProject()) return false;
+    if (ctrl.load(abs, &ProjectData) != TCtrlProject::Loaded) {
+        showError(Lang.get(39).arg(abs, ctrl.getErrorText()));
+        ProjectData.clrPrj();
+        return false;
+    }
+    ProjectData.resetChange();
+    processConfirmed = false;
+    addRecent(abs);
+    rebuildTabs();
+    updateTitle();
+    return true;
+}
+
+bool TMainWindow::newProject(const QString& file) {
+    if (!closeProject()) return false;
+    TCtrlProject ctrl;
+    ctrl.create_empty_project(&ProjectData);
+    const QFileInfo info(TApp::getAbsoluteFile(file));
+    ProjectData.updPrjParam(TData{{QStringLiteral("prj_file"), info.absoluteFilePath()},
+                                  {QStringLiteral("work_path"), info.absolutePath()}});
+    rebuildTabs();
+    return saveProject();
+}
+
+bool TMainWindow::saveProject() {
+    const QString file = ProjectData.getPrjFileName();
+    if (file.isEmpty()) return false;
+    TCtrlProject ctrl;
+    if (!ctrl.save(file, &ProjectData)) {
+        showError(Lang.get(40).arg(file, ctrl.getErrorText()));
+        return false;
+    }
+    ProjectData.resetChange();
+    addRecent(file);
+    updateTitle();
+    return true;
+}
+
+bool TMainWindow::saveProjectAs(const QString& file) {
+    const QFileInfo info(TApp::getAbsoluteFile(file));
+    ProjectData.updPrjParam(TData{{QStringLiteral("prj_file"), info.absoluteFilePath()},
+                                  {QStringLiteral("work_path"), info.absolutePath()}});
+    return saveProject();
+}
+
+bool TMainWindow::closeProject() {
+    if (!ProjectData.getPrjFileName().isEmpty() && ProjectData.isChange() && AppData.confirmSavePrj) {
+        const auto answer =
+            ask(Lang.get(41), QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+        if (answer == QMessageBox::Cancel) return false;
+        if (answer == QMessageBox::Save && !saveProject()) return false;
+    }
+    stopAll();
+    waitRuns();
+    ProjectData.clrPrj();
+    ProjectData.resetChange();
+    rebuildTabs();
+    updateTitle();
+    return true;
+}
+
+QString TMainWindow::askFileName(bool save) {
+    const QString dir = ProjectData.getPrjFileName().isEmpty() ? AppData.getPathProjectsAbs()
+                                                               : ProjectData.getPrjWorkPath();
+    QString file = save ? QFileDialog::getSaveFileName(this, Lang.get(38), dir, Lang.get(36))
+                        : QFileDialog::getOpenFileName(this, Lang.get(37), dir, Lang.get(36));
+    if (save && !file.isEmpty() && QFileInfo(file).suffix().isEmpty())
+        file += QLatin1Char('.') + QString::fromLatin1(CApp::ext_prj);
+    return file;
+}
+
+void TMainWindow::actNew() {
+    const QString file = askFileName(true);
+    if (!file.isEmpty()) newProject(file);
+}
+void TMainWindow::actOpen() {
+    const QString file = askFileName(false);
+    if (!file.isEmpty()) openProject(file);
+}
+void TMainWindow::actSave() {
+    saveProject();
+}
+void TMainWindow::actSaveAs() {
+    const QString file = askFileName(true);
+    if (!file.isEmpty()) saveProjectAs(file);
+}
+void TMainWindow::actClose() {
+    closeProject();
+}
+
+void TMainWindow::addRecent(const QString& file) {
+    recent.removeAll(file);
+    recent.prepend(file);
+    while (recent.size() > recentMax)
+        recent.removeLast();
+    AppData.lastPrj = file;
+    fillRecentMenu();
+}
+
+void TMainWindow::fillRecentMenu() {
+    if (!recentMenu) return;
+    recentMenu->clear();
+    for (const QString& file : recent)
+        recentMenu->addAction(QDir::toNativeSeparators(file), this, [this, file] { openProject(file); });
+    recentMenu->setEnabled(!recent.isEmpty());
+}
+
+// ---- runs ----
+
+// A project can come from anyone and "process" starts whatever it names: the first run of a project
+// that holds such commands shows their command lines and asks.
+bool TMainWindow::confirmProcess(int) {
+    if (processConfirmed || !AppData.confirmProcess) {
+        TDevToolsExec::setProcessAllowed(true);
+        return true;
+    }
+    QStringList lines;
+    {
+        TLocker lock(ProjectData.getMutex());
+        for (TDataCmd* cmd : ProjectData.getCmdList())
+            if (cmd->getEnable() && cmd->getCmdCode() == QLatin1String(CTagCmdCode::process))
+                lines << cmd->getParam().value(QStringLiteral("file")).toString();
+    }
+    if (lines.isEmpty()) return true;
+    lines.removeDuplicates();
+    if (ask(Lang.get(47).arg(lines.join(QLatin1Char('\n'))), QMessageBox::Yes | QMessageBox::No) !=
+        QMessageBox::Yes)
+        return false;
+    processConfirmed = true;
+    TDevToolsExec::setProcessAllowed(true);
+    return true;
+}
+
+bool TMainWindow::runThread(int idCfg) {
+    TWgtCfg* view = cfgViews.value(idCfg);
+    if (!view || runs.contains(idCfg) || !confirmProcess(idCfg)) return false;
+    ProjectData.setCfgStatus(idCfg, CfgStatusRun);
+    if (AppData.logClearBeforeRun) view->log()->clear();
+    view->log()->blockLogText(true);
+    view->showLog();
+    startThread(idCfg);
+    updateTab(idCfg);
+    updateActions();
+    return true;
+}
+
+void TMainWindow::startThread(int idCfg) {
+    TWgtLogExec* log = cfgViews.value(idCfg)->log();
+    auto* thread = new QThread;
+    auto* exec = new TExec(idCfg);
+    exec->moveToThread(thread);
+    runs.insert(idCfg, thread);
+    connect(this, &TMainWindow::signalPauseReset, exec, &TExec::slotPauseReset);
+    connect(this, &TMainWindow::signalStop, exec, &TExec::slotStop);
+    connect(thread, &QThread::started, exec, &TExec::slotStart);
+    connect(exec, &TExec::signalFinished, thread, &QThread::quit);
+    const auto blocking = Qt::BlockingQueuedConnection;
+    connect(exec, &TExec::signalEventText, log, &TWgtLogExec::slotExecEventText, blocking);
+    connect(exec, &TExec::signalEventProc, log, &TWgtLogExec::slotExecEventProc, blocking);
+    connect(exec, &TExec::signalExecuteFromCmd, this, &TMainWindow::slotExecuteFromCmd, blocking);
+    connect(exec, &TExec::signalPauseFromCmd, this, &TMainWindow::slotPauseFromCmd, blocking);
+    connect(exec, &TExec::signalStatusFromCmd, this, &TMainWindow::slotStatusFromCmd, blocking);
+    connect(exec, &TExec::signalDestroy, this, &TMainWindow::slotExecFinished);
+    // Once the thread has ended nothing touches the worker any more: it is joined and destroyed here.
+    connect(thread, &QThread::finished, this, [this, thread, exec] { runFinished(thread, exec); });
+    thread->start(QThread::NormalPriority);
+}
+
+void TMainWindow::runFinished(QThread* thread, TExec* exec) {
+    thread->wait();
+    delete exec; // its signalDestroy removes the run from the table
+    delete thread;
+}
+
+void TMainWindow::slotExecFinished(int idCfg) {
+    runs.remove(idCfg);
+    paused.remove(idCfg);
+    if (TWgtCfg* view = cfgViews.value(idCfg)) view->log()->blockLogText(false);
+    if (ProjectData.getCfgStatus(idCfg) == CfgStatusRun) ProjectData.setCfgStatus(idCfg, CfgStatusError);
+    updateTab(idCfg);
+    updateActions();
+}
+
+void TMainWindow::slotExecuteFromCmd(int idCfg) {
+    TThreadSync::Receiver sync;
+    runThread(idCfg);
+}
+
+void TMainWindow::slotPauseFromCmd(int idCfg) {
+    TThreadSync::Receiver sync;
+    paused.insert(idCfg);
+    statusBar()->showMessage(Lang.get(48).arg(ProjectData.getNameCfgFromIdCfg(idCfg)));
+    updateTab(idCfg);
+    updateActions();
+}
+
+void TMainWindow::slotStatusFromCmd(int idCfg, bool status) {
+    TThreadSync::Receiver sync;
+    ProjectData.setCfgStatus(idCfg, status ? CfgStatusOk : CfgStatusError);
+}
+
+void TMainWindow::runAll() {
+    for (int id : cfgViews.keys())
+        if (!runs.contains(id)) runThread(id);
+}
+
+void TMainWindow::stopRun(int idCfg) {
+    if (runs.contains(idCfg)) emit signalStop(idCfg);
+}
+
+void TMainWindow::stopAll() {
+    for (int id : runs.keys())
+        emit signalStop(id);
+}
+
+void TMainWindow::continueRun(int idCfg) {
+    if (!paused.remove(idCfg)) return;
+    statusBar()->clearMessage();
+    emit signalPauseReset(idCfg);
+    updateTab(idCfg);
+    updateActions();
+}
+
+void TMainWindow::continueAll() {
+    for (int id : paused.values())
+        continueRun(id);
+}
+
+// The worker's signals are blocking queued: waiting here must keep the event loop turning, or a worker
+// that reports its last lines would never end.
+void TMainWindow::waitRuns() {
+    while (!runs.isEmpty())
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+void TMainWindow::actRun() {
+    runThread(currentIdCfg());
+}
+void TMainWindow::actRunAll() {
+    runAll();
+}
+void TMainWindow::actStop() {
+    stopRun(currentIdCfg());
+}
+void TMainWindow::actContinue() {
+    continueRun(currentIdCfg());
+}
+
+// ---- window ----
+
+void TMainWindow::closeEvent(QCloseEvent* event) {
+    if (AppData.confirmQuit && ask(Lang.get(42), QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes) {
+        event->ignore();
+        return;
+    }
+    const QString last = ProjectData.getPrjFileName();
+    if (!closeProject()) {
+        event->ignore();
+        return;
+    }
+    if (!last.isEmpty()) AppData.lastPrj = last;
+    saveWindowSettings();
+    AppData.saveData();
+    event->accept();
+}
+
+void TMainWindow::loadWindowSettings() {
+    TSettings s;
+    TApp::setWindowGeometryMain(this, s.value("/WindowMain/Left", 0).toInt(), s.value("/WindowMain/Top", 0).toInt(),
+                                s.value("/WindowMain/Width", 0).toInt(), s.value("/WindowMain/Height", 0).toInt());
+    if (s.value("/WindowMain/Maximized", false).toBool()) setWindowState(windowState() | Qt::WindowMaximized);
+    const int tree = s.value("/WindowMain/TreeWidth", 0).toInt();
+    if (tree > 0) splitter->setSizes({tree, qMax(200, width() - tree)});
+    recent = s.value("/Main/RecentPrj").toStringList();
+    fillRecentMenu();
+}
+
+void TMainWindow::saveWindowSettings() const {
+    TSettings s;
+    const QRect g = normalGeometry().isValid() ? normalGeometry() : geometry();
+    s.setValue("/WindowMain/Left", g.left());
+    s.setValue("/WindowMain/Top", g.top());
+    s.setValue("/WindowMain/Width", g.width());
+    s.setValue("/WindowMain/Height", g.height());
+    s.setValue("/WindowMain/Maximized", isMaximized());
+    s.setValue("/WindowMain/TreeWidth", splitter->sizes().value(0));
+    s.setValue("/Main/RecentPrj", recent);
+    s.sync();
+}
+
+// The list of lists names the project lists; the chosen one is remembered by its file.
+void TMainWindow::loadSelectedPrjList() {
+    const QString lpl = AppData.getSelectPrjListFileAbs();
+    QList<TSelectPrjListRow> rows = TSelectPrjList::load(lpl);
+    const QString chosen = TSettings().value("/Main/PrjListCurrent").toString();
+    TSelectPrjListRow row = rows.isEmpty() ? TSelectPrjListRow{Lang.get(22), QStringLiteral("projects.lst")}
+                                           : rows.first();
+    for (const TSelectPrjListRow& r : rows)
+        if (r.file == chosen) row = r;
+    prjTree->loadPrjList(TApp::getAbsoluteFile(TApp::getAbsolutePath(lpl), row.file), row.name,
+                         ProjectData.getPrjFileName());
+}
+
+void TMainWindow::actSettings() {
+    TDialogSettings dlg(this);
+    if (dlg.exec() != QDialog::Accepted) return;
+    THotKeys::apply(THotKeys::load(), actions);
+    applyIconSet();
+    for (TWgtCfg* view : cfgViews)
+        view->log()->applySettings();
+}
+
+void TMainWindow::actLanguage() {
+    TDialogLanguage dlg(this);
+    if (dlg.exec() == QDialog::Accepted) showError(Lang.get(131));
+}
+
+void TMainWindow::actPrjLists() {
+    TDialogSelectPrjList dlg(this);
+    dlg.loadData(AppData.getSelectPrjListFileAbs());
+    if (dlg.exec() != QDialog::Accepted) return;
+    dlg.saveData(AppData.getSelectPrjListFileAbs());
+    TSettings s;
+    s.setValue("/Main/PrjListCurrent", dlg.currentFile());
+    s.sync();
+    loadSelectedPrjList();
+}
+
+void TMainWindow::actHexView() {
+    const QString file = QFileDialog::getOpenFileName(this, Lang.get(121), ProjectData.getPrjWorkPath(), Lang.get(104));
+    if (file.isEmpty()) return;
+    auto* dlg = new TDialogHexView(this);
+    dlg->setAttribute(Qt::WA_DeleteOnClose);
+    if (!dlg->loadFile(file)) {
+        showError(dlg->getErrorText());
+        delete dlg;
+        return;
+    }
+    dlg->show();
+}
+
+void TMainWindow::actAbout() {
+    TDialogAbout dlg(this);
+    dlg.exec();
 }

@@ -1,0 +1,209 @@
+#include "ui/TWgtPrjList.h"
+
+#include "app/CApp.h"
+#include "app/TApp.h"
+#include "app/TAppData.h"
+#include "app/TLang.h"
+
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QInputDialog>
+#include <QJsonDocument>
+#include <QMenu>
+#include <QProcess>
+
+TWgtPrjList::TWgtPrjList(QWidget* parent) : QTreeWidget(parent) {
+    setHeaderHidden(true);
+    setDragDropMode(QAbstractItemView::InternalMove);
+    setDefaultDropAction(Qt::MoveAction);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    connect(this, &QTreeWidget::itemDoubleClicked, this, &TWgtPrjList::slotActivated);
+    auto saveQuietly = [this] {
+        if (!loading) savePrjList();
+    };
+    connect(this, &QTreeWidget::itemExpanded, this, saveQuietly);
+    connect(this, &QTreeWidget::itemCollapsed, this, saveQuietly);
+}
+
+QString TWgtPrjList::listDir() const {
+    return QFileInfo(listFile).absolutePath();
+}
+
+QString TWgtPrjList::fileOf(const QTreeWidgetItem* item) const {
+    const QString file = item ? item->data(0, Qt::UserRole).toString() : QString();
+    return file.isEmpty() ? QString() : TApp::getAbsoluteFile(listDir(), file);
+}
+
+QTreeWidgetItem* TWgtPrjList::newItem(const QString& name, const QString& file) {
+    auto* item = new QTreeWidgetItem({name});
+    item->setData(0, Qt::UserRole, file);
+    item->setToolTip(0, file);
+    Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled;
+    // Only folders take other entries.
+    if (file.isEmpty()) flags |= Qt::ItemIsDropEnabled;
+    item->setFlags(flags);
+    item->setIcon(0, style()->standardIcon(file.isEmpty() ? QStyle::SP_DirIcon : QStyle::SP_FileIcon));
+    return item;
+}
+
+void TWgtPrjList::addItems(QTreeWidgetItem* parent, const QList<TPrjListItem>& items) {
+    for (const TPrjListItem& entry : items) {
+        QTreeWidgetItem* item = newItem(entry.name, entry.file);
+        if (parent)
+            parent->addChild(item);
+        else
+            addTopLevelItem(item);
+        addItems(item, entry.children);
+        item->setExpanded(entry.expand);
+    }
+}
+
+bool TWgtPrjList::loadPrjList(const QString& file, const QString& name, const QString& current) {
+    loading = true;
+    clear();
+    listFile = TApp::getAbsoluteFile(file);
+    listName = name;
+    errorText.clear();
+    QFile f(listFile);
+    QByteArray data;
+    if (f.open(QIODevice::ReadOnly)) data = f.readAll();
+    QJsonParseError err{};
+    const bool damaged = f.exists() && !data.trimmed().isEmpty() &&
+                         (!QJsonDocument::fromJson(data, &err).isObject() || err.error != QJsonParseError::NoError);
+    writable = !damaged && (f.isOpen() || !f.exists());
+    if (damaged) errorText = Lang.get(46).arg(listFile, err.errorString());
+    addItems(nullptr, TPrjList::fromData(data));
+    for (QTreeWidgetItemIterator it(this); *it; ++it)
+        if (!current.isEmpty() && fileOf(*it) == TApp::getAbsoluteFile(current)) setCurrentItem(*it);
+    loading = false;
+    if (damaged) emit signalError(errorText);
+    return !damaged;
+}
+
+QList<TPrjListItem> TWgtPrjList::readItems(const QTreeWidgetItem* parent) const {
+    QList<TPrjListItem> items;
+    const int n = parent ? parent->childCount() : topLevelItemCount();
+    for (int i = 0; i < n; ++i) {
+        const QTreeWidgetItem* item = parent ? parent->child(i) : topLevelItem(i);
+        TPrjListItem entry;
+        entry.name = item->text(0);
+        entry.file = item->data(0, Qt::UserRole).toString();
+        entry.expand = item->isExpanded();
+        entry.children = readItems(item);
+        items.append(entry);
+    }
+    return items;
+}
+
+QList<TPrjListItem> TWgtPrjList::getTree() const {
+    return readItems(nullptr);
+}
+
+bool TWgtPrjList::savePrjList() {
+    if (!writable || listFile.isEmpty()) return false;
+    QString error;
+    if (TPrjList::save(listFile, getTree(), &error)) return true;
+    errorText = Lang.get(128).arg(listFile, error);
+    emit signalError(errorText);
+    return false;
+}
+
+QTreeWidgetItem* TWgtPrjList::addFolder(const QString& name) {
+    QTreeWidgetItem* item = newItem(name, QString());
+    QTreeWidgetItem* cur = currentItem();
+    if (cur && fileOf(cur).isEmpty()) {
+        cur->addChild(item);
+        cur->setExpanded(true);
+    } else if (cur && cur->parent()) {
+        cur->parent()->addChild(item);
+    } else {
+        addTopLevelItem(item);
+    }
+    setCurrentItem(item);
+    savePrjList();
+    return item;
+}
+
+QTreeWidgetItem* TWgtPrjList::addProject(const QString& file, const QString& name) {
+    const QString stored = TApp::getPathFile(listDir(), TApp::getAbsoluteFile(file));
+    const QString shown = name.isEmpty() ? QFileInfo(file).completeBaseName() : name;
+    QTreeWidgetItem* item = newItem(shown, stored);
+    QTreeWidgetItem* cur = currentItem();
+    if (cur && fileOf(cur).isEmpty()) {
+        cur->addChild(item);
+        cur->setExpanded(true);
+    } else if (cur && cur->parent()) {
+        cur->parent()->insertChild(cur->parent()->indexOfChild(cur) + 1, item);
+    } else {
+        insertTopLevelItem(cur ? indexOfTopLevelItem(cur) + 1 : topLevelItemCount(), item);
+    }
+    setCurrentItem(item);
+    savePrjList();
+    return item;
+}
+
+void TWgtPrjList::renameCurrent(const QString& name) {
+    if (!currentItem() || name.trimmed().isEmpty()) return;
+    currentItem()->setText(0, name.trimmed());
+    savePrjList();
+}
+
+void TWgtPrjList::removeCurrent() {
+    delete currentItem();
+    savePrjList();
+}
+
+void TWgtPrjList::dropEvent(QDropEvent* event) {
+    QTreeWidget::dropEvent(event);
+    savePrjList();
+}
+
+void TWgtPrjList::slotActivated(QTreeWidgetItem* item) {
+    const QString file = fileOf(item);
+    if (!file.isEmpty()) emit signalOpenProject(file);
+}
+
+void TWgtPrjList::askFolder() {
+    bool ok = false;
+    const QString name = QInputDialog::getText(this, Lang.get(28), Lang.get(35), QLineEdit::Normal,
+                                               Lang.get(34), &ok);
+    if (ok && !name.trimmed().isEmpty()) addFolder(name.trimmed());
+}
+
+void TWgtPrjList::askProject() {
+    const QString file = QFileDialog::getOpenFileName(this, Lang.get(29), AppData.getPathProjectsAbs(),
+                                                      Lang.get(36));
+    if (!file.isEmpty()) addProject(file);
+}
+
+void TWgtPrjList::askRename() {
+    if (!currentItem()) return;
+    bool ok = false;
+    const QString name = QInputDialog::getText(this, Lang.get(30), Lang.get(35), QLineEdit::Normal,
+                                               currentItem()->text(0), &ok);
+    if (ok) renameCurrent(name);
+}
+
+// The folder of the chosen project, or the list's own folder for a folder entry.
+void TWgtPrjList::openFolder() {
+    const QString file = fileOf(currentItem());
+    const QString folder = file.isEmpty() ? listDir() : QFileInfo(file).absolutePath();
+    QProcess::startDetached(QStringLiteral("xdg-open"), {folder});
+}
+
+void TWgtPrjList::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu menu(this);
+    const bool isProject = !fileOf(currentItem()).isEmpty();
+    menu.addAction(Lang.get(32), this, [this] { slotActivated(currentItem()); })->setEnabled(isProject);
+    menu.addAction(Lang.get(33), this, &TWgtPrjList::openFolder);
+    menu.addSeparator();
+    menu.addAction(Lang.get(28), this, &TWgtPrjList::askFolder)->setEnabled(writable);
+    menu.addAction(Lang.get(29), this, &TWgtPrjList::askProject)->setEnabled(writable);
+    menu.addAction(Lang.get(30), this, &TWgtPrjList::askRename)->setEnabled(writable && currentItem());
+    menu.addAction(Lang.get(31), this, &TWgtPrjList::removeCurrent)->setEnabled(writable && currentItem());
+    menu.exec(event->globalPos());
+}

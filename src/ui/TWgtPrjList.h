@@ -1,0 +1,54 @@
+#pragma once
+
+#include "project/TPrjList.h"
+
+#include <QTreeWidget>
+
+// The project-list tree of the main window: folders and project entries, kept in a list file that is
+// written back after every change the user makes.
+class TWgtPrjList : public QTreeWidget {
+    Q_OBJECT
+public:
+    explicit TWgtPrjList(QWidget* parent = nullptr);
+
+    // False when the file exists but is damaged: the tree is then empty and the file is never written,
+    // so nothing the user had is lost. current names a project file to select.
+    bool loadPrjList(const QString& file, const QString& name = QString(), const QString& current = QString());
+    bool savePrjList();
+    QString getListFile() const { return listFile; }
+    QString getListName() const { return listName; }
+    QString getErrorText() const { return errorText; }
+
+    QList<TPrjListItem> getTree() const;
+    // New entries go under the current folder entry, or beside the current project entry.
+    QTreeWidgetItem* addFolder(const QString& name);
+    QTreeWidgetItem* addProject(const QString& file, const QString& name = QString());
+    void renameCurrent(const QString& name);
+    void removeCurrent();
+    // The absolute project file of an entry; empty for a folder.
+    QString fileOf(const QTreeWidgetItem* item) const;
+
+signals:
+    void signalOpenProject(const QString& file);
+    void signalError(const QString& text);
+
+protected:
+    void dropEvent(QDropEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private slots:
+    void slotActivated(QTreeWidgetItem* item);
+
+private:
+    void addItems(QTreeWidgetItem* parent, const QList<TPrjListItem>& items);
+    QList<TPrjListItem> readItems(const QTreeWidgetItem* parent) const;
+    QTreeWidgetItem* newItem(const QString& name, const QString& file);
+    void askFolder();
+    void askProject();
+    void askRename();
+    void openFolder();
+    QString listDir() const;
+
+    QString listFile, listName, errorText;
+    bool writable = false, loading = false;
+};

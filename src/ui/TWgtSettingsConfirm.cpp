@@ -1,0 +1,30 @@
+#include "ui/TWgtSettingsConfirm.h"
+
+#include "app/TAppData.h"
+#include "app/TLang.h"
+
+#include <QCheckBox>
+#include <QVBoxLayout>
+
+TWgtSettingsConfirm::TWgtSettingsConfirm(QWidget* parent) : QWidget(parent) {
+    auto make = [this](int textId, bool on) {
+        auto* box = new QCheckBox(Lang.get(textId), this);
+        box->setChecked(on);
+        return box;
+    };
+    openLastPrj = make(75, AppData.openLastPrj);
+    quit = make(76, AppData.confirmQuit);
+    savePrj = make(77, AppData.confirmSavePrj);
+    process = make(78, AppData.confirmProcess);
+    auto* layout = new QVBoxLayout(this);
+    for (QCheckBox* box : {openLastPrj, quit, savePrj, process})
+        layout->addWidget(box);
+    layout->addStretch(1);
+}
+
+void TWgtSettingsConfirm::save() {
+    AppData.openLastPrj = openLastPrj->isChecked();
+    AppData.confirmQuit = quit->isChecked();
+    AppData.confirmSavePrj = savePrj->isChecked();
+    AppData.confirmProcess = process->isChecked();
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QWidget>
+
+class QCheckBox;
+
+// Settings page of the questions the application asks, and of opening the last project at start.
+class TWgtSettingsConfirm : public QWidget {
+    Q_OBJECT
+public:
+    explicit TWgtSettingsConfirm(QWidget* parent = nullptr);
+    void save();
+
+    QCheckBox* openLastPrj;
+    QCheckBox* quit;
+    QCheckBox* savePrj;
+    QCheckBox* process;
+};

@@ -1,0 +1,77 @@
+#include "ui/TWgtSettingsProg.h"
+
+#include "app/TAppData.h"
+#include "app/TLang.h"
+
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace {
+QTableWidget* makeTable(QWidget* parent, const QStringList& headers) {
+    auto* t = new QTableWidget(0, headers.size(), parent);
+    t->setHorizontalHeaderLabels(headers);
+    t->horizontalHeader()->setStretchLastSection(true);
+    t->horizontalHeader()->resizeSection(0, 200);
+    t->verticalHeader()->hide();
+    t->setSelectionBehavior(QAbstractItemView::SelectRows);
+    return t;
+}
+
+void addRow(QTableWidget* t, const QStringList& cells) {
+    const int r = t->rowCount();
+    t->insertRow(r);
+    for (int c = 0; c < cells.size(); ++c)
+        t->setItem(r, c, new QTableWidgetItem(cells.at(c)));
+}
+
+QString cell(QTableWidget* t, int r, int c) {
+    return t->item(r, c) ? t->item(r, c)->text().trimmed() : QString();
+}
+} // namespace
+
+TWgtSettingsProg::TWgtSettingsProg(QWidget* parent) : QWidget(parent) {
+    types = makeTable(this, {Lang.get(81), Lang.get(82)});
+    for (int i = 0; i < AppData.progType.count(); ++i)
+        addRow(types, {AppData.progType.getTypeFromIndex(i), AppData.progType.getFileFromIndex(i)});
+    names = makeTable(this, {Lang.get(35), Lang.get(83), Lang.get(81)});
+    for (int i = 0; i < AppData.progName.count(); ++i) {
+        const TProgInfo info = AppData.progName.getDataFromIndex(i);
+        addRow(names, {AppData.progName.getNameFromIndex(i), info.port, info.type});
+    }
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(makeGroup(79, types));
+    layout->addWidget(makeGroup(80, names));
+}
+
+QWidget* TWgtSettingsProg::makeGroup(int titleId, QTableWidget* table) {
+    auto* box = new QGroupBox(Lang.get(titleId), this);
+    auto* add = new QPushButton(Lang.get(86), box);
+    auto* remove = new QPushButton(Lang.get(87), box);
+    connect(add, &QPushButton::clicked, this, [table] { addRow(table, QStringList()); });
+    connect(remove, &QPushButton::clicked, this, [table] { table->removeRow(table->currentRow()); });
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(add);
+    buttons->addWidget(remove);
+    auto* layout = new QVBoxLayout(box);
+    layout->addWidget(table);
+    layout->addLayout(buttons);
+    return box;
+}
+
+// Rows without a name are dropped; the flag of a programmer that keeps its name is kept.
+void TWgtSettingsProg::save() {
+    AppData.progType.clear();
+    for (int r = 0; r < types->rowCount(); ++r)
+        if (!cell(types, r, 0).isEmpty()) AppData.progType.append(cell(types, r, 0), cell(types, r, 1));
+    const TProgName old = AppData.progName;
+    AppData.progName.clear();
+    for (int r = 0; r < names->rowCount(); ++r)
+        if (!cell(names, r, 0).isEmpty())
+            AppData.progName.append(old.getData(cell(names, r, 0)).flag, cell(names, r, 0), cell(names, r, 1),
+                                    cell(names, r, 2));
+}
