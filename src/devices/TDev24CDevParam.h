@@ -7,7 +7,7 @@
 class IDevice;
 
 // The device-specific settings a set-device command carries for a 24-series part (its bus address pins)
-// and the payload built from them, plus the device type code every family puts in front of its payload.
+// and the payload built from them.
 class TDev24CDevParam {
 public:
     static constexpr const char* addr = "addr";
@@ -17,7 +17,4 @@ public:
     static bool check(const TData& p);
     // prg_type code (16 bits), cfg_hw, addr, clock (32 bits), delay.
     static QByteArray payload(IDevice* dev, const TData& p);
-
-    // The programmer's code for a device type from "types.lst"; 0 when it is not listed.
-    static unsigned int getDevCode(const QString& name);
 };

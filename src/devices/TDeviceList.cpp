@@ -2,6 +2,7 @@
 
 #include "app/TApp.h"
 #include "app/TAppData.h"
+#include "devices/TDev24.h"
 #include "devices/TDev25.h"
 #include "devices/TDevProg.h"
 #include "devices/TDevTools.h"
@@ -22,7 +23,7 @@ struct FamilyRow {
 const FamilyRow familyRows[] = {
     {"Tools", TDevTools::Instance},
     {"Prog", TDevProg::Instance},
-    {"Dev24", nullptr},
+    {"Dev24", TDev24::Instance},
     {"Dev25", TDev25::Instance},
     {"DevAVR8_SPI", nullptr},
 };
