@@ -61,7 +61,12 @@ bool TDev25Exec::execute(TSerialPort& port, bool&, int&, int&) {
     };
     const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
     for (const auto& entry : ops)
-        if (code == QLatin1String(entry.code)) return (this->*entry.op)(port);
+        if (code == QLatin1String(entry.code)) {
+            // An operation abandoned on the user's request is no failure of the run: the worker sees its
+            // stop flag next and ends the run as stopped.
+            const bool ok = (this->*entry.op)(port);
+            return ok || isStop();
+        }
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "misc/dev_misc.h"
 
+#include <QElapsedTimer>
 #include <QtTest>
 
 // Whole runs of the SPI flash family against the simulated W25Q80RV (1 MiB, 256-byte pages, JEDEC ID
@@ -207,6 +208,71 @@ private slots:
         const Run noisy = run({cmd("test_empty")}, {"--corrupt", "6"});
         QCOMPARE(noisy.status, 1);
         QVERIFY2(noisy.output.contains(Lang.get(389)), qPrintable(noisy.output));
+    }
+    void autoDetectWithAndWithoutRoute() {
+        WorkerFixture w;
+        SimFixture sim;
+        QVERIFY(sim.start({"--chip", "W25Q80RV", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
+                           "--trace", sim.path("trace.txt")}));
+        w.addProgrammer("Sim", sim);
+        const QString detect =
+            cmd("auto_detect", R"("name": "Dev25", "route": "%1", "stop": "%2", "execute": "true")");
+        TRunner::Options o;
+        o.project = w.writeProject(project({{"Main", {setProg, detect.arg("W25Q80RV=1", "true")}},
+                                            {"Second", {setProg, setDevice(), cmd("ident")}}}));
+        QCOMPARE(w.run(o), 0);
+        QVERIFY2(w.output.contains(Lang.get(401).arg("W25Q80RV (EF4014)")), qPrintable(w.output));
+        QVERIFY2(w.output.contains(Lang.get(403).arg("Second")), qPrintable(w.output));
+        QVERIFY(w.output.contains("Ident"));
+        // No route for the part: the run stays in its configuration.
+        o.project = w.writeProject(project({{"Main", {setProg, detect.arg("", "true")}}}));
+        QCOMPARE(w.run(o), 0);
+        QVERIFY2(w.output.contains("--> " + Lang.get(394) + " \"Main\""), qPrintable(w.output));
+    }
+
+    // An empty socket reads FF FF FF, which no detection list knows: a note without stop, a failure with it.
+    void autoDetectWithoutMatch() {
+        WorkerFixture w;
+        SimFixture sim;
+        QVERIFY(sim.start({"--bus", "spi"}));
+        w.addProgrammer("Sim", sim);
+        const QString detect =
+            cmd("auto_detect", R"("name": "Dev25", "route": "", "stop": "%1", "execute": "true")");
+        TRunner::Options o;
+        o.project = w.writeProject(project({{"Main", {setProg, detect.arg("false")}}}));
+        QCOMPARE(w.run(o), 0);
+        QVERIFY2(w.output.contains(Lang.get(402) + " (FFFFFF)\n" + Lang.get(391)), qPrintable(w.output));
+        o.project = w.writeProject(project({{"Main", {setProg, detect.arg("true")}}}));
+        QCOMPARE(w.run(o), 1);
+        QVERIFY2(w.output.contains(Lang.get(386)), qPrintable(w.output));
+        QVERIFY2(w.output.contains(Lang.get(402) + " (FFFFFF)"), qPrintable(w.output));
+    }
+
+    void stopDuringALongWrite() {
+        WorkerFixture w;
+        SimFixture sim;
+        QVERIFY(sim.start({"--chip", "W25Q80RV", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
+                           "--trace", sim.path("trace.txt"), "--timing", "on"}));
+        w.addProgrammer("Sim", sim);
+        TRunner::Options o;
+        o.project = w.writeProject(
+            project({{"Main",
+                      {setProg, setDevice(),
+                       cmd("char_write", R"("addr_device": "0", "count": "1048576", "fill_char": "0")")}}}));
+        FILE* out = std::tmpfile();
+        TRunner runner(out, std::tmpfile());
+        QTimer::singleShot(500, &runner, &TRunner::stopAll);
+        QElapsedTimer t;
+        t.start();
+        runner.run(o);
+        QVERIFY(t.elapsed() < 4000);
+        std::rewind(out);
+        char buf[2048] = {};
+        QVERIFY(std::fread(buf, 1, sizeof buf - 1, out) > 0);
+        QVERIFY2(QString::fromUtf8(buf).contains(Lang.get(390)), buf);
+        sim.stop();
+        const QStringList frames = WorkerFixture::requests(sim.path("trace.txt"));
+        QCOMPARE(frames.mid(frames.size() - 2), (QStringList{"C0 85 00 00 BB", "C0 83 01 00 00 BC"}));
     }
 };
 
