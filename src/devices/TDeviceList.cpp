@@ -21,11 +21,8 @@ struct FamilyRow {
 // The one table of families. A row without a creator is a family whose classes are not built in yet:
 // its devices are listed but cannot be served until the creator is filled in here.
 const FamilyRow familyRows[] = {
-    {"Tools", TDevTools::Instance},
-    {"Prog", TDevProg::Instance},
-    {"Dev24", TDev24::Instance},
-    {"Dev25", TDev25::Instance},
-    {"DevAVR8_SPI", nullptr},
+    {"Tools", TDevTools::Instance}, {"Prog", TDevProg::Instance}, {"Dev24", TDev24::Instance},
+    {"Dev25", TDev25::Instance},    {"DevAVR8_SPI", nullptr},
 };
 
 QString devicesFile(const QString& name) {
@@ -63,20 +60,34 @@ bool readDescription(const QString& file, QStringList& lines) {
 QVariant convert(QChar type, const QString& v) {
     bool ok = false;
     switch (type.unicode()) {
-    case 's': return v;
-    case 'd': return v.toInt(&ok);
-    case 'D': return v.toLongLong(&ok);
-    case 'u': return v.toUInt(&ok);
-    case 'U': return v.toULongLong(&ok);
-    case 'x': return v.toUInt(&ok, 16);
-    case 'X': return v.toULongLong(&ok, 16);
-    case 'b': return v.toUInt(&ok, 2);
-    case 'B': return v.toULongLong(&ok, 2);
-    case 'o': return v.toUInt(&ok, 8);
-    case 'O': return v.toULongLong(&ok, 8);
-    case 'f': return v.toFloat(&ok);
-    case 'F': return v.toDouble(&ok);
-    default: return QVariant();
+    case 's':
+        return v;
+    case 'd':
+        return v.toInt(&ok);
+    case 'D':
+        return v.toLongLong(&ok);
+    case 'u':
+        return v.toUInt(&ok);
+    case 'U':
+        return v.toULongLong(&ok);
+    case 'x':
+        return v.toUInt(&ok, 16);
+    case 'X':
+        return v.toULongLong(&ok, 16);
+    case 'b':
+        return v.toUInt(&ok, 2);
+    case 'B':
+        return v.toULongLong(&ok, 2);
+    case 'o':
+        return v.toUInt(&ok, 8);
+    case 'O':
+        return v.toULongLong(&ok, 8);
+    case 'f':
+        return v.toFloat(&ok);
+    case 'F':
+        return v.toDouble(&ok);
+    default:
+        return QVariant();
     }
 }
 } // namespace

@@ -52,8 +52,8 @@ bool TFormDesc::parse(const QStringList& lines) {
 
 bool TFormDesc::parseMask(const QString& text, int bytes, QByteArray& mask, int number) {
     mask = QByteArray::fromHex(text.toLatin1());
-    const bool hex = !text.isEmpty() && text.size() % 2 == 0 &&
-                     text.contains(QRegExp(QStringLiteral("^[0-9A-Fa-f]+$")));
+    const bool hex =
+        !text.isEmpty() && text.size() % 2 == 0 && text.contains(QRegExp(QStringLiteral("^[0-9A-Fa-f]+$")));
     if (!hex || (bytes > 0 && mask.size() != bytes)) return fail(452, number, text);
     return true;
 }
@@ -67,8 +67,10 @@ bool TFormDesc::parseByte(const QString& text, Item& item, int number) {
 }
 
 bool TFormDesc::parseAccess(const QString& text, Item& item, int number) {
-    if (text == QLatin1String("ro")) item.readOnly = true;
-    else if (text != QLatin1String("e") && text != QLatin1String("rw")) return fail(455, number, text);
+    if (text == QLatin1String("ro"))
+        item.readOnly = true;
+    else if (text != QLatin1String("e") && text != QLatin1String("rw"))
+        return fail(455, number, text);
     return true;
 }
 
@@ -121,8 +123,12 @@ QVector<QVariant> TFormDesc::toFields(const QByteArray& bytes) const {
     for (const Item& item : items) {
         const unsigned char bits = byteAt(bytes, item.byte) & byteAt(item.mask, 0);
         switch (item.kind) {
-        case Kind::Caption: fields.append(QVariant()); break;
-        case Kind::Check: fields.append((bits != 0) != item.inverted); break;
+        case Kind::Caption:
+            fields.append(QVariant());
+            break;
+        case Kind::Check:
+            fields.append((bits != 0) != item.inverted);
+            break;
         case Kind::Choice: {
             int index = -1;
             for (int i = 0; i < item.options.size() && index < 0; ++i)

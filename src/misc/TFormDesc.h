@@ -17,11 +17,11 @@ public:
     struct Item {
         Kind kind = Kind::Caption;
         QString caption;
-        int byte = 0;       // first register byte the field covers
-        QByteArray mask;    // bits covered: one byte for check boxes and choices, one per byte for edits
+        int byte = 0;    // first register byte the field covers
+        QByteArray mask; // bits covered: one byte for check boxes and choices, one per byte for edits
         bool readOnly = false;
-        bool inverted = false;                            // check box: checked when the bit reads 0
-        QVector<QPair<unsigned char, QString>> options;   // choice: bit values in place, with captions
+        bool inverted = false;                          // check box: checked when the bit reads 0
+        QVector<QPair<unsigned char, QString>> options; // choice: bit values in place, with captions
     };
 
     bool parse(const QStringList& lines);
