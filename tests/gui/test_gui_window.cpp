@@ -1,0 +1,236 @@
+#include "app/TAppData.h"
+#include "app/TLang.h"
+#include "app/TSettings.h"
+#include "project/TDataCmd.h"
+#include "project/TDataPrj.h"
+#include "ui/TMainWindow.h"
+#include "ui/TWgtCfg.h"
+#include "ui/TWgtCmdList.h"
+#include "ui/TWgtLogExec.h"
+
+#include <QElapsedTimer>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTextEdit>
+#include <QtTest>
+
+// Answers the window's questions in place of the user and keeps what it was told.
+class TestWindow : public TMainWindow {
+public:
+    QStringList asked, errors;
+    QMessageBox::StandardButton answer = QMessageBox::Cancel;
+
+protected:
+    QMessageBox::StandardButton ask(const QString& text, QMessageBox::StandardButtons) override {
+        asked << text;
+        return answer;
+    }
+    void showError(const QString& text) override { errors << text; }
+};
+
+namespace {
+QString cmd(const QString& code, const QString& params = QString()) {
+    return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})").arg(code, params.isEmpty() ? "" : ", " + params);
+}
+
+QByteArray project(const QList<QPair<QString, QStringList>>& cfgs) {
+    QStringList parts;
+    for (const auto& c : cfgs)
+        parts << QStringLiteral(R"({"name": "%1", "description": "", "commands": [%2]})")
+                     .arg(c.first, c.second.join(", "));
+    return QStringLiteral(R"({"version": 1, "configurations": [%1]})").arg(parts.join(", ")).toUtf8();
+}
+
+QByteArray readFile(const QString& name) {
+    QFile f(name);
+    f.open(QIODevice::ReadOnly);
+    return f.readAll();
+}
+
+// The log line of each command as the command list shows it.
+QString cmdLine(TWgtCmdList* list, int row) {
+    const QTreeWidgetItem* item = list->topLevelItem(row);
+    return item->text(1).isEmpty() ? item->text(0) : QStringLiteral("%1 (%2)").arg(item->text(0), item->text(1));
+}
+
+QString logText(TMainWindow& w, const QString& cfg) {
+    return w.cfgView(ProjectData.getIdCfgFromNameCfg(cfg))->log()->textEdit()->toPlainText();
+}
+} // namespace
+
+class TestGuiWindow : public QObject {
+    Q_OBJECT
+    QTemporaryDir dir;
+    QString ini, prj;
+
+    QString write(const QString& name, const QByteArray& data) {
+        const QString file = dir.filePath(name);
+        QFile f(file);
+        f.open(QIODevice::WriteOnly);
+        f.write(data);
+        return file;
+    }
+    int id(const QString& cfg) { return ProjectData.getIdCfgFromNameCfg(cfg); }
+
+private slots:
+    void initTestCase() {
+        ini = dir.filePath("t.ini");
+        TSettings::setFileNameIniOverride(ini);
+        AppData.loadData();
+        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
+        AppData.confirmQuit = false;
+        AppData.openLastPrj = false;
+        AppData.logShowTime = false;
+        AppData.selectPrjListFile = dir.filePath("sp.lpl");
+        prj = write("runs.prj", project({{"A", {cmd("delay", R"("value": "50")"), cmd("stop"),
+                                                 cmd("delay", R"("value": "50")")}},
+                                          {"B", {cmd("delay", R"("value": "50")")}},
+                                          {"Long", {cmd("delay", R"("value": "5000")")}},
+                                          {"Pause", {cmd("pause"), cmd("delay", R"("value": "1")")}}}));
+    }
+
+    void projectOpensIntoTabs() {
+        TestWindow w;
+        QVERIFY(w.openProject(prj));
+        QCOMPARE(w.cfgTabWidget()->count(), 4);
+        QCOMPARE(w.cfgTabWidget()->tabText(2), QString("Long"));
+        QCOMPARE(w.cfgView(id("A"))->cmdList()->topLevelItemCount(), 3);
+        QCOMPARE(w.recentProjects(), QStringList{prj});
+        QVERIFY(w.windowTitle().startsWith("runs.prj - "));
+        // A change of the model reaches the views.
+        ProjectData.setCfgName(id("B"), "Beta");
+        QCOMPARE(w.cfgTabWidget()->tabText(1), QString("Beta"));
+        ProjectData.enbCmd(ProjectData.getCmdListCfg(id("A")).at(1)->getUIN(), false);
+        QCOMPARE(w.cfgView(id("A"))->cmdList()->topLevelItem(1)->checkState(0), Qt::Unchecked);
+        w.answer = QMessageBox::Discard;
+        QVERIFY(w.closeProject());
+        QCOMPARE(w.cfgTabWidget()->count(), 0);
+    }
+
+    void twoRunsAtOnce() {
+        TestWindow w;
+        w.openProject(prj);
+        QVERIFY(w.runThread(id("A")));
+        QVERIFY(w.runThread(id("B")));
+        QVERIFY(!w.runThread(id("A")));
+        QCOMPARE(w.runCount(), 2);
+        QCOMPARE(ProjectData.getCfgStatus(id("A")), CfgStatusRun);
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
+        TWgtCmdList* a = w.cfgView(id("A"))->cmdList();
+        QCOMPARE(logText(w, "A"), QStringList({cmdLine(a, 0), cmdLine(a, 1), Lang.get(391)}).join('\n'));
+        QCOMPARE(logText(w, "B"), cmdLine(w.cfgView(id("B"))->cmdList(), 0) + "\n" + Lang.get(391));
+        QCOMPARE(ProjectData.getCfgStatus(id("A")), CfgStatusOk);
+        QCOMPARE(w.cfgView(id("A"))->currentIndex(), 1);
+    }
+
+    void logIsClearedBeforeARunWhenSet() {
+        TestWindow w;
+        w.openProject(prj);
+        AppData.logClearBeforeRun = false;
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY(w.runThread(id("B")));
+            QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
+        }
+        QCOMPARE(logText(w, "B").count(Lang.get(391)), 2);
+        AppData.logClearBeforeRun = true;
+        QVERIFY(w.runThread(id("B")));
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
+        QCOMPARE(logText(w, "B").count(Lang.get(391)), 1);
+    }
+
+    void stopEndsALongDelay() {
+        TestWindow w;
+        w.openProject(prj);
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(w.runThread(id("Long")));
+        QTest::qWait(200);
+        w.stopRun(id("Long"));
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
+        QVERIFY(clock.elapsed() < 4000);
+        QVERIFY(logText(w, "Long").endsWith("\n" + Lang.get(390)));
+        QCOMPARE(ProjectData.getCfgStatus(id("Long")), CfgStatusOk);
+    }
+
+    void pauseWaitsForContinue() {
+        TestWindow w;
+        w.openProject(prj);
+        QVERIFY(w.runThread(id("Pause")));
+        QTRY_VERIFY_WITH_TIMEOUT(w.isPaused(id("Pause")), 10000);
+        QTest::qWait(300);
+        QCOMPARE(w.runCount(), 1);
+        w.continueRun(id("Pause"));
+        QVERIFY(!w.isPaused(id("Pause")));
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
+        QVERIFY(logText(w, "Pause").endsWith("\n" + Lang.get(391)));
+    }
+
+    void closingStopsRunsCleanly() {
+        TestWindow w;
+        w.show();
+        w.openProject(prj);
+        QVERIFY(w.runThread(id("Long")));
+        QVERIFY(w.runThread(id("Pause")));
+        QTRY_VERIFY_WITH_TIMEOUT(w.isPaused(id("Pause")), 10000);
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(w.close());
+        QCOMPARE(w.runCount(), 0);
+        QVERIFY(clock.elapsed() < 4000);
+        QSettings s(ini, QSettings::IniFormat);
+        QCOMPARE(s.value("/WindowMain/Width").toInt(), w.normalGeometry().width());
+        QCOMPARE(s.value("/Main/LastPrj").toString(), prj);
+    }
+
+    void damagedProjectChangesNothing() {
+        TestWindow w;
+        w.openProject(prj);
+        const QString bad = write("bad.prj", "{\"version\": 1, \"configurations\": [");
+        QVERIFY(!w.openProject(bad));
+        QCOMPARE(w.errors.size(), 1);
+        QVERIFY(w.errors.first().startsWith(
+            Lang.get(39).arg(bad, Lang.get(45).arg(QString())).chopped(1)));
+        QCOMPARE(ProjectData.getPrjFileName(), prj);
+        QCOMPARE(w.cfgTabWidget()->count(), 4);
+        QVERIFY(!w.openProject(dir.filePath("missing.prj")));
+        QCOMPARE(w.errors.size(), 2);
+        QVERIFY(w.errors.last().startsWith(Lang.get(39).arg(dir.filePath("missing.prj"), QString())));
+        QCOMPARE(ProjectData.getPrjFileName(), prj);
+        QVERIFY(w.asked.isEmpty());
+    }
+
+    void unsavedChangesAreAskedAbout() {
+        const QString file = write("edit.prj", project({{"One", {cmd("stop")}}}));
+        const QByteArray before = readFile(file);
+        TestWindow w;
+        w.openProject(file);
+        ProjectData.setCfgName(id("One"), "Renamed");
+        w.answer = QMessageBox::Cancel;
+        QVERIFY(!w.closeProject());
+        QCOMPARE(w.asked, QStringList{Lang.get(41)});
+        QCOMPARE(ProjectData.getPrjFileName(), file);
+        w.answer = QMessageBox::Discard;
+        QVERIFY(w.closeProject());
+        QCOMPARE(readFile(file), before);
+        w.openProject(file);
+        ProjectData.setCfgName(id("One"), "Renamed");
+        w.answer = QMessageBox::Save;
+        QVERIFY(w.close());
+        QVERIFY(readFile(file).contains("\"name\": \"Renamed\""));
+        QCOMPARE(w.asked.size(), 3);
+    }
+
+    void processCommandsAreConfirmedFirst() {
+        const QString file = write("proc.prj", project({{"P", {cmd("process", R"("file": "/bin/true --x")")}}}));
+        AppData.confirmProcess = true;
+        TestWindow w;
+        w.openProject(file);
+        w.answer = QMessageBox::No;
+        QVERIFY(!w.runThread(id("P")));
+        QCOMPARE(w.asked, QStringList{Lang.get(47).arg("/bin/true --x")});
+        QCOMPARE(w.runCount(), 0);
+    }
+};
+
+QTEST_MAIN(TestGuiWindow)
+#include "test_gui_window.moc"
