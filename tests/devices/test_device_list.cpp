@@ -1,5 +1,7 @@
 #include "app/TAppData.h"
 #include "devices/IDevice.h"
+#include "devices/TDev24.h"
+#include "devices/TDev25.h"
 #include "devices/TDevProg.h"
 #include "devices/TDevTools.h"
 #include "devices/TDeviceList.h"
@@ -102,6 +104,8 @@ private slots:
         TDeviceList list;
         QVERIFY(list.getCreator("Tools") == &TDevTools::Instance);
         QVERIFY(list.getCreator("Prog") == &TDevProg::Instance);
+        QVERIFY(list.getCreator("Dev24") == &TDev24::Instance);
+        QVERIFY(list.getCreator("Dev25") == &TDev25::Instance);
         QVERIFY(!list.getCreator("Dev93"));
         QVERIFY(!list.getCreator("tools"));
     }
