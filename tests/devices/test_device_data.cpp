@@ -190,6 +190,19 @@ private slots:
         QCOMPARE(i2cFiles.size(), tableNames("i2c-eeprom.tsv").size());
         QCOMPARE(devices.value("W25Q128xV"), QString("spi/W25Q128xV.dev"));
         QCOMPARE(devices.value("MX25L4005C"), devices.value("MX25L4006E"));
+        // Named fields where the register table knows the part, one box per bit where it does not.
+        QVERIFY(params.value("avr/ATmega328P.dev")
+                    .value("fuse_cfg")
+                    .toStringList()
+                    .contains("ckl|20|i|e|1|SPIEN"));
+        QVERIFY(params.value("spi/W25Q128xV.dev")
+                    .value("status_reg_cfg")
+                    .toStringList()
+                    .contains("ckl|01|-|ro|0|BUSY"));
+        QVERIFY(params.value("avr/AT90CAN32.dev")
+                    .value("fuse_cfg")
+                    .toStringList()
+                    .contains("ckl|80|i|e|2|Extended fuse bit 7"));
         // Microwire parts have descriptions but no family to serve them, so they stay unlisted.
         QVERIFY(QFile::exists(devicesDir() + "/mw/93C46.dev"));
         for (const QString& file : devices)
