@@ -120,6 +120,8 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         }
         relayEventProc(0);
         processEvents();
+        // A command abandoned because the user asked to stop is no failure: the run ends as stopped.
+        if (!ok && stop) return true;
         if (!ok) return false;
     }
 }
