@@ -172,6 +172,7 @@ private slots:
         QVERIFY(w.runThread(id("Long")));
         QVERIFY(w.runThread(id("Pause")));
         QTRY_VERIFY_WITH_TIMEOUT(w.isPaused(id("Pause")), 10000);
+        QTest::qWait(200); // the long delay has begun
         QElapsedTimer clock;
         clock.start();
         QVERIFY(w.close());
