@@ -83,6 +83,8 @@ int main(int argc, char** argv) {
                                      QStringLiteral("List the configurations and commands of PROJECT."),
                                      QStringLiteral("PROJECT"));
     parser.addOptions({settingsOpt, runOpt, configOpt, saveOpt, pausesOpt, processOpt, listOpt});
+    parser.addPositionalArgument(QStringLiteral("project"), QStringLiteral("Project file to open in the window."),
+                                 QStringLiteral("[PROJECT.prj]"));
     // A wrong argument ends with status 2, as a project that cannot be loaded does.
     if (!parser.parse(app->arguments())) {
         std::fprintf(stderr, "%s\n", qPrintable(parser.errorText()));
@@ -118,5 +120,7 @@ int main(int argc, char** argv) {
 
     TMainWindow wnd;
     wnd.show();
+    if (!parser.positionalArguments().isEmpty())
+        wnd.openProject(absolute(parser.positionalArguments().first()));
     return app->exec();
 }
