@@ -2,6 +2,7 @@
 
 #include "app/TApp.h"
 #include "app/TAppData.h"
+#include "devices/CTagDevices.h"
 #include "devices/IDevice.h"
 #include "devices/TDeviceList.h"
 #include "devices/TSignature.h"
@@ -18,8 +19,8 @@
 TDataPrj ProjectData;
 
 namespace {
-const QString familyTools = QStringLiteral("Tools");
-const QString familyProg = QStringLiteral("Prog");
+const QString familyTools = QString::fromLatin1(CTagDevices::Tools);
+const QString familyProg = QString::fromLatin1(CTagDevices::Prog);
 
 // Where the installation's families and programmer descriptions come from.
 IDevice* catalogueDevice(const QString& name, const QString& file) {
