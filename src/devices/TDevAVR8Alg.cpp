@@ -7,7 +7,78 @@ namespace {
 void append16(QByteArray& out, qint64 v) {
     out.append(char(v & 0xFF)).append(char(v >> 8 & 0xFF));
 }
+
+unsigned char u8(qint64 v) {
+    return static_cast<unsigned char>(v & 0xFF);
+}
+
+// Fuse bytes in the order low, high, extended: read and write instruction bytes.
+const unsigned char fuseReads[3][2] = {{0x50, 0x00}, {0x58, 0x08}, {0x50, 0x08}};
+const unsigned char fuseWrites[3] = {0xA0, 0xA8, 0xA4};
 } // namespace
+
+// ---- payloads ----
+
+QByteArray TDevAVR8Alg::payloadInstr(unsigned char wait, const unsigned char (&bytes)[4]) {
+    return QByteArray(1, char(wait)) + QByteArray(reinterpret_cast<const char*>(bytes), 4);
+}
+
+QByteArray TDevAVR8Alg::payloadRead(qint64 addr, int len) {
+    QByteArray out;
+    append16(out, addr);
+    append16(out, len);
+    return out;
+}
+
+QByteArray TDevAVR8Alg::payloadWrite(qint64 addr, const QByteArray& data) {
+    QByteArray out;
+    append16(out, addr);
+    return out + data;
+}
+
+QByteArray TDevAVR8Alg::payloadExtendedAddress(qint64 addr) {
+    return payloadInstr(0, {0x4D, 0x00, u8(addr >> 16), 0x00});
+}
+
+QByteArray TDevAVR8Alg::payloadPageCommit(unsigned char wait, qint64 addr) {
+    const qint64 word = addr / 2;
+    return payloadInstr(wait, {0x4C, u8(word >> 8), u8(word), 0x00});
+}
+
+QList<QByteArray> TDevAVR8Alg::payloadReadFuse(int alg, int count) {
+    if (alg == 0) return {payloadInstr(0, {0x58, 0x00, 0x00, 0x00})};
+    QList<QByteArray> out;
+    for (int i = 0; alg == 1 && i < qMin(count, 3); ++i)
+        out << payloadInstr(0, {fuseReads[i][0], fuseReads[i][1], 0x00, 0x00});
+    return out;
+}
+
+QList<QByteArray> TDevAVR8Alg::payloadWriteFuse(int alg, unsigned char wait, const QByteArray& fuses) {
+    if (fuses.isEmpty()) return {};
+    const unsigned char v = u8(fuses.at(0));
+    if (alg == 0) return {payloadInstr(wait, {0xAC, u8((v & 0x01) | 0xBE), 0x00, 0x00})};
+    if (alg == 1) return {payloadInstr(wait, {0xAC, u8((v & 0x1F) | 0xA0), 0x00, 0x00})};
+    QList<QByteArray> out;
+    for (int i = 0; alg == 2 && i < qMin(int(fuses.size()), 3); ++i)
+        out << payloadInstr(wait, {0xAC, fuseWrites[i], 0x00, u8(fuses.at(i))});
+    return out;
+}
+
+QByteArray TDevAVR8Alg::payloadWriteLock(int alg, unsigned char wait, unsigned char v) {
+    if (alg == 0) return payloadInstr(wait, {0xAC, v, 0x00, 0x00});
+    if (alg == 1) return payloadInstr(wait, {0xAC, 0xE0, 0x00, v});
+    return QByteArray();
+}
+
+void TDevAVR8Alg::alignDataToWord(qint64& addr, QByteArray& data) {
+    if (addr & 1) {
+        data.prepend(char(0xFF));
+        --addr;
+    }
+    if ((addr + data.size()) & 1) data.append(char(0xFF));
+}
+
+// ---- exchanges ----
 
 bool TDevAVR8Alg::send(TSerialPort& port, unsigned char cmd, QByteArray& data, QString& err) {
     if (port.sendPackage(cmd, data)) return true;
@@ -15,16 +86,9 @@ bool TDevAVR8Alg::send(TSerialPort& port, unsigned char cmd, QByteArray& data, Q
     return false;
 }
 
-QByteArray TDevAVR8Alg::addrLen(qint64 addr, int len) {
-    QByteArray out;
-    append16(out, addr);
-    append16(out, len);
-    return out;
-}
-
-bool TDevAVR8Alg::instr(TSerialPort& port, unsigned char wait, const unsigned char (&bytes)[4],
-                        QByteArray& reply, QString& err, int r1, int r2, int r3) {
-    reply = QByteArray(1, char(wait)) + QByteArray(reinterpret_cast<const char*>(bytes), 4);
+bool TDevAVR8Alg::instr(TSerialPort& port, const QByteArray& payload, QByteArray& reply, QString& err, int r1,
+                        int r2, int r3) {
+    reply = payload;
     if (!send(port, CmdInstr, reply, err)) return false;
     const int expected[3] = {r1, r2, r3};
     bool ok = reply.size() == 4;
@@ -40,7 +104,7 @@ bool TDevAVR8Alg::ident(int alg, TSerialPort& port, QByteArray& signature, QStri
     signature.clear();
     for (unsigned char i = 0; i < 3; ++i) {
         QByteArray r;
-        if (!instr(port, 0, {0x30, 0x00, i, 0x00}, r, err, 0x30, 0x00)) return false;
+        if (!instr(port, payloadInstr(0, {0x30, 0x00, i, 0x00}), r, err, 0x30, 0x00)) return false;
         signature.append(r.at(3));
     }
     return true;
@@ -49,14 +113,14 @@ bool TDevAVR8Alg::ident(int alg, TSerialPort& port, QByteArray& signature, QStri
 bool TDevAVR8Alg::erase(int alg, TSerialPort& port, unsigned char wait, QString& err) {
     if (alg != 0) return false;
     QByteArray r;
-    return instr(port, wait, {0xAC, 0x80, 0x00, 0x00}, r, err, 0xAC, 0x80, 0x00);
+    return instr(port, payloadInstr(wait, {0xAC, 0x80, 0x00, 0x00}), r, err, 0xAC, 0x80, 0x00);
 }
 
 bool TDevAVR8Alg::extendedAddress(TSerialPort& port, FlashState& st, qint64 addr, QString& err) {
     const int upper = int(addr >> 16 & 0xFF);
     if (st.extended == upper) return true;
     QByteArray r;
-    if (!instr(port, 0, {0x4D, 0x00, static_cast<unsigned char>(upper), 0x00}, r, err)) return false;
+    if (!instr(port, payloadExtendedAddress(addr), r, err)) return false;
     st.extended = upper;
     return true;
 }
@@ -67,16 +131,8 @@ bool TDevAVR8Alg::readFlash(int alg, TSerialPort& port, FlashState& st, qint64 a
     // A read from address 0 starts a new pass over the flash: its upper bits are always sent.
     if (alg == 1 && addr == 0) st.extended = -1;
     if (alg == 1 && !extendedAddress(port, st, addr, err)) return false;
-    out = addrLen(addr, len);
+    out = payloadRead(addr, len);
     return send(port, CmdReadFlash, out, err);
-}
-
-void TDevAVR8Alg::alignDataToWord(qint64& addr, QByteArray& data) {
-    if (addr & 1) {
-        data.prepend(char(0xFF));
-        --addr;
-    }
-    if ((addr + data.size()) & 1) data.append(char(0xFF));
 }
 
 bool TDevAVR8Alg::writeFlash(int alg, TSerialPort& port, FlashState& st, unsigned char wait, qint64 addr,
@@ -85,83 +141,67 @@ bool TDevAVR8Alg::writeFlash(int alg, TSerialPort& port, FlashState& st, unsigne
     QByteArray payload = data;
     alignDataToWord(addr, payload);
     if (alg == 2 && !extendedAddress(port, st, addr, err)) return false;
-    QByteArray packet;
-    append16(packet, addr);
-    packet += payload;
+    QByteArray packet = payloadWrite(addr, payload);
     taken = packet.size() - 2;
     if (!send(port, CmdWriteFlash, packet, err)) return false;
     if (alg == 0) return true;
-    const qint64 word = addr / 2;
     QByteArray r;
-    return instr(port, wait,
-                 {0x4C, static_cast<unsigned char>(word >> 8), static_cast<unsigned char>(word), 0x00}, r,
-                 err);
+    return instr(port, payloadPageCommit(wait, addr), r, err);
 }
 
 bool TDevAVR8Alg::readEeprom(int alg, TSerialPort& port, qint64 addr, int len, QByteArray& out,
                              QString& err) {
     if (alg != 0) return false;
-    out = addrLen(addr, len);
+    out = payloadRead(addr, len);
     return send(port, CmdReadEeprom, out, err);
 }
 
 bool TDevAVR8Alg::writeEeprom(int alg, TSerialPort& port, qint64 addr, const QByteArray& data, QString& err) {
     if (alg != 0) return false;
-    QByteArray packet;
-    append16(packet, addr);
-    packet += data;
+    QByteArray packet = payloadWrite(addr, data);
     return send(port, CmdWriteEeprom, packet, err);
 }
 
 bool TDevAVR8Alg::readFuseBits(int alg, TSerialPort& port, int count, QByteArray& out, QString& err) {
+    const QList<QByteArray> payloads = payloadReadFuse(alg, count);
+    if (payloads.isEmpty()) return false;
     out.clear();
-    QByteArray r;
-    if (alg == 0) {
-        if (!instr(port, 0, {0x58, 0x00, 0x00, 0x00}, r, err)) return false;
-        out.append(char(r.at(3) & 0x21));
-        return true;
-    }
-    if (alg != 1) return false;
-    static const unsigned char reads[3][2] = {{0x50, 0x00}, {0x58, 0x08}, {0x50, 0x08}};
-    for (int i = 0; i < qMin(count, 3); ++i) {
-        if (!instr(port, 0, {reads[i][0], reads[i][1], 0x00, 0x00}, r, err, reads[i][0])) return false;
-        out.append(r.at(3));
+    for (const QByteArray& p : payloads) {
+        QByteArray r;
+        // The single-byte read of the oldest parts has no echo to check.
+        if (!instr(port, p, r, err, alg == 0 ? -1 : u8(p.at(1)))) return false;
+        out.append(alg == 0 ? char(r.at(3) & 0x21) : r.at(3));
     }
     return true;
 }
 
 bool TDevAVR8Alg::writeFuse(int alg, TSerialPort& port, unsigned char wait, const QByteArray& fuses,
                             QString& err) {
-    if (fuses.isEmpty() || alg < 0 || alg > 2) return false;
-    QByteArray r;
-    const unsigned char v = static_cast<unsigned char>(fuses.at(0));
-    if (alg == 0 || alg == 1) {
-        const unsigned char b = alg == 0 ? ((v & 0x01) | 0xBE) : ((v & 0x1F) | 0xA0);
-        return instr(port, wait, {0xAC, b, 0x00, 0x00}, r, err, 0xAC, b, 0x00);
+    const QList<QByteArray> payloads = payloadWriteFuse(alg, wait, fuses);
+    if (payloads.isEmpty()) return false;
+    for (const QByteArray& p : payloads) {
+        QByteArray r;
+        const bool full = alg != 2; // the byte-per-instruction writes check the first echo only
+        if (!instr(port, p, r, err, 0xAC, full ? u8(p.at(2)) : -1, full ? 0x00 : -1)) return false;
     }
-    static const unsigned char writes[3] = {0xA0, 0xA8, 0xA4};
-    for (int i = 0; i < qMin(fuses.size(), 3); ++i)
-        if (!instr(port, wait, {0xAC, writes[i], 0x00, static_cast<unsigned char>(fuses.at(i))}, r, err,
-                   0xAC))
-            return false;
     return true;
 }
 
 bool TDevAVR8Alg::readLockBits(int alg, TSerialPort& port, unsigned char& out, QString& err) {
     if (alg != 0 && alg != 1) return false;
     QByteArray r;
-    if (!instr(port, 0, {0x58, 0x00, 0x00, 0x00}, r, err, 0x58, 0x00)) return false;
-    const unsigned char v = static_cast<unsigned char>(r.at(3));
+    if (!instr(port, payloadInstr(0, {0x58, 0x00, 0x00, 0x00}), r, err, 0x58, 0x00)) return false;
+    const unsigned char v = u8(r.at(3));
     out = alg == 0 ? (v >> 4) & 6 : v;
     return true;
 }
 
 bool TDevAVR8Alg::writeLockBits(int alg, TSerialPort& port, unsigned char wait, unsigned char v,
                                 QString& err) {
+    const QByteArray p = payloadWriteLock(alg, wait, v);
+    if (p.isEmpty()) return false;
     QByteArray r;
-    if (alg == 0) return instr(port, wait, {0xAC, v, 0x00, 0x00}, r, err, 0xAC, v, 0x00);
-    if (alg == 1) return instr(port, wait, {0xAC, 0xE0, 0x00, v}, r, err, 0xAC, 0xE0, 0x00);
-    return false;
+    return instr(port, p, r, err, 0xAC, u8(p.at(2)), 0x00);
 }
 
 bool TDevAVR8Alg::readOscCal(int alg, TSerialPort& port, int count, QByteArray& out, QString& err) {
@@ -169,8 +209,7 @@ bool TDevAVR8Alg::readOscCal(int alg, TSerialPort& port, int count, QByteArray& 
     out.clear();
     for (int i = 0; i < count; ++i) {
         QByteArray r;
-        if (!instr(port, 0, {0x38, 0x00, static_cast<unsigned char>(i), 0x00}, r, err, 0x38, 0x00))
-            return false;
+        if (!instr(port, payloadInstr(0, {0x38, 0x00, u8(i), 0x00}), r, err, 0x38, 0x00)) return false;
         out.append(r.at(3));
     }
     return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 class TSerialPort;
@@ -47,11 +48,24 @@ public:
     // An odd start gets a 0xFF before it and an odd end a 0xFF after it, so whole words are written.
     static void alignDataToWord(qint64& addr, QByteArray& data);
 
+    // Payloads, as the operations above send them.
+    static QByteArray payloadInstr(unsigned char wait, const unsigned char (&bytes)[4]);
+    // Packets 3 and 5: 16-bit address, 16-bit length.
+    static QByteArray payloadRead(qint64 addr, int len);
+    // Packets 4 and 6: 16-bit address, then the data (flash data already word-aligned).
+    static QByteArray payloadWrite(qint64 addr, const QByteArray& data);
+    static QByteArray payloadExtendedAddress(qint64 addr);
+    // Commit of the page holding the (even) byte address.
+    static QByteArray payloadPageCommit(unsigned char wait, qint64 addr);
+    // One payload for each fuse byte read or written; empty for an algorithm the operation does not have.
+    static QList<QByteArray> payloadReadFuse(int alg, int count);
+    static QList<QByteArray> payloadWriteFuse(int alg, unsigned char wait, const QByteArray& fuses);
+    static QByteArray payloadWriteLock(int alg, unsigned char wait, unsigned char v);
+
 private:
     // One instruction; echo lists the reply bytes r1, r2, r3 to check (-1: not checked).
-    static bool instr(TSerialPort& port, unsigned char wait, const unsigned char (&bytes)[4],
-                      QByteArray& reply, QString& err, int r1 = -1, int r2 = -1, int r3 = -1);
+    static bool instr(TSerialPort& port, const QByteArray& payload, QByteArray& reply, QString& err,
+                      int r1 = -1, int r2 = -1, int r3 = -1);
     static bool extendedAddress(TSerialPort& port, FlashState& st, qint64 addr, QString& err);
     static bool send(TSerialPort& port, unsigned char cmd, QByteArray& data, QString& err);
-    static QByteArray addrLen(qint64 addr, int len);
 };

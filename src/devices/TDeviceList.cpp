@@ -4,6 +4,7 @@
 #include "app/TAppData.h"
 #include "devices/TDev24.h"
 #include "devices/TDev25.h"
+#include "devices/TDevAVR8_SPI.h"
 #include "devices/TDevProg.h"
 #include "devices/TDevTools.h"
 
@@ -22,7 +23,7 @@ struct FamilyRow {
 // its devices are listed but cannot be served until the creator is filled in here.
 const FamilyRow familyRows[] = {
     {"Tools", TDevTools::Instance}, {"Prog", TDevProg::Instance}, {"Dev24", TDev24::Instance},
-    {"Dev25", TDev25::Instance},    {"DevAVR8_SPI", nullptr},
+    {"Dev25", TDev25::Instance},    {"DevAVR8_SPI", TDevAVR8_SPI::Instance},
 };
 
 QString devicesFile(const QString& name) {

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "devices/IDeviceExec.h"
+#include "devices/TDevAVR8Alg.h"
+
+#include <functional>
+
+// Runs one command of the AVR family against the programmer.
+class TDevAVR8Exec : public IDeviceExec {
+    Q_OBJECT
+public:
+    explicit TDevAVR8Exec(const TData& param, QObject* parent = nullptr);
+
+    bool execute(TSerialPort& port, bool& finish, int& idCfg, int& idCmd) override;
+    // The three signature bytes as hex text.
+    bool execReadSignature(TSerialPort& port, QString& signature) override;
+
+    bool setCLK(TSerialPort& port);
+    bool leave(TSerialPort& port);
+    bool ident(TSerialPort& port);
+    bool erase(TSerialPort& port);
+    bool testEmptyFlash(TSerialPort& port);
+    bool testEmptyEEPROM(TSerialPort& port);
+    bool writeFlashChar(TSerialPort& port);
+    bool verifyFlashChar(TSerialPort& port);
+    bool writeFlashData(TSerialPort& port);
+    bool verifyFlashData(TSerialPort& port);
+    bool readFlashData(TSerialPort& port);
+    bool writeEepromChar(TSerialPort& port);
+    bool verifyEepromChar(TSerialPort& port);
+    bool writeEepromData(TSerialPort& port);
+    bool verifyEepromData(TSerialPort& port);
+    bool readEepromData(TSerialPort& port);
+    bool readFlashFile(TSerialPort& port);
+    bool writeFlashFile(TSerialPort& port);
+    bool verifyFlashFile(TSerialPort& port);
+    bool readEepromFile(TSerialPort& port);
+    bool writeEepromFile(TSerialPort& port);
+    bool verifyEepromFile(TSerialPort& port);
+    bool readFuse(TSerialPort& port);
+    bool writeFuse(TSerialPort& port);
+    bool verifyFuse(TSerialPort& port);
+    bool readLockBits(TSerialPort& port);
+    bool writeLockBits(TSerialPort& port);
+    bool verifyLockBits(TSerialPort& port);
+    bool readOscCal(TSerialPort& port);
+
+    // Reports progress and gives the stop request: true ends the operation at once.
+    bool processGUI(int& lastPercent, int& counter, long long done, long long total);
+
+    // The wait byte of an operation whose catalogue keys start with prefix: polling, else the delay.
+    static unsigned char waitByte(const TData& dev, const QString& prefix);
+
+private:
+    enum class Space { Flash, Eeprom };
+    using Source = std::function<QByteArray(qint64 addr, int len)>;
+    using Sink = std::function<bool(qint64 addr, const QByteArray& data)>;
+
+    bool prepare(TSerialPort& port);
+    int alg(const char* key) const;
+    // After a failed packet builder: its text, or the missing algorithm when it sent nothing.
+    bool fail(const QString& err, const char* algKey);
+    int writeChunk(Space space) const;
+    bool readPiece(TSerialPort& port, Space space, qint64 addr, int len, QByteArray& out);
+    bool writePiece(TSerialPort& port, Space space, qint64 addr, const QByteArray& data);
+
+    bool writeRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& source);
+    bool verifyRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& expected);
+    bool readRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Sink& sink);
+    bool compare(qint64 addr, const QByteArray& expected, const QByteArray& read);
+
+    bool testEmptySpace(TSerialPort& port, Space space);
+    bool writeCharSpace(TSerialPort& port, Space space, bool verify);
+    bool dataSpace(TSerialPort& port, Space space, int mode);
+    bool writeFileSpace(TSerialPort& port, Space space);
+    bool verifyFileSpace(TSerialPort& port, Space space);
+    bool readFileSpace(TSerialPort& port, Space space);
+
+    bool readFuseBytes(TSerialPort& port, QByteArray& read);
+    bool readLockByte(TSerialPort& port, QByteArray& read);
+    // Compares the command's data with what was read; id is the text of the mismatch.
+    bool verifyBytes(const QByteArray& read, int id);
+    bool storeData(const QString& hex);
+
+    TData dev;
+    int maxData = 0;
+    TDevAVR8Alg::FlashState flashState;
+};

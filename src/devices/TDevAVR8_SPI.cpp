@@ -1,0 +1,199 @@
+#include "devices/TDevAVR8_SPI.h"
+
+#include "app/TLang.h"
+#include "devices/TDevAVR8Exec.h"
+#include "devices/TDeviceList.h"
+#include "misc/TNormCmdParam.h"
+#include "misc/dev_misc.h"
+#include "project/CTagCmdCode.h"
+#include "project/CTagPrj.h"
+#include "project/TCmdCode.h"
+
+#include <QRegularExpression>
+
+namespace {
+const QString kData = QStringLiteral("data");
+
+bool isOneOf(const QString& code, std::initializer_list<const char*> codes) {
+    for (const char* c : codes)
+        if (code == QLatin1String(c)) return true;
+    return false;
+}
+
+void appendLE(QByteArray& out, quint32 value, int bytes) {
+    for (int i = 0; i < bytes; ++i)
+        out.append(char((value >> (8 * i)) & 0xFF));
+}
+} // namespace
+
+TDevAVR8_SPI::TDevAVR8_SPI(const QString& code, const TData& param) : IDevice(code), cmdList(getCmdList()) {
+    setDevParam(param);
+}
+
+IDevice* TDevAVR8_SPI::Instance(const QString& code, const TData& param) {
+    return new TDevAVR8_SPI(code, param);
+}
+
+QStringList TDevAVR8_SPI::getCmdList() {
+    using namespace CTagCmdCode;
+    return {set_clk,
+            ident,
+            erase,
+            test_empty_flash,
+            test_empty_eeprom,
+            flash_char_write,
+            flash_char_verify,
+            flash_data_read,
+            flash_data_write,
+            flash_data_verify,
+            flash_file_read,
+            flash_file_write,
+            flash_file_verify,
+            eeprom_char_write,
+            eeprom_char_verify,
+            eeprom_data_read,
+            eeprom_data_write,
+            eeprom_data_verify,
+            eeprom_file_read,
+            eeprom_file_write,
+            eeprom_file_verify,
+            fuse_read,
+            fuse_write,
+            fuse_verify,
+            lock_read,
+            lock_write,
+            lock_verify,
+            osccal_read,
+            leave};
+}
+
+bool TDevAVR8_SPI::supportCmd(const QString& code) const {
+    return cmdList.contains(code);
+}
+
+QStringList TDevAVR8_SPI::getSupportCmdList() const {
+    return cmdList;
+}
+
+QString TDevAVR8_SPI::bytesDefault(const QString& code) const {
+    using namespace CTagCmdCode;
+    const char* key = isOneOf(code, {fuse_read, fuse_write, fuse_verify})   ? "fuse_def"
+                      : isOneOf(code, {lock_read, lock_write, lock_verify}) ? "lock_def"
+                      : code == QLatin1String(osccal_read)                  ? "osccal_def"
+                                                                            : nullptr;
+    return key ? devParam.value(QLatin1String(key)).toString() : QString();
+}
+
+void TDevAVR8_SPI::getDefaultCmdParam(TData& p) {
+    using namespace CTagCmdCode;
+    const QString code = p.value(CTagCmd::cmd).toString();
+    if (isOneOf(code, {flash_char_write, flash_char_verify})) TNormCmdParam::cmdRWVFlashCharDef(this, p);
+    if (isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
+        TNormCmdParam::cmdRWVFlashDataDef(this, p);
+    if (isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
+        TNormCmdParam::cmdRWVFlashFileDef(this, p);
+    if (isOneOf(code, {eeprom_char_write, eeprom_char_verify})) TNormCmdParam::cmdRWVEEPROMCharDef(this, p);
+    if (isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
+        TNormCmdParam::cmdRWVEEPROMDataDef(this, p);
+    if (isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
+        TNormCmdParam::cmdRWVEEPROMFileDef(this, p);
+    if (isOneOf(code, {fuse_read, fuse_write, fuse_verify, lock_read, lock_write, lock_verify, osccal_read}))
+        p.insert(kData, bytesDefault(code));
+    if (code == QLatin1String(set_clk)) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
+    if (code == QLatin1String(leave)) TNormCmdParam::cmdLeaveDef(p, true);
+}
+
+QString TDevAVR8_SPI::getViewCmdName(const TData& p) const {
+    return CmdCode.getName(p.value(CTagCmd::cmd).toString());
+}
+
+QString TDevAVR8_SPI::getViewCmdParam(const TData& p, QWidget*) const {
+    using namespace CTagCmdCode;
+    const QString code = p.value(CTagCmd::cmd).toString();
+    if (isOneOf(code, {flash_char_write, flash_char_verify, eeprom_char_write, eeprom_char_verify}))
+        return TNormCmdParam::cmdRWVCharView(p);
+    if (isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify, eeprom_data_read,
+                       eeprom_data_write, eeprom_data_verify}))
+        return TNormCmdParam::cmdRWVDataView(p);
+    if (isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify, eeprom_file_read,
+                       eeprom_file_write, eeprom_file_verify}))
+        return TNormCmdParam::cmdRWVFileView(p);
+    if (code == QLatin1String(ident))
+        return Lang.get(485).arg(devParam.value(QStringLiteral("signature")).toString());
+    if (!bytesDefault(code).isEmpty()) return p.value(kData).toString();
+    if (code == QLatin1String(set_clk)) return TMiscDev::getViewFreqValue(int(TMiscDev::getCLK(p)));
+    if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveView(p, true);
+    return QString();
+}
+
+QWidget* TDevAVR8_SPI::getFormCmdParam(const TData&) const {
+    return nullptr;
+}
+
+TData TDevAVR8_SPI::getChangedParam(const TData& p) const {
+    return p;
+}
+
+void TDevAVR8_SPI::normCmdParam(TData&) {}
+
+// Written or compared bytes must be exactly as many as the part has (hex text, two digits a byte).
+bool TDevAVR8_SPI::checkBytes(const QString& code, const TData& p) const {
+    const QString text = p.value(kData).toString();
+    const int n = bytesDefault(code).size() / 2;
+    static const QRegularExpression hexDigits(QStringLiteral("^[0-9A-Fa-f]*$"));
+    return n > 0 && text.size() == 2 * n && hexDigits.match(text).hasMatch();
+}
+
+bool TDevAVR8_SPI::checkCmdParam(const TData& p) {
+    using namespace CTagCmdCode;
+    const QString code = p.value(CTagCmd::cmd).toString();
+    if (code == QLatin1String(set_clk)) return TNormCmdParam::cmdSetCLKCheck(p);
+    if (isOneOf(code, {ident, erase, test_empty_flash, test_empty_eeprom, fuse_read, lock_read, osccal_read}))
+        return true;
+    if (isOneOf(code, {flash_char_write, flash_char_verify}))
+        return TNormCmdParam::cmdRWVFlashCharCheck(this, p);
+    if (isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
+        return TNormCmdParam::cmdRWVFlashDataCheck(this, p);
+    if (isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
+        return TNormCmdParam::cmdRWVFlashFileCheck(this, p);
+    if (isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
+        return TNormCmdParam::cmdRWVEEPROMCharCheck(this, p);
+    if (isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
+        return TNormCmdParam::cmdRWVEEPROMDataCheck(this, p);
+    if (isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
+        return TNormCmdParam::cmdRWVEEPROMFileCheck(this, p);
+    if (isOneOf(code, {fuse_write, fuse_verify, lock_write, lock_verify})) return checkBytes(code, p);
+    if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveCheck(p, true);
+    return false;
+}
+
+bool TDevAVR8_SPI::checkCmdSetDeviceParam(const TData&) {
+    return true;
+}
+
+void TDevAVR8_SPI::getDefaultParamCmdSetDevice(TData& p) {
+    TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
+}
+
+QWidget* TDevAVR8_SPI::getWgtCmdSetDeviceParam(const TData&) {
+    return nullptr;
+}
+
+// The layout the other families use (type code 16 bits, cfg_hw, one family byte, clock 32 bits, delay);
+// the family byte carries the reset polarity the programmer drives the target's reset line with.
+QByteArray TDevAVR8_SPI::getCmdSetDeviceExec(const TData& param) {
+    TData p = param;
+    if (!p.contains(QStringLiteral("clk"))) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
+    QString type = devParam.value(QStringLiteral("prg_type")).toString();
+    QByteArray out;
+    appendLE(out, DeviceList.getDevCode(type), 2);
+    appendLE(out, devParam.value(QStringLiteral("cfg_hw")).toUInt(), 1);
+    appendLE(out, devParam.value(QStringLiteral("reset_pol")).toUInt(), 1);
+    appendLE(out, TMiscDev::getCLK(p), 4);
+    appendLE(out, devParam.value(QStringLiteral("delay")).toUInt(), 1);
+    return out;
+}
+
+IDeviceExec* TDevAVR8_SPI::createExecObject(const TData& param) {
+    return new TDevAVR8Exec(param);
+}

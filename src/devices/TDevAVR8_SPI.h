@@ -1,0 +1,37 @@
+#pragma once
+
+#include "devices/IDevice.h"
+
+// The editing side of the AVR family (serial programming over SPI): flash and EEPROM spaces, fuse and
+// lock bytes, calibration bytes, and the set-device payload.
+class TDevAVR8_SPI : public IDevice {
+    Q_OBJECT
+public:
+    TDevAVR8_SPI(const QString& code, const TData& param);
+    static IDevice* Instance(const QString& code, const TData& param);
+
+    static QStringList getCmdList();
+
+    bool supportCmd(const QString& code) const override;
+    QStringList getSupportCmdList() const override;
+    void getDefaultCmdParam(TData& param) override;
+    QString getViewCmdName(const TData& param) const override;
+    QString getViewCmdParam(const TData& param, QWidget* parent) const override;
+    QWidget* getFormCmdParam(const TData& param) const override;
+    TData getChangedParam(const TData& param) const override;
+    void normCmdParam(TData& param) override;
+    bool checkCmdParam(const TData& param) override;
+    bool checkCmdSetDeviceParam(const TData& param) override;
+    void getDefaultParamCmdSetDevice(TData& param) override;
+    QWidget* getWgtCmdSetDeviceParam(const TData& param) override;
+    QByteArray getCmdSetDeviceExec(const TData& param) override;
+    IDeviceExec* createExecObject(const TData& param) override;
+
+private:
+    // The catalogue default of the byte group a command edits (fuses, lock bits, calibration); empty for
+    // other commands.
+    QString bytesDefault(const QString& code) const;
+    bool checkBytes(const QString& code, const TData& p) const;
+
+    const QStringList cmdList;
+};
