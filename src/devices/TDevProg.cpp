@@ -33,6 +33,22 @@ bool tenthsInRange(const QVariant& v, double min, double max) {
 QString volts(const TData& p, const QString& key) {
     return QString::number(p.value(key).toDouble(), 'f', 1);
 }
+
+// Supply and programming voltage with a current limit: both values within the programmer's ranges.
+template <class VoltRange, class CurrentRange>
+bool voltCurrentInRange(const TData& p, const QString& vKey, const QString& iKey, VoltRange vRange,
+                        CurrentRange iRange) {
+    double vmin = 0, vmax = 0, imin = 0, imax = 0;
+    vRange(vmin, vmax);
+    iRange(imin, imax);
+    return tenthsInRange(p.value(vKey), vmin, vmax) && tenthsInRange(p.value(iKey), imin, imax);
+}
+
+QString voltCurrentView(const TData& p, const QString& vKey, const QString& iKey) {
+    return QStringLiteral("%1 V, %2 mA%3")
+        .arg(volts(p, vKey), QString::number(p.value(iKey).toDouble(), 'f', 3),
+             p.value(kOcp).toBool() ? QStringLiteral(", OCP") : QString());
+}
 } // namespace
 
 TDevProg::TDevProg(const QString& code, const TData& param) : IDevice(code) {
@@ -193,17 +209,13 @@ void TDevProg::cmdSetVICCDefault(TProg* prog, TData& p) {
 }
 
 bool TDevProg::cmdSetVICCCheck(TProg* prog, const TData& p) {
-    double vmin = 0, vmax = 0, imin = 0, imax = 0;
-    if (!prog) return false;
-    prog->getVccRange(vmin, vmax);
-    prog->getIccRange(imin, imax);
-    return tenthsInRange(p.value(kVcc), vmin, vmax) && tenthsInRange(p.value(kIcc), imin, imax);
+    return prog && voltCurrentInRange(
+                       p, kVcc, kIcc, [prog](double& a, double& b) { prog->getVccRange(a, b); },
+                       [prog](double& a, double& b) { prog->getIccRange(a, b); });
 }
 
 QString TDevProg::cmdSetVICCView(const TData& p) {
-    return QStringLiteral("%1 V, %2 mA%3")
-        .arg(volts(p, kVcc), QString::number(p.value(kIcc).toDouble(), 'f', 3),
-             p.value(kOcp).toBool() ? QStringLiteral(", OCP") : QString());
+    return voltCurrentView(p, kVcc, kIcc);
 }
 
 void TDevProg::cmdSetVIPPDefault(TProg* prog, TData& p) {
@@ -213,17 +225,13 @@ void TDevProg::cmdSetVIPPDefault(TProg* prog, TData& p) {
 }
 
 bool TDevProg::cmdSetVIPPCheck(TProg* prog, const TData& p) {
-    double vmin = 0, vmax = 0, imin = 0, imax = 0;
-    if (!prog) return false;
-    prog->getVppRange(vmin, vmax);
-    prog->getIppRange(imin, imax);
-    return tenthsInRange(p.value(kVpp), vmin, vmax) && tenthsInRange(p.value(kIpp), imin, imax);
+    return prog && voltCurrentInRange(
+                       p, kVpp, kIpp, [prog](double& a, double& b) { prog->getVppRange(a, b); },
+                       [prog](double& a, double& b) { prog->getIppRange(a, b); });
 }
 
 QString TDevProg::cmdSetVIPPView(const TData& p) {
-    return QStringLiteral("%1 V, %2 mA%3")
-        .arg(volts(p, kVpp), QString::number(p.value(kIpp).toDouble(), 'f', 3),
-             p.value(kOcp).toBool() ? QStringLiteral(", OCP") : QString());
+    return voltCurrentView(p, kVpp, kIpp);
 }
 
 // ---- reset and generator ----
