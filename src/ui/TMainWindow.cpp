@@ -43,9 +43,15 @@
 
 namespace {
 const int recentMax = 8;
+} // namespace
+
+// The icons live in the static core library, whose resource initialiser the linker would otherwise drop.
+static void initResources() {
+    Q_INIT_RESOURCE(icons);
 }
 
 TMainWindow::TMainWindow(QWidget* parent) : QMainWindow(parent) {
+    initResources();
     setWindowIcon(TIcons::getIcon(AppData.iconsSet, QStringLiteral("app")));
     splitter = new QSplitter(this);
     prjTree = new TWgtPrjList(splitter);
@@ -118,13 +124,13 @@ void TMainWindow::createActions() {
     action("Run", 9, "run", [this] { actRun(); });
     action("RunAll", 10, "run_all", [this] { actRunAll(); });
     action("Stop", 11, "stop", [this] { actStop(); });
-    action("StopAll", 12, nullptr, [this] { stopAll(); });
+    action("StopAll", 12, "stop_all", [this] { stopAll(); });
     action("Continue", 13, "pause", [this] { actContinue(); });
     action("ContinueAll", 14, nullptr, [this] { continueAll(); });
-    action("Settings", 16, nullptr, [this] { actSettings(); });
+    action("Settings", 16, "settings", [this] { actSettings(); });
     action("Language", 17, nullptr, [this] { actLanguage(); });
     action("PrjLists", 18, nullptr, [this] { actPrjLists(); });
-    action("HexView", 19, nullptr, [this] { actHexView(); });
+    action("HexView", 19, "hex", [this] { actHexView(); });
     action("About", 21, nullptr, [this] { actAbout(); });
     THotKeys::apply(THotKeys::load(), actions);
 }

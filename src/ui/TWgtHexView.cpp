@@ -2,15 +2,14 @@
 
 #include "app/TAppData.h"
 
-#include <QFontDatabase>
 #include <QPainter>
 #include <QScrollBar>
 
 TWgtHexView::TWgtHexView(QWidget* parent) : QAbstractScrollArea(parent) {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    if (!AppData.fontMonoName.isEmpty()) font.setFamily(AppData.fontMonoName);
+    QFont font(AppData.fontMonoName.isEmpty() ? QStringLiteral("Monospace") : AppData.fontMonoName);
+    font.setFixedPitch(true);
+    font.setStyleHint(QFont::TypeWriter);
     if (AppData.fontMonoSize > 0) font.setPointSize(AppData.fontMonoSize);
-    font.setStyleHint(QFont::Monospace);
     setFont(font);
     viewport()->setAutoFillBackground(true);
     viewport()->setBackgroundRole(QPalette::Base);
@@ -42,7 +41,8 @@ QString TWgtHexView::rowText(int row) const {
         }
         if (i == 7) hex += QLatin1Char(' ');
     }
-    return QStringLiteral("%1  %2 |%3|").arg(start, 8, 16, QLatin1Char('0')).arg(hex, text).toUpper();
+    const QString address = QStringLiteral("%1").arg(start, 8, 16, QLatin1Char('0')).toUpper();
+    return QStringLiteral("%1  %2 |%3|").arg(address, hex, text);
 }
 
 int TWgtHexView::visibleRows() const {

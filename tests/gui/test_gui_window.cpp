@@ -74,6 +74,8 @@ class TestGuiWindow : public QObject {
 
 private slots:
     void initTestCase() {
+        qRegisterMetaType<TCodeView>("TCodeView");
+        qRegisterMetaType<TData>("TData");
         ini = dir.filePath("t.ini");
         TSettings::setFileNameIniOverride(ini);
         AppData.loadData();

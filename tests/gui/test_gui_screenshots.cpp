@@ -1,0 +1,119 @@
+#include "app/TAppData.h"
+#include "app/TLang.h"
+#include "app/TSettings.h"
+#include "project/TDataPrj.h"
+#include "project/TPrjList.h"
+#include "ui/TDialogHexView.h"
+#include "ui/TDialogSettings.h"
+#include "ui/TMainWindow.h"
+#include "ui/TWgtCfg.h"
+#include "ui/TWgtHexView.h"
+
+#include <QScrollBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+
+// Pictures of the window for the README, at 1280x800 with the large icon set. They go to the folder
+// named by TARVELIX_SCREENSHOTS_DIR (docs/screenshots when refreshing them), else to a temporary one.
+class TestGuiScreenshots : public QObject {
+    Q_OBJECT
+    QTemporaryDir dir;
+    QString out;
+
+    void save(QWidget& w, const QString& name, const QSize& size) {
+        const QImage image = w.grab().toImage();
+        QCOMPARE(image.size(), size);
+        QVERIFY(image.save(QDir(out).filePath(name + ".png")));
+    }
+
+private slots:
+    void initTestCase() {
+        qRegisterMetaType<TCodeView>("TCodeView");
+        qRegisterMetaType<TData>("TData");
+        TSettings::setFileNameIniOverride(dir.filePath("t.ini"));
+        AppData.loadData();
+        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
+        AppData.pathProgs = QStringLiteral(TARVELIX_DATA_DIR "/progs");
+        AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
+        AppData.iconsSet = 1;
+        AppData.confirmQuit = false;
+        AppData.confirmSavePrj = false; // the counter changes the project
+        AppData.openLastPrj = false;
+        AppData.logShowTime = true;
+        AppData.logShowMSec = true;
+        AppData.selectPrjListFile = dir.filePath("sp.lpl");
+        out = qEnvironmentVariable("TARVELIX_SCREENSHOTS_DIR", dir.path());
+        TSelectPrjList::save(AppData.selectPrjListFile, {{"Production line", "line.lst"}});
+        TPrjList::save(dir.filePath("line.lst"),
+                       {{"Line A", "", true,
+                         {{"Demo board", "demo.prj", false, {}}, {"Boot loader", "boot.prj", false, {}}}},
+                        {"Lab", "", true, {{"Timing checks", "timing.prj", false, {}}}},
+                        {"Archive", "", false, {{"Old board", "old.prj", false, {}}}}});
+        QFile::copy(QStringLiteral(TARVELIX_DATA_DIR "/projects/demo.hex"), dir.filePath("demo.hex"));
+        QFile demo(QStringLiteral(TARVELIX_DATA_DIR "/projects/demo.prj"));
+        demo.open(QIODevice::ReadOnly);
+        QByteArray json = demo.readAll();
+        // A second configuration of tools commands that runs without a programmer.
+        const QByteArray tools =
+            R"(,
+        {
+            "name": "Timing",
+            "description": "Delays and a stop",
+            "commands":
+            [
+                {"status": "1", "cmd": "delay", "value": "20"},
+                {"status": "1", "cmd": "counter", "value": "0", "limit": "100", "delta": "1"},
+                {"status": "0", "cmd": "delay", "value": "1000"},
+                {"status": "1", "cmd": "stop"}
+            ]
+        }
+    ]
+})";
+        json = json.left(json.lastIndexOf(']')).trimmed() + tools;
+        QFile prj(dir.filePath("demo.prj"));
+        prj.open(QIODevice::WriteOnly);
+        prj.write(json);
+    }
+
+    void mainWindow() {
+        TMainWindow w;
+        w.resize(1280, 800);
+        w.show();
+        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        const int timing = ProjectData.getIdCfgFromNameCfg("Timing");
+        QVERIFY(timing >= 0);
+        QVERIFY(w.runThread(timing));
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
+        w.cfgTabWidget()->setCurrentWidget(w.cfgView(timing));
+        save(w, "main_window_log", QSize(1280, 800));
+        w.cfgView(timing)->setCurrentIndex(0);
+        w.cfgTabWidget()->setCurrentIndex(0);
+        save(w, "main_window", QSize(1280, 800));
+        w.closeProject();
+    }
+
+    void settingsPages() {
+        TDialogSettings dlg;
+        dlg.resize(640, 560);
+        dlg.show();
+        const QStringList names = {"settings_interface", "settings_confirmations", "settings_programmers",
+                                   "settings_hotkeys"};
+        for (int i = 0; i < names.size(); ++i) {
+            dlg.pages->setCurrentIndex(i);
+            save(dlg, names.at(i), QSize(640, 560));
+        }
+    }
+
+    void hexViewer() {
+        TDialogHexView dlg;
+        QVERIFY(dlg.loadFile(dir.filePath("demo.hex")));
+        dlg.resize(760, 560);
+        dlg.show();
+        QVERIFY(dlg.view()->rowCount() > 0);
+        save(dlg, "hex_viewer", QSize(760, 560));
+    }
+};
+
+QTEST_MAIN(TestGuiScreenshots)
+#include "test_gui_screenshots.moc"
