@@ -158,6 +158,130 @@ private slots:
         QCOMPARE(kept.image.left(4), QByteArray(4, char(0xFF)));
         QCOMPARE(uchar(kept.image.back()), uchar(0xFF));
     }
+
+    // Gaps in a HEX file and odd ends: the padding bytes are FF, so flash already written next to them
+    // keeps its value (flash cells only go from 1 to 0).
+    void flashHexWithGapsWriteVerifyRead() {
+        QTemporaryDir dir;
+        const QString hex = dir.filePath("in.hex");
+        writeFile(hex, hexRecord(0x0000, QByteArray::fromHex("0C9434")) +
+                           hexRecord(0x0105, QByteArray::fromHex("A1B2C3D4")) + ":00000001FF\n");
+        const Run r =
+            run({data("flash_data_write", 0x104, "12"), file("flash_file_write", hex, "hex", 0, 0x200),
+                 file("flash_file_verify", hex, "hex", 0, 0x200),
+                 file("flash_file_read", dir.filePath("out.bin"), "bin", 0, 0x200)});
+        QVERIFY2(r.status == 0, qPrintable(r.output));
+        QCOMPARE(r.packets.filter("04:"),
+                 QStringList({"04:040112FF", "04:00000C9434FF", "04:0401FFA1B2C3D4FF"}));
+        QVERIFY(r.packets.contains("03:00000300") && r.packets.contains("03:05010400"));
+        QVERIFY(r.packets.contains("03:00000002"));
+        QByteArray flash(0x200, char(0xFF));
+        flash.replace(0, 3, QByteArray::fromHex("0C9434"));
+        flash.replace(0x104, 5, QByteArray::fromHex("12A1B2C3D4"));
+        QCOMPARE(r.image.left(0x200), flash);
+        QCOMPARE(readFile(dir.filePath("out.bin")), flash);
+    }
+
+    void eepromHexWriteVerifyReadAndMismatch() {
+        QTemporaryDir dir;
+        const QString hex = dir.filePath("e.hex");
+        writeFile(hex, hexRecord(0x0003, QByteArray::fromHex("1122")) + hexRecord(0x0010, "\x33") +
+                           ":00000001FF\n");
+        const Run r = run({file("eeprom_file_write", hex, "hex", 0, 1024),
+                           file("eeprom_file_verify", hex, "hex", 0, 1024),
+                           file("eeprom_file_read", dir.filePath("e.bin"), "bin", 0, 32)});
+        QVERIFY2(r.status == 0, qPrintable(r.output));
+        // No word padding and no wait byte: the programmer times EEPROM writes.
+        QCOMPARE(r.packets.filter("06:"), QStringList({"06:03001122", "06:100033"}));
+        QVERIFY(r.packets.contains("05:03000200") && r.packets.contains("05:00002000"));
+        QByteArray eeprom(32, char(0xFF));
+        eeprom.replace(3, 2, QByteArray::fromHex("1122")).replace(0x10, 1, "\x33");
+        QCOMPARE(r.image.mid(32768, 32), eeprom);
+        QCOMPARE(readFile(dir.filePath("e.bin")), eeprom);
+        const Run bad = run({data("eeprom_data_verify", 2, "FF1123")}, withImage(r.image));
+        QCOMPARE(bad.status, 1);
+        QVERIFY2(bad.output.contains(TMiscDev::getMsgVerifyError(4, 0x23, 0x22)), qPrintable(bad.output));
+    }
+
+    // Beyond 64 KiB: the extended address goes out before the first access and whenever bits 23-16
+    // change; reads from address 0 send it again.
+    void largePartExtendedAddress() {
+        const QString cross = "A1A2A3A4";
+        const Run r = run({data("flash_data_write", 0x1FFFE, cross),
+                           data("flash_data_verify", 0x1FFFE, cross), data("flash_data_read", 0, "FFFF")},
+                          withImage(QByteArray(), "ATmega2560"));
+        QVERIFY2(r.status == 0, qPrintable(r.output));
+        QCOMPARE(r.packets.mid(r.packets.indexOf("07:004D000100")),
+                 QStringList({"07:004D000100", "04:FEFFA1A2", "07:FF4CFFFF00", "07:004D000200", "04:0000A3A4",
+                              "07:FF4C000000", "07:004D000100", "03:FEFF0200", "07:004D000200", "03:00000200",
+                              "07:004D000000", "03:00000200"}));
+        QCOMPARE(r.image.mid(0x1FFFE, 4), QByteArray::fromHex("A1A2A3A4"));
+        QCOMPARE(r.image.mid(0x1FF00, 0xFE), QByteArray(0xFE, char(0xFF)));
+    }
+
+    // Fuse writes wait the catalogue's 4 ms (no polling); a lock mode without further programming makes
+    // a later flash write do nothing, which the verify catches, until a chip erase.
+    void fusesAndLockBits() {
+        const Run r =
+            run({bytes("fuse_write", "E2D7FD"), bytes("fuse_verify", "E2D7FD"), bytes("fuse_read", "62D9F7"),
+                 bytes("lock_write", "FE"), bytes("lock_verify", "FE"), bytes("lock_read", "FF"),
+                 data("flash_data_write", 0x40, "1234"), data("flash_data_verify", 0x40, "1234")});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.packets.filter(QRegularExpression("^07:04AC")),
+                 QStringList({"07:04ACA000E2", "07:04ACA800D7", "07:04ACA400FD", "07:04ACE000FE"}));
+        QVERIFY(r.packets.contains("07:0050000000") && r.packets.contains("07:0058080000") &&
+                r.packets.contains("07:0050080000") && r.packets.contains("07:0058000000"));
+        QVERIFY2(r.output.contains("\nE2D7FD\n") && r.output.contains("\nFE\n"), qPrintable(r.output));
+        QVERIFY2(r.output.contains(TMiscDev::getMsgVerifyError(0x40, 0x12, 0xFF)), qPrintable(r.output));
+        QCOMPARE(r.image.mid(32768 + 1024), QByteArray::fromHex("E2D7FDFE"));
+
+        const Run wrong =
+            run({bytes("fuse_verify", "62D9F7"), bytes("lock_verify", "FC")}, withImage(r.image));
+        QCOMPARE(wrong.status, 1);
+        QVERIFY2(wrong.output.contains(Lang.get(480).arg("62D9F7", "E2D7FD")), qPrintable(wrong.output));
+        const Run lock = run({bytes("lock_verify", "FC")}, withImage(r.image));
+        QVERIFY2(lock.output.contains(Lang.get(481).arg("FC", "FE")), qPrintable(lock.output));
+
+        const Run erased = run({cmd("erase"), data("flash_data_write", 0x40, "1234"),
+                                data("flash_data_verify", 0x40, "1234"), bytes("lock_verify", "FF")},
+                               withImage(r.image));
+        QVERIFY2(erased.status == 0, qPrintable(erased.output));
+    }
+
+    void calibrationBytes() {
+        const Run r = run({cmd("osccal_read")});
+        QVERIFY2(r.status == 0, qPrintable(r.output));
+        QCOMPARE(r.packets.filter("07:"), QStringList({"07:0038000000"}));
+        QVERIFY2(r.output.contains("\nA0\n"), qPrintable(r.output));
+    }
+
+    // Parts without polling get their delay as the wait byte; reads always wait 00.
+    void delayWithoutPolling() {
+        const Run r = run({cmd("erase"), data("flash_data_write", 1, "55"), cmd("ident")},
+                          withImage(QByteArray(), "AT90S1200"));
+        QVERIFY2(r.status == 0, qPrintable(r.output));
+        QVERIFY(r.packets.contains("07:09AC800000"));
+        QVERIFY(r.packets.contains("04:0000FF55"));
+        QCOMPARE(r.image.left(2), QByteArray::fromHex("FF55"));
+    }
+
+    void autoDetectRoutesThePart() {
+        WorkerFixture w;
+        SimFixture sim;
+        QVERIFY(sim.start({"--chip", "ATmega2560", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
+                           "--trace", sim.path("trace.txt")}));
+        w.addProgrammer("Sim", sim);
+        const QString prog = R"({"status": "1", "cmd": "set_prog", "prog": "Sim", "alt_enabled": "false", )"
+                             R"("alt_port": ""})";
+        const QString detect = cmd("auto_detect", R"("name": "DevAVR8_SPI", "route": "ATmega2560=1", )"
+                                                  R"("stop": "true", "execute": "true")");
+        TRunner::Options o;
+        o.project = w.writeProject(
+            project({{"Main", {prog, detect}}, {"Mega", {prog, setDevice("ATmega2560"), cmd("ident")}}}));
+        QCOMPARE(w.run(o), 0);
+        QVERIFY2(w.output.contains(Lang.get(401).arg("ATmega2560 (1E9801)")), qPrintable(w.output));
+        QVERIFY2(w.output.contains(Lang.get(403).arg("Mega")), qPrintable(w.output));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestAvrRun)
