@@ -11,6 +11,9 @@ TWgtHexView::TWgtHexView(QWidget* parent) : QAbstractScrollArea(parent) {
     font.setStyleHint(QFont::TypeWriter);
     if (AppData.fontMonoSize > 0) font.setPointSize(AppData.fontMonoSize);
     setFont(font);
+    // A whole row always fits: the address, the bytes and their text side by side.
+    setMinimumWidth(fontMetrics().horizontalAdvance(rowText(0) + QString(bytesPerRow, QLatin1Char('.'))) +
+                    verticalScrollBar()->sizeHint().width() + 2 * frameWidth() + 16);
     viewport()->setAutoFillBackground(true);
     viewport()->setBackgroundRole(QPalette::Base);
     verticalScrollBar()->setSingleStep(1);
