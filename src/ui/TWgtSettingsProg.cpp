@@ -2,10 +2,12 @@
 
 #include "app/TAppData.h"
 #include "app/TLang.h"
+#include "ui/TProgCheck.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QLabel>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -42,9 +44,50 @@ TWgtSettingsProg::TWgtSettingsProg(QWidget* parent) : QWidget(parent) {
         const TProgInfo info = AppData.progName.getDataFromIndex(i);
         addRow(names, {AppData.progName.getNameFromIndex(i), info.port, info.type});
     }
+    names->horizontalHeader()->resizeSection(0, 150);
+    names->horizontalHeader()->resizeSection(1, 240);
+    QWidget* namesGroup = makeGroup(80, names);
+    auto* identifyButton = new QPushButton(Lang.get(84), namesGroup);
+    auto* resetButton = new QPushButton(Lang.get(85), namesGroup);
+    connect(identifyButton, &QPushButton::clicked, this, &TWgtSettingsProg::identify);
+    connect(resetButton, &QPushButton::clicked, this, &TWgtSettingsProg::reset);
+    auto* row = namesGroup->findChild<QHBoxLayout*>();
+    row->insertWidget(0, resetButton);
+    row->insertWidget(0, identifyButton);
+    result = new QLabel(this);
+    result->setWordWrap(true);
+    result->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(makeGroup(79, types));
-    layout->addWidget(makeGroup(80, names));
+    layout->addWidget(namesGroup);
+    layout->addWidget(result);
+}
+
+void TWgtSettingsProg::identify() {
+    check(true);
+}
+
+void TWgtSettingsProg::reset() {
+    check(false);
+}
+
+QString TWgtSettingsProg::resultText() const {
+    return result->text();
+}
+
+// The registries take the page's rows for the check and get their saved state back afterwards, so that
+// Cancel still drops every edit.
+void TWgtSettingsProg::check(bool ident) {
+    const QString name = cell(names, names->currentRow(), 0);
+    if (name.isEmpty()) return;
+    const TProgType oldTypes = AppData.progType;
+    const TProgName oldNames = AppData.progName;
+    save();
+    QString text;
+    const bool ok = ident ? TProgCheck::identify(name, text) : TProgCheck::reset(name, text);
+    AppData.progType = oldTypes;
+    AppData.progName = oldNames;
+    result->setText(!ok ? Lang.get(134).arg(name, text) : ident ? Lang.get(132).arg(name, text) : Lang.get(133).arg(name));
 }
 
 QWidget* TWgtSettingsProg::makeGroup(int titleId, QTableWidget* table) {

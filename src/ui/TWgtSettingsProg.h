@@ -11,9 +11,17 @@ class TWgtSettingsProg : public QWidget {
 public:
     explicit TWgtSettingsProg(QWidget* parent = nullptr);
     void save();
+    // Identify or reset the programmer of the current row, as the page shows it now; the outcome goes
+    // to the page's result line.
+    void identify();
+    void reset();
+    QString resultText() const;
     QTableWidget* types;
     QTableWidget* names;
 
 private:
     QWidget* makeGroup(int titleId, QTableWidget* table);
+    void check(bool identify);
+
+    class QLabel* result;
 };

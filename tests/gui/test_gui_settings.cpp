@@ -1,6 +1,7 @@
 #include "app/TAppData.h"
 #include "app/TLang.h"
 #include "app/TSettings.h"
+#include "support/SimFixture.h"
 #include "ui/TDialogSettings.h"
 #include "ui/TWgtSettingsConfirm.h"
 #include "ui/TWgtSettingsHotKeys.h"
@@ -97,6 +98,30 @@ private slots:
         QCOMPARE(s.value(QString("/ProgNameList/Name%1").arg(r)).toStringList(),
                  QStringList({"0", "Bench", "/dev/ttyUSB3", "Simulator"}));
         QVERIFY(!s.contains(QString("/ProgNameList/Name%1").arg(r + 1)));
+    }
+
+    void identifyAndResetTalkToTheProgrammer() {
+        SimFixture sim;
+        QVERIFY(sim.start());
+        AppData.progType.clear();
+        AppData.progName.clear();
+        AppData.progType.append("Simulator", QStringLiteral(TARVELIX_DATA_DIR "/progs/sim.cfg"));
+        AppData.progName.append(false, "Bench", sim.link(), "Simulator");
+        AppData.progName.append(false, "Gone", sim.path("nothing"), "Simulator");
+        TWgtSettingsProg page;
+        page.names->setCurrentCell(0, 0);
+        page.identify();
+        QCOMPARE(page.resultText(), Lang.get(132).arg("Bench", "Tarvelix programmer simulator 1.0"));
+        page.reset();
+        QCOMPARE(page.resultText(), Lang.get(133).arg("Bench"));
+        page.names->setCurrentCell(1, 0);
+        page.identify();
+        QVERIFY(page.resultText().startsWith(Lang.get(134).arg("Gone", QString())));
+        // An edited row is checked as shown, and the registries keep their saved state.
+        page.names->item(1, 1)->setText(sim.link());
+        page.identify();
+        QCOMPARE(page.resultText(), Lang.get(132).arg("Gone", "Tarvelix programmer simulator 1.0"));
+        QCOMPARE(AppData.progName.getData("Gone").port, sim.path("nothing"));
     }
 };
 

@@ -1,0 +1,65 @@
+#include "ui/TProgCheck.h"
+
+#include "app/TApp.h"
+#include "app/TAppData.h"
+#include "app/TLang.h"
+#include "devices/TDevProgExec.h"
+#include "link/TProg.h"
+#include "link/TSerialPort.h"
+
+#include <QFileInfo>
+
+bool TProgCheck::open(TSerialPort& port, const QString& name, int* resetDefault, QString& error) {
+    if (!AppData.progName.contains(name)) {
+        error = Lang.get(398);
+        return false;
+    }
+    const TProgInfo info = AppData.progName.getData(name);
+    const QString file = TApp::getAbsoluteFile(AppData.getPathProgsAbs(), AppData.progType.getFile(info.type));
+    if (!AppData.progType.contains(info.type) || !QFileInfo(file).isFile()) {
+        error = Lang.get(398);
+        return false;
+    }
+    const TProg prog(file);
+    unsigned int baud = 0;
+    int dataBits = 0, stopBits = 0, timeOut = 0;
+    QString parity, flow;
+    unsigned short maxData = 0;
+    prog.getPortSettings(baud, dataBits, parity, stopBits, flow, timeOut);
+    prog.getProtocolSettings(maxData);
+    if (resetDefault) *resetDefault = prog.getResetDef();
+    if (!port.open(info.port, TSerialPort::OpenMode(QIODevice::ReadWrite))) {
+        error = port.getErrorText();
+        return false;
+    }
+    port.setBaudRate(baud);
+    port.setDataBits((unsigned char)dataBits);
+    port.setParity(parity);
+    port.setStopBits((unsigned char)stopBits);
+    port.setFlowControl(flow);
+    port.setTimeOut(timeOut);
+    port.setProtocolParam(maxData);
+    return true;
+}
+
+bool TProgCheck::identify(const QString& name, QString& text) {
+    TSerialPort port;
+    if (!open(port, name, nullptr, text)) return false;
+    QByteArray data;
+    const bool ok = port.sendPackage(0x81, data);
+    text = ok ? QString::fromLatin1(data.left(data.indexOf('\0') < 0 ? data.size() : data.indexOf('\0')))
+              : port.getErrorText();
+    port.close();
+    return ok;
+}
+
+bool TProgCheck::reset(const QString& name, QString& text) {
+    TSerialPort port;
+    int duration = 0;
+    if (!open(port, name, &duration, text)) return false;
+    QByteArray data = TDevProgExec::payloadReset(duration);
+    const bool ok = port.sendPackage(TDevProgExec::CmdReset, data);
+    text = ok ? QString() : port.getErrorText();
+    port.close();
+    return ok;
+}
