@@ -33,14 +33,6 @@ int main(int argc, char* argv[]) {
         return 1;
     }
     printTable(out, phases, res);
-    const double app2 = res.at(1).app + res.at(2).app, raw2 = res.at(1).raw + res.at(2).raw;
-    out << QString("\nwrite + verify: %1 s, %2 MB/s; raw %3 s; family / raw %4\n")
-               .arg(app2, 0, 'f', 4)
-               .arg(2 * size / 1048576.0 / app2, 0, 'f', 1)
-               .arg(raw2, 0, 'f', 4)
-               .arg(app2 / raw2, 0, 'f', 2);
-    // Each phase is a run of its own and pays the set-up once; a project doing both pays it once.
-    out << QString("the same without one set-up run: family / raw %1\n")
-               .arg((app2 - res.at(0).app) / (raw2 - res.at(0).raw), 0, 'f', 2);
+    printPair(out, "write + verify", res, 1, 2, 2 * qint64(size));
     return 0;
 }

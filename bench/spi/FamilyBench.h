@@ -16,6 +16,8 @@
 #include <QTextStream>
 #include <QVector>
 
+#include <algorithm>
+
 namespace FamilyBench {
 
 struct Exchange {
@@ -166,7 +168,8 @@ struct Phase {
 };
 
 struct Result {
-    double app = -1, link = -1, raw = -1;
+    double app = -1, link = -1, raw = -1; // the best of the rounds
+    QVector<double> appRounds, rawRounds;
     long exchanges = 0;
 };
 
@@ -200,6 +203,8 @@ inline QVector<Result> measure(const QString& chip, const QString& deviceFile, c
             best(res[i].app, a);
             best(res[i].link, l);
             best(res[i].raw, w);
+            res[i].appRounds << a;
+            res[i].rawRounds << w;
             res[i].exchanges = profiles.at(i).size();
         }
     }
@@ -231,6 +236,28 @@ inline void printTable(QTextStream& out, const QVector<Phase>& phases, const QVe
                    .arg(r.link * us, 0, 'f', 1)
                    .arg(r.raw * us, 0, 'f', 1);
     }
+    out.flush();
+}
+
+// Two phases together (the target concerns e.g. program and verify): the best-of figures, and as the
+// figure less exposed to other load on the machine, each round's family time over the raw time of the
+// same round (median of the rounds). The set-up is paid once per run, so once per phase here.
+inline void printPair(QTextStream& out, const QString& label, const QVector<Result>& res, int a, int b,
+                      qint64 bytes) {
+    const double app = res.at(a).app + res.at(b).app, raw = res.at(a).raw + res.at(b).raw;
+    QVector<double> ratios;
+    for (int r = 0; r < res.at(a).appRounds.size(); ++r)
+        ratios << (res.at(a).appRounds.at(r) + res.at(b).appRounds.at(r)) /
+                      (res.at(a).rawRounds.at(r) + res.at(b).rawRounds.at(r));
+    std::sort(ratios.begin(), ratios.end());
+    out << QString("\n%1: %2 s, %3 MB/s; raw %4 s; family / raw %5 (best of each), %6 "
+                   "(median of the rounds)\n")
+               .arg(label)
+               .arg(app, 0, 'f', 4)
+               .arg(mbPerSecond(bytes, app))
+               .arg(raw, 0, 'f', 4)
+               .arg(app / raw, 0, 'f', 2)
+               .arg(ratios.at(ratios.size() / 2), 0, 'f', 2);
     out.flush();
 }
 

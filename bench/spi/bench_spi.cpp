@@ -23,7 +23,7 @@ int main(int argc, char* argv[]) {
                                 {"program", {fileCmd("file_write", in, size)}, size},
                                 {"verify", {fileCmd("file_verify", in, size)}, size},
                                 {"read", {fileCmd("file_read", back, size)}, size}};
-    const QVector<Result> res = measure("W25Q128xV", "spi/W25Q128xV.dev", phases, 3);
+    const QVector<Result> res = measure("W25Q128xV", "spi/W25Q128xV.dev", phases, 5);
     if (res.isEmpty()) {
         out << "the run against the simulator failed\n";
         return 1;
@@ -34,15 +34,6 @@ int main(int argc, char* argv[]) {
         return 1;
     }
     printTable(out, phases, res);
-    // The target concerns program and verify together.
-    const double app2 = res.at(2).app + res.at(3).app, raw2 = res.at(2).raw + res.at(3).raw;
-    out << QString("\nprogram + verify: %1 s, %2 MB/s; raw %3 s; family / raw %4\n")
-               .arg(app2, 0, 'f', 3)
-               .arg(2 * size / 1048576.0 / app2, 0, 'f', 1)
-               .arg(raw2, 0, 'f', 3)
-               .arg(app2 / raw2, 0, 'f', 2);
-    // Each phase is a run of its own and pays the set-up once; a project doing both pays it once.
-    out << QString("the same without one set-up run: family / raw %1\n")
-               .arg((app2 - res.at(0).app) / (raw2 - res.at(0).raw), 0, 'f', 2);
+    printPair(out, "program + verify", res, 2, 3, 2 * qint64(size));
     return 0;
 }
