@@ -15,11 +15,12 @@ TDialogAbout::TDialogAbout(QWidget* parent) : QDialog(parent) {
     setWindowTitle(Lang.get(100));
     auto* icon = new QLabel(this);
     icon->setPixmap(TIcons::getIcon(1, QStringLiteral("app")).pixmap(64, 64));
-    label = new QLabel(QStringLiteral("<h2>%1</h2><p>%2</p><p>%3</p>")
-                           .arg(QString::fromLatin1(CApp::full_name),
-                                Lang.get(101).arg(QString::fromLatin1(CApp::version), QString::fromLatin1(CApp::date)),
-                                Lang.get(102).toHtmlEscaped()),
-                       this);
+    label = new QLabel(
+        QStringLiteral("<h2>%1</h2><p>%2</p><p>%3</p>")
+            .arg(QString::fromLatin1(CApp::full_name),
+                 Lang.get(101).arg(QString::fromLatin1(CApp::version), QString::fromLatin1(CApp::date)),
+                 Lang.get(102).toHtmlEscaped()),
+        this);
     label->setWordWrap(true);
     auto* top = new QHBoxLayout;
     top->addWidget(icon, 0, Qt::AlignTop);

@@ -35,7 +35,8 @@ bool TDialogHexView::loadFile(const QString& file) {
         QByteArray piece;
         ok = format.read(addr, piece);
         if (!ok || piece.isEmpty()) break;
-        if (addr + piece.size() > image.size()) image.append(int(addr + piece.size() - image.size()), char(0xFF));
+        if (addr + piece.size() > image.size())
+            image.append(int(addr + piece.size() - image.size()), char(0xFF));
         image.replace(int(addr), piece.size(), piece);
         addr += piece.size();
     }
@@ -45,7 +46,8 @@ bool TDialogHexView::loadFile(const QString& file) {
     }
     format.close();
     hex->setData(image);
-    info->setText(QStringLiteral("%1  —  %2").arg(QFileInfo(file).fileName(), Lang.get(107).arg(image.size())));
+    info->setText(
+        QStringLiteral("%1  —  %2").arg(QFileInfo(file).fileName(), Lang.get(107).arg(image.size())));
     setWindowTitle(QStringLiteral("%1 - %2").arg(QFileInfo(file).fileName(), Lang.get(103)));
     return true;
 }

@@ -13,8 +13,9 @@
 TDialogLanguage::TDialogLanguage(QWidget* parent) : QDialog(parent) {
     setWindowTitle(Lang.get(99));
     files = new QListWidget(this);
-    const QStringList names = QDir(AppData.getPathLanguageAbs())
-                                  .entryList({QString::fromLatin1(CApp::mask_ext_lng)}, QDir::Files, QDir::Name);
+    const QStringList names =
+        QDir(AppData.getPathLanguageAbs())
+            .entryList({QString::fromLatin1(CApp::mask_ext_lng)}, QDir::Files, QDir::Name);
     files->addItems(names);
     const QList<QListWidgetItem*> current = files->findItems(AppData.language, Qt::MatchExactly);
     if (!current.isEmpty()) files->setCurrentItem(current.first());

@@ -10,16 +10,16 @@
 #include "exec/TExec.h"
 #include "exec/TThreadSync.h"
 #include "project/CTagCmdCode.h"
-#include "project/TDataCmd.h"
 #include "project/TCtrlProject.h"
 #include "project/TDataCfg.h"
+#include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
-#include "ui/THotKeys.h"
 #include "ui/TDialogAbout.h"
 #include "ui/TDialogHexView.h"
 #include "ui/TDialogLanguage.h"
 #include "ui/TDialogSelectPrjList.h"
 #include "ui/TDialogSettings.h"
+#include "ui/THotKeys.h"
 #include "ui/TWgtCfg.h"
 #include "ui/TWgtCmdList.h"
 #include "ui/TWgtLogExec.h"
@@ -90,9 +90,11 @@ TMainWindow::~TMainWindow() {
 
 QMessageBox::StandardButton TMainWindow::ask(const QString& text, QMessageBox::StandardButtons buttons) {
     QMessageBox box(QMessageBox::Question, QString::fromLatin1(CApp::full_name), text, buttons, this);
-    const QList<QPair<QMessageBox::StandardButton, int>> names = {
-        {QMessageBox::Yes, 92}, {QMessageBox::No, 93}, {QMessageBox::Cancel, 91}, {QMessageBox::Save, 116},
-        {QMessageBox::Discard, 117}};
+    const QList<QPair<QMessageBox::StandardButton, int>> names = {{QMessageBox::Yes, 92},
+                                                                  {QMessageBox::No, 93},
+                                                                  {QMessageBox::Cancel, 91},
+                                                                  {QMessageBox::Save, 116},
+                                                                  {QMessageBox::Discard, 117}};
     for (const auto& n : names)
         if (box.button(n.first)) box.button(n.first)->setText(Lang.get(n.second));
     return QMessageBox::StandardButton(box.exec());
@@ -147,7 +149,8 @@ void TMainWindow::createMenus() {
     add(prj, {"NewPrj", "OpenPrj"});
     recentMenu = prj->addMenu(Lang.get(6));
     add(prj, {"SavePrj", "SavePrjAs", "ClosePrj", "", "Quit"});
-    add(menuBar()->addMenu(Lang.get(8)), {"Run", "RunAll", "", "Stop", "StopAll", "", "Continue", "ContinueAll"});
+    add(menuBar()->addMenu(Lang.get(8)),
+        {"Run", "RunAll", "", "Stop", "StopAll", "", "Continue", "ContinueAll"});
     add(menuBar()->addMenu(Lang.get(15)), {"Settings", "Language", "PrjLists", "", "HexView"});
     add(menuBar()->addMenu(Lang.get(20)), {"About"});
     fillRecentMenu();
@@ -157,8 +160,8 @@ void TMainWindow::createToolBar() {
     QToolBar* bar = addToolBar(Lang.get(8));
     bar->setObjectName(QStringLiteral("MainToolBar"));
     bar->setMovable(false);
-    for (const char* k : {"NewPrj", "OpenPrj", "SavePrj", "", "Run", "RunAll", "Stop", "StopAll", "Continue", "",
-                          "Settings", "HexView"})
+    for (const char* k : {"NewPrj", "OpenPrj", "SavePrj", "", "Run", "RunAll", "Stop", "StopAll", "Continue",
+                          "", "Settings", "HexView"})
         if (*k)
             bar->addAction(actionByKey.value(k));
         else
@@ -211,9 +214,9 @@ void TMainWindow::updateTab(int idCfg) {
     if (!view) return;
     const int index = cfgTabs->indexOf(view);
     const TCodeCfgStatus state = ProjectData.getCfgStatus(idCfg);
-    const char* icon = paused.contains(idCfg) ? "pause"
-                       : state == CfgStatusRun ? "run"
-                       : state == CfgStatusOk ? "ok"
+    const char* icon = paused.contains(idCfg)    ? "pause"
+                       : state == CfgStatusRun   ? "run"
+                       : state == CfgStatusOk    ? "ok"
                        : state == CfgStatusError ? "error"
                                                  : nullptr;
     cfgTabs->setTabText(index, ProjectData.getNameCfgFromIdCfg(idCfg));
@@ -263,7 +266,9 @@ void TMainWindow::slotChangePrj(bool) {
 void TMainWindow::updateTitle() {
     const QString file = ProjectData.getPrjFileName();
     QString title = QString::fromLatin1(CApp::full_name);
-    if (!file.isEmpty()) title = QStringLiteral("%1%2 - %3").arg(QFileInfo(file).fileName(), ProjectData.isChange() ? "*" : "", title);
+    if (!file.isEmpty())
+        title = QStringLiteral("%1%2 - %3")
+                    .arg(QFileInfo(file).fileName(), ProjectData.isChange() ? "*" : "", title);
     setWindowTitle(title);
     statusPrj->setText(file.isEmpty() ? Lang.get(25) : Lang.get(26).arg(QDir::toNativeSeparators(file)));
 }
@@ -351,8 +356,7 @@ bool TMainWindow::saveProjectAs(const QString& file) {
 
 bool TMainWindow::closeProject() {
     if (!ProjectData.getPrjFileName().isEmpty() && ProjectData.isChange() && AppData.confirmSavePrj) {
-        const auto answer =
-            ask(Lang.get(41), QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+        const auto answer = ask(Lang.get(41), QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
         if (answer == QMessageBox::Cancel) return false;
         if (answer == QMessageBox::Save && !saveProject()) return false;
     }
@@ -366,8 +370,8 @@ bool TMainWindow::closeProject() {
 }
 
 QString TMainWindow::askFileName(bool save) {
-    const QString dir = ProjectData.getPrjFileName().isEmpty() ? AppData.getPathProjectsAbs()
-                                                               : ProjectData.getPrjWorkPath();
+    const QString dir =
+        ProjectData.getPrjFileName().isEmpty() ? AppData.getPathProjectsAbs() : ProjectData.getPrjWorkPath();
     QString file = save ? QFileDialog::getSaveFileName(this, Lang.get(38), dir, Lang.get(36))
                         : QFileDialog::getOpenFileName(this, Lang.get(37), dir, Lang.get(36));
     if (save && !file.isEmpty() && QFileInfo(file).suffix().isEmpty())
@@ -572,8 +576,9 @@ void TMainWindow::closeEvent(QCloseEvent* event) {
 
 void TMainWindow::loadWindowSettings() {
     TSettings s;
-    TApp::setWindowGeometryMain(this, s.value("/WindowMain/Left", 0).toInt(), s.value("/WindowMain/Top", 0).toInt(),
-                                s.value("/WindowMain/Width", 0).toInt(), s.value("/WindowMain/Height", 0).toInt());
+    TApp::setWindowGeometryMain(
+        this, s.value("/WindowMain/Left", 0).toInt(), s.value("/WindowMain/Top", 0).toInt(),
+        s.value("/WindowMain/Width", 0).toInt(), s.value("/WindowMain/Height", 0).toInt());
     if (s.value("/WindowMain/Maximized", false).toBool()) setWindowState(windowState() | Qt::WindowMaximized);
     const int tree = s.value("/WindowMain/TreeWidth", 0).toInt();
     if (tree > 0) splitter->setSizes({tree, qMax(200, width() - tree)});
@@ -599,8 +604,8 @@ void TMainWindow::loadSelectedPrjList() {
     const QString lpl = AppData.getSelectPrjListFileAbs();
     QList<TSelectPrjListRow> rows = TSelectPrjList::load(lpl);
     const QString chosen = TSettings().value("/Main/PrjListCurrent").toString();
-    TSelectPrjListRow row = rows.isEmpty() ? TSelectPrjListRow{Lang.get(22), QStringLiteral("projects.lst")}
-                                           : rows.first();
+    TSelectPrjListRow row =
+        rows.isEmpty() ? TSelectPrjListRow{Lang.get(22), QStringLiteral("projects.lst")} : rows.first();
     for (const TSelectPrjListRow& r : rows)
         if (r.file == chosen) row = r;
     prjTree->loadPrjList(TApp::getAbsoluteFile(TApp::getAbsolutePath(lpl), row.file), row.name,
@@ -633,7 +638,8 @@ void TMainWindow::actPrjLists() {
 }
 
 void TMainWindow::actHexView() {
-    const QString file = QFileDialog::getOpenFileName(this, Lang.get(121), ProjectData.getPrjWorkPath(), Lang.get(104));
+    const QString file =
+        QFileDialog::getOpenFileName(this, Lang.get(121), ProjectData.getPrjWorkPath(), Lang.get(104));
     if (file.isEmpty()) return;
     auto* dlg = new TDialogHexView(this);
     dlg->setAttribute(Qt::WA_DeleteOnClose);

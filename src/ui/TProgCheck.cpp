@@ -15,7 +15,8 @@ bool TProgCheck::open(TSerialPort& port, const QString& name, int* resetDefault,
         return false;
     }
     const TProgInfo info = AppData.progName.getData(name);
-    const QString file = TApp::getAbsoluteFile(AppData.getPathProgsAbs(), AppData.progType.getFile(info.type));
+    const QString file =
+        TApp::getAbsoluteFile(AppData.getPathProgsAbs(), AppData.progType.getFile(info.type));
     if (!AppData.progType.contains(info.type) || !QFileInfo(file).isFile()) {
         error = Lang.get(398);
         return false;

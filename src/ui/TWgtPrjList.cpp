@@ -72,8 +72,9 @@ bool TWgtPrjList::loadPrjList(const QString& file, const QString& name, const QS
     QByteArray data;
     if (f.open(QIODevice::ReadOnly)) data = f.readAll();
     QJsonParseError err{};
-    const bool damaged = f.exists() && !data.trimmed().isEmpty() &&
-                         (!QJsonDocument::fromJson(data, &err).isObject() || err.error != QJsonParseError::NoError);
+    const bool damaged =
+        f.exists() && !data.trimmed().isEmpty() &&
+        (!QJsonDocument::fromJson(data, &err).isObject() || err.error != QJsonParseError::NoError);
     writable = !damaged && (f.isOpen() || !f.exists());
     if (damaged) errorText = Lang.get(46).arg(listFile, err.errorString());
     addItems(nullptr, TPrjList::fromData(data));
@@ -169,14 +170,14 @@ void TWgtPrjList::slotActivated(QTreeWidgetItem* item) {
 
 void TWgtPrjList::askFolder() {
     bool ok = false;
-    const QString name = QInputDialog::getText(this, Lang.get(28), Lang.get(35), QLineEdit::Normal,
-                                               Lang.get(34), &ok);
+    const QString name =
+        QInputDialog::getText(this, Lang.get(28), Lang.get(35), QLineEdit::Normal, Lang.get(34), &ok);
     if (ok && !name.trimmed().isEmpty()) addFolder(name.trimmed());
 }
 
 void TWgtPrjList::askProject() {
-    const QString file = QFileDialog::getOpenFileName(this, Lang.get(29), AppData.getPathProjectsAbs(),
-                                                      Lang.get(36));
+    const QString file =
+        QFileDialog::getOpenFileName(this, Lang.get(29), AppData.getPathProjectsAbs(), Lang.get(36));
     if (!file.isEmpty()) addProject(file);
 }
 

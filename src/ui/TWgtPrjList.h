@@ -13,7 +13,8 @@ public:
 
     // False when the file exists but is damaged: the tree is then empty and the file is never written,
     // so nothing the user had is lost. current names a project file to select.
-    bool loadPrjList(const QString& file, const QString& name = QString(), const QString& current = QString());
+    bool loadPrjList(const QString& file, const QString& name = QString(),
+                     const QString& current = QString());
     bool savePrjList();
     QString getListFile() const { return listFile; }
     QString getListName() const { return listName; }

@@ -18,9 +18,8 @@ TWgtSettingsHotKeys::TWgtSettingsHotKeys(QWidget* parent) : QWidget(parent), ent
         item->setFlags(Qt::ItemIsEnabled);
         keys->setItem(r, 0, item);
         auto* edit = new QKeySequenceEdit(entries.at(r).sequence, keys);
-        connect(edit, &QKeySequenceEdit::keySequenceChanged, this, [this, r](const QKeySequence& k) {
-            entries[r].sequence = k;
-        });
+        connect(edit, &QKeySequenceEdit::keySequenceChanged, this,
+                [this, r](const QKeySequence& k) { entries[r].sequence = k; });
         keys->setCellWidget(r, 1, edit);
     }
     auto* layout = new QVBoxLayout(this);

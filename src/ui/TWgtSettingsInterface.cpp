@@ -17,8 +17,8 @@
 #include <QVBoxLayout>
 
 QList<QColor*> TWgtSettingsInterface::colorFields() const {
-    return {&AppData.colorTime,   &AppData.colorCmd,     &AppData.colorParam,
-            &AppData.colorText,   &AppData.colorWork,    &AppData.colorResult,
+    return {&AppData.colorTime,    &AppData.colorCmd,    &AppData.colorParam,
+            &AppData.colorText,    &AppData.colorWork,   &AppData.colorResult,
             &AppData.colorSuccess, &AppData.colorFailed, &AppData.colorBackground};
 }
 

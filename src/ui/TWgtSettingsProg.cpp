@@ -87,7 +87,9 @@ void TWgtSettingsProg::check(bool ident) {
     const bool ok = ident ? TProgCheck::identify(name, text) : TProgCheck::reset(name, text);
     AppData.progType = oldTypes;
     AppData.progName = oldNames;
-    result->setText(!ok ? Lang.get(134).arg(name, text) : ident ? Lang.get(132).arg(name, text) : Lang.get(133).arg(name));
+    result->setText(!ok     ? Lang.get(134).arg(name, text)
+                    : ident ? Lang.get(132).arg(name, text)
+                            : Lang.get(133).arg(name));
 }
 
 QWidget* TWgtSettingsProg::makeGroup(int titleId, QTableWidget* table) {

@@ -24,9 +24,10 @@ private slots:
         TWgtHexView view;
         view.setData(QByteArray("Tarvelix\x00\x7f\xff", 11) + QByteArray(16, 'a') + "z");
         QCOMPARE(view.rowCount(), 2);
-        QCOMPARE(view.rowText(0), QString("00000000  54 61 72 76 65 6C 69 78  00 7F FF 61 61 61 61 61  |Tarvelix...aaaaa|"));
-        QCOMPARE(view.rowText(1), QString("00000010  61 61 61 61 61 61 61 61  61 61 61 7A") + QString(14, ' ') +
-                                      QString("|aaaaaaaaaaaz|"));
+        QCOMPARE(view.rowText(0),
+                 QString("00000000  54 61 72 76 65 6C 69 78  00 7F FF 61 61 61 61 61  |Tarvelix...aaaaa|"));
+        QCOMPARE(view.rowText(1), QString("00000010  61 61 61 61 61 61 61 61  61 61 61 7A") +
+                                      QString(14, ' ') + QString("|aaaaaaaaaaaz|"));
     }
 
     void hexFileGapsAreErasedBytes() {

@@ -53,9 +53,9 @@ private slots:
         log->slotExecEventText(5, "done", "");
         QCOMPARE(log->textEdit()->toPlainText(),
                  QString("Delay (100 ms)\nStop\nnote\nplain\nworking\nresult\ndone"));
-        QCOMPARE(runs(*log), QStringList({"Delay@#000002", " (100 ms)@#000003", "Stop@#000002", "note@#000004",
-                                          "plain@#000004", "working@#000005", "result@#000006",
-                                          "done@#000007"}));
+        QCOMPARE(runs(*log),
+                 QStringList({"Delay@#000002", " (100 ms)@#000003", "Stop@#000002", "note@#000004",
+                              "plain@#000004", "working@#000005", "result@#000006", "done@#000007"}));
         QCOMPARE(log->textEdit()->palette().color(QPalette::Base), QColor("#0000ff"));
     }
 

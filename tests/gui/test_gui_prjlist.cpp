@@ -19,13 +19,14 @@ void writeFile(const QString& name, const QByteArray& data) {
     f.open(QIODevice::WriteOnly);
     f.write(data);
 }
-const QByteArray nested = "{\n    \"version\": 1,\n    \"list\":\n    [\n"
-                          "        {\"parent\": 0, \"expand\": 1, \"name\": \"Line A\", \"file\": \"\"},\n"
-                          "        {\"parent\": 1, \"expand\": 0, \"name\": \"Boards\", \"file\": \"\"},\n"
-                          "        {\"parent\": 2, \"expand\": 0, \"name\": \"EEPROM\", \"file\": \"a/e.prj\"},\n"
-                          "        {\"parent\": 1, \"expand\": 0, \"name\": \"Flash\", \"file\": \"f.prj\"},\n"
-                          "        {\"parent\": 0, \"expand\": 0, \"name\": \"Loose\", \"file\": \"/abs/l.prj\"}\n"
-                          "    ]\n}\n";
+const QByteArray nested =
+    "{\n    \"version\": 1,\n    \"list\":\n    [\n"
+    "        {\"parent\": 0, \"expand\": 1, \"name\": \"Line A\", \"file\": \"\"},\n"
+    "        {\"parent\": 1, \"expand\": 0, \"name\": \"Boards\", \"file\": \"\"},\n"
+    "        {\"parent\": 2, \"expand\": 0, \"name\": \"EEPROM\", \"file\": \"a/e.prj\"},\n"
+    "        {\"parent\": 1, \"expand\": 0, \"name\": \"Flash\", \"file\": \"f.prj\"},\n"
+    "        {\"parent\": 0, \"expand\": 0, \"name\": \"Loose\", \"file\": \"/abs/l.prj\"}\n"
+    "    ]\n}\n";
 } // namespace
 
 class TestGuiPrjList : public QObject {

@@ -46,7 +46,9 @@ private slots:
         out = qEnvironmentVariable("TARVELIX_SCREENSHOTS_DIR", dir.path());
         TSelectPrjList::save(AppData.selectPrjListFile, {{"Production line", "line.lst"}});
         TPrjList::save(dir.filePath("line.lst"),
-                       {{"Line A", "", true,
+                       {{"Line A",
+                         "",
+                         true,
                          {{"Demo board", "demo.prj", false, {}}, {"Boot loader", "boot.prj", false, {}}}},
                         {"Lab", "", true, {{"Timing checks", "timing.prj", false, {}}}},
                         {"Archive", "", false, {{"Old board", "old.prj", false, {}}}}});

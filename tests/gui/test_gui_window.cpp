@@ -30,7 +30,8 @@ protected:
 
 namespace {
 QString cmd(const QString& code, const QString& params = QString()) {
-    return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})").arg(code, params.isEmpty() ? "" : ", " + params);
+    return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})")
+        .arg(code, params.isEmpty() ? "" : ", " + params);
 }
 
 QByteArray project(const QList<QPair<QString, QStringList>>& cfgs) {
@@ -50,7 +51,8 @@ QByteArray readFile(const QString& name) {
 // The log line of each command as the command list shows it.
 QString cmdLine(TWgtCmdList* list, int row) {
     const QTreeWidgetItem* item = list->topLevelItem(row);
-    return item->text(1).isEmpty() ? item->text(0) : QStringLiteral("%1 (%2)").arg(item->text(0), item->text(1));
+    return item->text(1).isEmpty() ? item->text(0)
+                                   : QStringLiteral("%1 (%2)").arg(item->text(0), item->text(1));
 }
 
 QString logText(TMainWindow& w, const QString& cfg) {
@@ -84,11 +86,12 @@ private slots:
         AppData.openLastPrj = false;
         AppData.logShowTime = false;
         AppData.selectPrjListFile = dir.filePath("sp.lpl");
-        prj = write("runs.prj", project({{"A", {cmd("delay", R"("value": "50")"), cmd("stop"),
-                                                 cmd("delay", R"("value": "50")")}},
-                                          {"B", {cmd("delay", R"("value": "50")")}},
-                                          {"Long", {cmd("delay", R"("value": "5000")")}},
-                                          {"Pause", {cmd("pause"), cmd("delay", R"("value": "1")")}}}));
+        prj = write(
+            "runs.prj",
+            project({{"A", {cmd("delay", R"("value": "50")"), cmd("stop"), cmd("delay", R"("value": "50")")}},
+                     {"B", {cmd("delay", R"("value": "50")")}},
+                     {"Long", {cmd("delay", R"("value": "5000")")}},
+                     {"Pause", {cmd("pause"), cmd("delay", R"("value": "1")")}}}));
     }
 
     void projectOpensIntoTabs() {
@@ -191,8 +194,7 @@ private slots:
         const QString bad = write("bad.prj", "{\"version\": 1, \"configurations\": [");
         QVERIFY(!w.openProject(bad));
         QCOMPARE(w.errors.size(), 1);
-        QVERIFY(w.errors.first().startsWith(
-            Lang.get(39).arg(bad, Lang.get(45).arg(QString())).chopped(1)));
+        QVERIFY(w.errors.first().startsWith(Lang.get(39).arg(bad, Lang.get(45).arg(QString())).chopped(1)));
         QCOMPARE(ProjectData.getPrjFileName(), prj);
         QCOMPARE(w.cfgTabWidget()->count(), 4);
         QVERIFY(!w.openProject(dir.filePath("missing.prj")));
@@ -224,7 +226,8 @@ private slots:
     }
 
     void processCommandsAreConfirmedFirst() {
-        const QString file = write("proc.prj", project({{"P", {cmd("process", R"("file": "/bin/true --x")")}}}));
+        const QString file =
+            write("proc.prj", project({{"P", {cmd("process", R"("file": "/bin/true --x")")}}}));
         AppData.confirmProcess = true;
         TestWindow w;
         w.openProject(file);
