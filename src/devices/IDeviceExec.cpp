@@ -2,6 +2,9 @@
 
 #include "app/TLang.h"
 #include "link/TSerialPort.h"
+#include "project/TDataPrj.h"
+
+#include <QCoreApplication>
 
 IDeviceExec::IDeviceExec(const TData& p, QObject* parent) : QObject(parent), param(p) {}
 
@@ -21,4 +24,33 @@ bool IDeviceExec::sendPackage(TSerialPort& port, unsigned char cmd, QByteArray& 
     if (port.sendPackage(cmd, data)) return true;
     errorText = port.getErrorText();
     return false;
+}
+
+bool IDeviceExec::processGUI(int& lastPercent, int& counter, long long done, long long total) {
+    const int percent = total == 0 ? 100 : int(qMin<long long>(done * 100 / total, 100));
+    if (percent != lastPercent) {
+        QCoreApplication::processEvents();
+        emit signalEventProc(percent);
+        lastPercent = percent;
+        counter = 1;
+    } else if (counter++ % 16 == 0) {
+        QCoreApplication::processEvents();
+    }
+    return isStop();
+}
+
+bool IDeviceExec::storeParam(const QString& key, const QVariant& value) {
+    const int idCmd = param.value(QStringLiteral("id_cmd"), -1).toInt();
+    TLocker lock(ProjectData.getMutex());
+    TData p = ProjectData.getCmdData(idCmd);
+    if (p.isEmpty()) return false;
+    p.insert(key, value);
+    ProjectData.updCmdParam(idCmd, p);
+    return true;
+}
+
+bool IDeviceExec::storeData(const QString& hex) {
+    storeParam(QStringLiteral("data"), hex);
+    emit signalEventText(4, hex, QString());
+    return true;
 }

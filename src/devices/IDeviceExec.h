@@ -40,6 +40,14 @@ public slots:
 
 protected:
     bool isStop() const { return stop; }
+    // Progress after a chunk: a changed percentage is sent, and the thread's events are processed now and
+    // then, so that a stop request arrives. Returns whether the user asked to stop.
+    bool processGUI(int& lastPercent, int& counter, long long done, long long total);
+    // Writes one parameter of the running command back into the project (a register read, a count), so
+    // that its view shows it and it is saved with the project. False when the command is gone.
+    bool storeParam(const QString& key, const QVariant& value);
+    // A read result: kept in the command's "data" and shown in the log.
+    bool storeData(const QString& hex);
 
     TData param;
     std::atomic<bool> stop{false};

@@ -90,19 +90,6 @@ unsigned TDev25Exec::alg(const char* key) const {
     return TAPP_PARAM(dev, key).toUInt();
 }
 
-bool TDev25Exec::processGUI(int& lastPercent, int& counter, long long done, long long total) {
-    const int percent = total == 0 ? 100 : int(qMin<long long>(done * 100 / total, 100));
-    if (percent != lastPercent) {
-        QCoreApplication::processEvents();
-        emit signalEventProc(percent);
-        lastPercent = percent;
-        counter = 1;
-    } else if (counter++ % 16 == 0) {
-        QCoreApplication::processEvents();
-    }
-    return isStop();
-}
-
 int TDev25Exec::readChunk(Space space) const {
     return space == Space::Flash ? maxData : qMin(maxData, kRegisterSize);
 }
@@ -348,20 +335,6 @@ bool TDev25Exec::readData(TSerialPort& port) {
 }
 
 // The bytes read become the command's own data, so that its view shows them, and a result in the log.
-bool TDev25Exec::storeData(const QString& hex) {
-    const int idCmd = TAPP_PARAM(param, CTagCmd::id_cmd).toInt();
-    {
-        TLocker lock(ProjectData.getMutex());
-        TData p = ProjectData.getCmdData(idCmd);
-        if (!p.isEmpty()) {
-            p.insert(kData, hex);
-            ProjectData.updCmdParam(idCmd, p);
-        }
-    }
-    emit signalEventText(4, hex, QString());
-    return true;
-}
-
 // ---- files ----
 
 bool TDev25Exec::writeFile(TSerialPort& port) {

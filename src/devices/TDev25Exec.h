@@ -40,9 +40,6 @@ public:
     bool readSFDPReg(TSerialPort& port);
     bool leave(TSerialPort& port);
 
-    // Reports progress and gives the stop request: true ends the operation at once.
-    bool processGUI(int& lastPercent, int& counter, long long done, long long total);
-
 private:
     // The three memories that the read, write and verify loops run over.
     enum class Space { Flash, Security, SFDP };
@@ -65,7 +62,6 @@ private:
     bool verifyFileSpace(TSerialPort& port, Space space);
     bool readFileSpace(TSerialPort& port, Space space);
 
-    bool storeData(const QString& hex);
     bool statusRegData(QByteArray& data);
 
     TData dev;

@@ -107,19 +107,6 @@ bool TDevAVR8Exec::fail(const QString& err, const char* algKey) {
     return false;
 }
 
-bool TDevAVR8Exec::processGUI(int& lastPercent, int& counter, long long done, long long total) {
-    const int percent = total == 0 ? 100 : int(qMin<long long>(done * 100 / total, 100));
-    if (percent != lastPercent) {
-        QCoreApplication::processEvents();
-        emit signalEventProc(percent);
-        lastPercent = percent;
-        counter = 1;
-    } else if (counter++ % 16 == 0) {
-        QCoreApplication::processEvents();
-    }
-    return isStop();
-}
-
 int TDevAVR8Exec::writeChunk(Space space) const {
     const int page = TAPP_PARAM(dev, "flash_page_size").toInt();
     return space == Space::Flash && page > 0 ? qMin(maxData, page) : maxData;
@@ -181,20 +168,6 @@ bool TDevAVR8Exec::readRange(TSerialPort& port, Space space, qint64 addr, qint64
         if (!readPiece(port, space, addr, int(n), read) || !sink(addr, read)) return false;
         if (processGUI(last, counter, addr + n, end)) return false;
     }
-    return true;
-}
-
-bool TDevAVR8Exec::storeData(const QString& hex) {
-    const int idCmd = TAPP_PARAM(param, CTagCmd::id_cmd).toInt();
-    {
-        TLocker lock(ProjectData.getMutex());
-        TData p = ProjectData.getCmdData(idCmd);
-        if (!p.isEmpty()) {
-            p.insert(kData, hex);
-            ProjectData.updCmdParam(idCmd, p);
-        }
-    }
-    emit signalEventText(4, hex, QString());
     return true;
 }
 

@@ -45,9 +45,6 @@ public:
     bool verifyLockBits(TSerialPort& port);
     bool readOscCal(TSerialPort& port);
 
-    // Reports progress and gives the stop request: true ends the operation at once.
-    bool processGUI(int& lastPercent, int& counter, long long done, long long total);
-
     // The wait byte of an operation whose catalogue keys start with prefix: polling, else the delay.
     static unsigned char waitByte(const TData& dev, const QString& prefix);
 
@@ -80,7 +77,6 @@ private:
     bool readLockByte(TSerialPort& port, QByteArray& read);
     // Compares the command's data with what was read; id is the text of the mismatch.
     bool verifyBytes(const QByteArray& read, int id);
-    bool storeData(const QString& hex);
 
     TData dev;
     int maxData = 0;

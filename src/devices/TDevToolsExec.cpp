@@ -117,7 +117,6 @@ bool TDevToolsExec::execJamp(int& idCfg, int& idCmd) {
 }
 
 bool TDevToolsExec::execCounter(bool& finish) {
-    const int idCmd = TAPP_PARAM(param, CTagCmd::id_cmd).toInt();
     const qint64 value = TAPP_PARAM(param, "value").toLongLong();
     const qint64 delta = TAPP_PARAM(param, "delta").toLongLong();
     qint64 limit = TAPP_PARAM(param, "limit").toLongLong();
@@ -126,13 +125,7 @@ bool TDevToolsExec::execCounter(bool& finish) {
         setErrorText(Lang.get(395));
         return false;
     };
-    auto store = [&](qint64 v) {
-        TData p = ProjectData.getCmdData(idCmd);
-        if (p.isEmpty()) return false;
-        p.insert("value", v);
-        ProjectData.updCmdParam(idCmd, p);
-        return true;
-    };
+    auto store = [this](qint64 v) { return storeParam(QStringLiteral("value"), v); };
     if (delta < 0) {
         if (value < 1) return fail();
         if (value <= limit) {
