@@ -429,8 +429,10 @@ bool TMainWindow::confirmProcess(int) {
         TLocker lock(ProjectData.getMutex());
         for (TDataCmd* cmd : ProjectData.getCmdList())
             if (cmd->getEnable() && cmd->getCmdCode() == QLatin1String(CTagCmdCode::process))
-                lines << cmd->getParam().value(QStringLiteral("file")).toString();
+                lines << cmd->getParam().value(QStringLiteral("file")).toString().trimmed();
     }
+    // An empty command line starts nothing: its command fails its check before it runs.
+    lines.removeAll(QString());
     if (lines.isEmpty()) return true;
     lines.removeDuplicates();
     if (ask(Lang.get(47).arg(lines.join(QLatin1Char('\n'))), QMessageBox::Yes | QMessageBox::No) !=

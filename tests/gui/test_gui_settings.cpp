@@ -2,6 +2,8 @@
 #include "app/TLang.h"
 #include "app/TSettings.h"
 #include "support/SimFixture.h"
+#include "ui/TDialogAbout.h"
+#include "ui/TDialogLanguage.h"
 #include "ui/TDialogSettings.h"
 #include "ui/TWgtSettingsConfirm.h"
 #include "ui/TWgtSettingsHotKeys.h"
@@ -10,6 +12,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QListWidget>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -98,6 +101,27 @@ private slots:
         QCOMPARE(s.value(QString("/ProgNameList/Name%1").arg(r)).toStringList(),
                  QStringList({"0", "Bench", "/dev/ttyUSB3", "Simulator"}));
         QVERIFY(!s.contains(QString("/ProgNameList/Name%1").arg(r + 1)));
+    }
+
+    void languageDialogListsTheLanguageFiles() {
+        const QString folder = dir.filePath("language");
+        QDir().mkpath(folder);
+        for (const char* name : {"eng.lng", "deu.lng", "notes.txt"})
+            QFile(folder + "/" + name).open(QIODevice::WriteOnly);
+        AppData.pathLanguage = folder;
+        AppData.language = "eng.lng";
+        TDialogLanguage dlg;
+        QCOMPARE(dlg.list()->count(), 2);
+        QCOMPARE(dlg.list()->currentItem()->text(), QString("eng.lng"));
+        dlg.list()->setCurrentRow(0);
+        dlg.accept();
+        QCOMPARE(QSettings(ini, QSettings::IniFormat).value("/Main/Language").toString(), QString("deu.lng"));
+    }
+
+    void aboutBoxNamesVersionAndDate() {
+        TDialogAbout dlg;
+        QVERIFY(dlg.text().contains("<h2>Tarvelix</h2>"));
+        QVERIFY(dlg.text().contains("Version 0.0.3, 19.10.2023"));
     }
 
     void identifyAndResetTalkToTheProgrammer() {

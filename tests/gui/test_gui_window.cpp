@@ -112,6 +112,25 @@ private slots:
         QCOMPARE(w.cfgTabWidget()->count(), 0);
     }
 
+    void invalidCommandsAreMarkedWithTheReason() {
+        const QString file =
+            write("invalid.prj", project({{"V", {cmd("process", R"("file": "")"), cmd("stop")}}}));
+        TestWindow w;
+        QVERIFY(w.openProject(file));
+        TWgtCmdList* list = w.cfgView(id("V"))->cmdList();
+        const QTreeWidgetItem* bad = list->topLevelItem(0);
+        QCOMPARE(bad->toolTip(0), Lang.get(388).arg(bad->text(0)));
+        QCOMPARE(bad->toolTip(1), bad->toolTip(0));
+        QVERIFY(!bad->icon(0).isNull());
+        QCOMPARE(list->topLevelItem(1)->toolTip(0), QString());
+        QVERIFY(list->topLevelItem(1)->icon(0).isNull());
+        // The run stops at the invalid command with the same reason.
+        QVERIFY(w.runThread(id("V")));
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
+        QVERIFY(logText(w, "V").contains(Lang.get(388).arg(bad->text(0))));
+        QCOMPARE(ProjectData.getCfgStatus(id("V")), CfgStatusError);
+    }
+
     void twoRunsAtOnce() {
         TestWindow w;
         w.openProject(prj);
