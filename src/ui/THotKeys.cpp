@@ -1,25 +1,26 @@
 #include "ui/THotKeys.h"
 
+#include "app/TLang.h"
 #include "app/TSettings.h"
 
 #include <QAction>
 
 QList<THotKeys::Entry> THotKeys::defaults() {
     return {
-        {QStringLiteral("NewPrj"), 1, QKeySequence(QStringLiteral("Ctrl+N"))},
-        {QStringLiteral("OpenPrj"), 2, QKeySequence(QStringLiteral("Ctrl+O"))},
-        {QStringLiteral("SavePrj"), 3, QKeySequence(QStringLiteral("Ctrl+S"))},
-        {QStringLiteral("SavePrjAs"), 4, QKeySequence(QStringLiteral("Ctrl+Shift+S"))},
-        {QStringLiteral("ClosePrj"), 5, QKeySequence(QStringLiteral("Ctrl+W"))},
-        {QStringLiteral("Quit"), 7, QKeySequence(QStringLiteral("Ctrl+Q"))},
-        {QStringLiteral("Run"), 9, QKeySequence(QStringLiteral("F5"))},
-        {QStringLiteral("RunAll"), 10, QKeySequence(QStringLiteral("Ctrl+F5"))},
-        {QStringLiteral("Stop"), 11, QKeySequence(QStringLiteral("F6"))},
-        {QStringLiteral("StopAll"), 12, QKeySequence(QStringLiteral("Ctrl+F6"))},
-        {QStringLiteral("Continue"), 13, QKeySequence(QStringLiteral("F7"))},
-        {QStringLiteral("ContinueAll"), 14, QKeySequence(QStringLiteral("Ctrl+F7"))},
-        {QStringLiteral("Settings"), 16, QKeySequence(QStringLiteral("Ctrl+,"))},
-        {QStringLiteral("HexView"), 19, QKeySequence(QStringLiteral("Ctrl+H"))},
+        {QStringLiteral("NewPrj"), Lang.get(1), QKeySequence(QStringLiteral("Ctrl+N"))},
+        {QStringLiteral("OpenPrj"), Lang.get(2), QKeySequence(QStringLiteral("Ctrl+O"))},
+        {QStringLiteral("SavePrj"), Lang.get(3), QKeySequence(QStringLiteral("Ctrl+S"))},
+        {QStringLiteral("SavePrjAs"), Lang.get(4), QKeySequence(QStringLiteral("Ctrl+Shift+S"))},
+        {QStringLiteral("ClosePrj"), Lang.get(5), QKeySequence(QStringLiteral("Ctrl+W"))},
+        {QStringLiteral("Quit"), Lang.get(7), QKeySequence(QStringLiteral("Ctrl+Q"))},
+        {QStringLiteral("Run"), Lang.get(9), QKeySequence(QStringLiteral("F5"))},
+        {QStringLiteral("RunAll"), Lang.get(10), QKeySequence(QStringLiteral("Ctrl+F5"))},
+        {QStringLiteral("Stop"), Lang.get(11), QKeySequence(QStringLiteral("F6"))},
+        {QStringLiteral("StopAll"), Lang.get(12), QKeySequence(QStringLiteral("Ctrl+F6"))},
+        {QStringLiteral("Continue"), Lang.get(13), QKeySequence(QStringLiteral("F7"))},
+        {QStringLiteral("ContinueAll"), Lang.get(14), QKeySequence(QStringLiteral("Ctrl+F7"))},
+        {QStringLiteral("Settings"), Lang.get(16), QKeySequence(QStringLiteral("Ctrl+,"))},
+        {QStringLiteral("HexView"), Lang.get(19), QKeySequence(QStringLiteral("Ctrl+H"))},
     };
 }
 

@@ -11,8 +11,8 @@ class QAction;
 class THotKeys {
 public:
     struct Entry {
-        QString key; // settings key and action object name
-        int textId;  // language id of the action's text
+        QString key;  // settings key and action object name
+        QString text; // the action's text
         QKeySequence sequence;
     };
 

@@ -90,13 +90,13 @@ TMainWindow::~TMainWindow() {
 
 QMessageBox::StandardButton TMainWindow::ask(const QString& text, QMessageBox::StandardButtons buttons) {
     QMessageBox box(QMessageBox::Question, QString::fromLatin1(CApp::full_name), text, buttons, this);
-    const QList<QPair<QMessageBox::StandardButton, int>> names = {{QMessageBox::Yes, 92},
-                                                                  {QMessageBox::No, 93},
-                                                                  {QMessageBox::Cancel, 91},
-                                                                  {QMessageBox::Save, 116},
-                                                                  {QMessageBox::Discard, 117}};
+    const QList<QPair<QMessageBox::StandardButton, QString>> names = {{QMessageBox::Yes, Lang.get(92)},
+                                                                      {QMessageBox::No, Lang.get(93)},
+                                                                      {QMessageBox::Cancel, Lang.get(91)},
+                                                                      {QMessageBox::Save, Lang.get(116)},
+                                                                      {QMessageBox::Discard, Lang.get(117)}};
     for (const auto& n : names)
-        if (box.button(n.first)) box.button(n.first)->setText(Lang.get(n.second));
+        if (box.button(n.first)) box.button(n.first)->setText(n.second);
     return QMessageBox::StandardButton(box.exec());
 }
 
@@ -106,8 +106,9 @@ void TMainWindow::showError(const QString& text) {
     box.exec();
 }
 
-QAction* TMainWindow::action(const char* key, int textId, const char* icon, std::function<void()> fn) {
-    auto* a = new QAction(Lang.get(textId), this);
+QAction* TMainWindow::action(const char* key, const QString& text, const char* icon,
+                             std::function<void()> fn) {
+    auto* a = new QAction(text, this);
     a->setObjectName(QString::fromLatin1(key));
     if (icon) a->setProperty("iconName", QString::fromLatin1(icon));
     connect(a, &QAction::triggered, this, [fn] { fn(); });
@@ -117,23 +118,23 @@ QAction* TMainWindow::action(const char* key, int textId, const char* icon, std:
 }
 
 void TMainWindow::createActions() {
-    action("NewPrj", 1, "new", [this] { actNew(); });
-    action("OpenPrj", 2, "open", [this] { actOpen(); });
-    action("SavePrj", 3, "save", [this] { actSave(); });
-    action("SavePrjAs", 4, nullptr, [this] { actSaveAs(); });
-    action("ClosePrj", 5, nullptr, [this] { actClose(); });
-    action("Quit", 7, nullptr, [this] { close(); });
-    action("Run", 9, "run", [this] { actRun(); });
-    action("RunAll", 10, "run_all", [this] { actRunAll(); });
-    action("Stop", 11, "stop", [this] { actStop(); });
-    action("StopAll", 12, "stop_all", [this] { stopAll(); });
-    action("Continue", 13, "pause", [this] { actContinue(); });
-    action("ContinueAll", 14, nullptr, [this] { continueAll(); });
-    action("Settings", 16, "settings", [this] { actSettings(); });
-    action("Language", 17, nullptr, [this] { actLanguage(); });
-    action("PrjLists", 18, nullptr, [this] { actPrjLists(); });
-    action("HexView", 19, "hex", [this] { actHexView(); });
-    action("About", 21, nullptr, [this] { actAbout(); });
+    action("NewPrj", Lang.get(1), "new", [this] { actNew(); });
+    action("OpenPrj", Lang.get(2), "open", [this] { actOpen(); });
+    action("SavePrj", Lang.get(3), "save", [this] { actSave(); });
+    action("SavePrjAs", Lang.get(4), nullptr, [this] { actSaveAs(); });
+    action("ClosePrj", Lang.get(5), nullptr, [this] { actClose(); });
+    action("Quit", Lang.get(7), nullptr, [this] { close(); });
+    action("Run", Lang.get(9), "run", [this] { actRun(); });
+    action("RunAll", Lang.get(10), "run_all", [this] { actRunAll(); });
+    action("Stop", Lang.get(11), "stop", [this] { actStop(); });
+    action("StopAll", Lang.get(12), "stop_all", [this] { stopAll(); });
+    action("Continue", Lang.get(13), "pause", [this] { actContinue(); });
+    action("ContinueAll", Lang.get(14), nullptr, [this] { continueAll(); });
+    action("Settings", Lang.get(16), "settings", [this] { actSettings(); });
+    action("Language", Lang.get(17), nullptr, [this] { actLanguage(); });
+    action("PrjLists", Lang.get(18), nullptr, [this] { actPrjLists(); });
+    action("HexView", Lang.get(19), "hex", [this] { actHexView(); });
+    action("About", Lang.get(21), nullptr, [this] { actAbout(); });
     THotKeys::apply(THotKeys::load(), actions);
 }
 

@@ -77,7 +77,7 @@ private:
     void createActions();
     void createMenus();
     void createToolBar();
-    QAction* action(const char* key, int textId, const char* icon, std::function<void()> fn);
+    QAction* action(const char* key, const QString& text, const char* icon, std::function<void()> fn);
     void rebuildTabs();
     void addCfgTab(int idCfg);
     void updateTab(int idCfg);

@@ -11,14 +11,14 @@
 
 bool TProgCheck::open(TSerialPort& port, const QString& name, int* resetDefault, QString& error) {
     if (!AppData.progName.contains(name)) {
-        error = Lang.get(398);
+        error = Lang.get(135).arg(name);
         return false;
     }
     const TProgInfo info = AppData.progName.getData(name);
     const QString file =
         TApp::getAbsoluteFile(AppData.getPathProgsAbs(), AppData.progType.getFile(info.type));
     if (!AppData.progType.contains(info.type) || !QFileInfo(file).isFile()) {
-        error = Lang.get(398);
+        error = Lang.get(135).arg(name);
         return false;
     }
     const TProg prog(file);

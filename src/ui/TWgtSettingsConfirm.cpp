@@ -7,15 +7,15 @@
 #include <QVBoxLayout>
 
 TWgtSettingsConfirm::TWgtSettingsConfirm(QWidget* parent) : QWidget(parent) {
-    auto make = [this](int textId, bool on) {
-        auto* box = new QCheckBox(Lang.get(textId), this);
+    auto make = [this](const QString& text, bool on) {
+        auto* box = new QCheckBox(text, this);
         box->setChecked(on);
         return box;
     };
-    openLastPrj = make(75, AppData.openLastPrj);
-    quit = make(76, AppData.confirmQuit);
-    savePrj = make(77, AppData.confirmSavePrj);
-    process = make(78, AppData.confirmProcess);
+    openLastPrj = make(Lang.get(75), AppData.openLastPrj);
+    quit = make(Lang.get(76), AppData.confirmQuit);
+    savePrj = make(Lang.get(77), AppData.confirmSavePrj);
+    process = make(Lang.get(78), AppData.confirmProcess);
     auto* layout = new QVBoxLayout(this);
     for (QCheckBox* box : {openLastPrj, quit, savePrj, process})
         layout->addWidget(box);

@@ -14,7 +14,7 @@ TWgtSettingsHotKeys::TWgtSettingsHotKeys(QWidget* parent) : QWidget(parent), ent
     keys->horizontalHeader()->resizeSection(0, 260);
     keys->verticalHeader()->hide();
     for (int r = 0; r < entries.size(); ++r) {
-        auto* item = new QTableWidgetItem(Lang.get(entries.at(r).textId).remove(QLatin1Char('&')));
+        auto* item = new QTableWidgetItem(QString(entries.at(r).text).remove(QLatin1Char('&')));
         item->setFlags(Qt::ItemIsEnabled);
         keys->setItem(r, 0, item);
         auto* edit = new QKeySequenceEdit(entries.at(r).sequence, keys);

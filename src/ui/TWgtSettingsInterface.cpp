@@ -26,9 +26,11 @@ TWgtSettingsInterface::TWgtSettingsInterface(QWidget* parent) : QWidget(parent) 
     auto* colorBox = new QGroupBox(Lang.get(56), this);
     auto* grid = new QGridLayout(colorBox);
     const QList<QColor*> fields = colorFields();
+    const QStringList names = {Lang.get(57), Lang.get(58), Lang.get(59), Lang.get(60), Lang.get(61),
+                               Lang.get(62), Lang.get(63), Lang.get(64), Lang.get(65)};
     for (int i = 0; i < fields.size(); ++i) {
         colors.append(*fields.at(i));
-        auto* button = new QPushButton(Lang.get(57 + i), colorBox);
+        auto* button = new QPushButton(names.at(i), colorBox);
         button->setObjectName(QStringLiteral("color%1").arg(i));
         colorButtons.append(button);
         connect(button, &QPushButton::clicked, this, [this, i] {

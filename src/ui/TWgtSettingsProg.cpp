@@ -46,7 +46,7 @@ TWgtSettingsProg::TWgtSettingsProg(QWidget* parent) : QWidget(parent) {
     }
     names->horizontalHeader()->resizeSection(0, 150);
     names->horizontalHeader()->resizeSection(1, 240);
-    QWidget* namesGroup = makeGroup(80, names);
+    QWidget* namesGroup = makeGroup(Lang.get(80), names);
     auto* identifyButton = new QPushButton(Lang.get(84), namesGroup);
     auto* resetButton = new QPushButton(Lang.get(85), namesGroup);
     connect(identifyButton, &QPushButton::clicked, this, &TWgtSettingsProg::identify);
@@ -58,7 +58,7 @@ TWgtSettingsProg::TWgtSettingsProg(QWidget* parent) : QWidget(parent) {
     result->setWordWrap(true);
     result->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(makeGroup(79, types));
+    layout->addWidget(makeGroup(Lang.get(79), types));
     layout->addWidget(namesGroup);
     layout->addWidget(result);
 }
@@ -92,8 +92,8 @@ void TWgtSettingsProg::check(bool ident) {
                             : Lang.get(133).arg(name));
 }
 
-QWidget* TWgtSettingsProg::makeGroup(int titleId, QTableWidget* table) {
-    auto* box = new QGroupBox(Lang.get(titleId), this);
+QWidget* TWgtSettingsProg::makeGroup(const QString& title, QTableWidget* table) {
+    auto* box = new QGroupBox(title, this);
     auto* add = new QPushButton(Lang.get(86), box);
     auto* remove = new QPushButton(Lang.get(87), box);
     connect(add, &QPushButton::clicked, this, [table] { addRow(table, QStringList()); });

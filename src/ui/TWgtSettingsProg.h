@@ -20,7 +20,7 @@ public:
     QTableWidget* names;
 
 private:
-    QWidget* makeGroup(int titleId, QTableWidget* table);
+    QWidget* makeGroup(const QString& title, QTableWidget* table);
     void check(bool identify);
 
     class QLabel* result;
