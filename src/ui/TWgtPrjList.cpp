@@ -14,7 +14,9 @@
 #include <QInputDialog>
 #include <QJsonDocument>
 #include <QMenu>
+#include <QMessageBox>
 #include <QProcess>
+#include <QPushButton>
 
 TWgtPrjList::TWgtPrjList(QWidget* parent) : QTreeWidget(parent) {
     setHeaderHidden(true);
@@ -158,6 +160,16 @@ void TWgtPrjList::removeCurrent() {
     savePrjList();
 }
 
+// Removing a folder removes its whole branch: the user confirms first.
+void TWgtPrjList::askRemove() {
+    if (!currentItem()) return;
+    QMessageBox box(QMessageBox::Question, Lang.get(31), Lang.get(129).arg(currentItem()->text(0)),
+                    QMessageBox::Yes | QMessageBox::No, this);
+    box.button(QMessageBox::Yes)->setText(Lang.get(92));
+    box.button(QMessageBox::No)->setText(Lang.get(93));
+    if (box.exec() == QMessageBox::Yes) removeCurrent();
+}
+
 void TWgtPrjList::dropEvent(QDropEvent* event) {
     QTreeWidget::dropEvent(event);
     savePrjList();
@@ -205,6 +217,6 @@ void TWgtPrjList::contextMenuEvent(QContextMenuEvent* event) {
     menu.addAction(Lang.get(28), this, &TWgtPrjList::askFolder)->setEnabled(writable);
     menu.addAction(Lang.get(29), this, &TWgtPrjList::askProject)->setEnabled(writable);
     menu.addAction(Lang.get(30), this, &TWgtPrjList::askRename)->setEnabled(writable && currentItem());
-    menu.addAction(Lang.get(31), this, &TWgtPrjList::removeCurrent)->setEnabled(writable && currentItem());
+    menu.addAction(Lang.get(31), this, &TWgtPrjList::askRemove)->setEnabled(writable && currentItem());
     menu.exec(event->globalPos());
 }

@@ -47,6 +47,7 @@ private:
     void askFolder();
     void askProject();
     void askRename();
+    void askRemove();
     void openFolder();
     QString listDir() const;
 
