@@ -8,6 +8,7 @@
 #include "ui/TWgtCmdList.h"
 #include "ui/TWgtLogExec.h"
 
+#include <QAction>
 #include <QElapsedTimer>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -129,6 +130,22 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
         QVERIFY(logText(w, "V").contains(Lang.get(388).arg(bad->text(0))));
         QCOMPARE(ProjectData.getCfgStatus(id("V")), CfgStatusError);
+    }
+
+    void hotKeysAndGeometryComeFromTheSettings() {
+        {
+            TSettings s;
+            s.setValue("/HotKeyMain/Run", "F9");
+            s.setValue("/WindowMain/Left", 40);
+            s.setValue("/WindowMain/Top", 30);
+            s.setValue("/WindowMain/Width", 700);
+            s.setValue("/WindowMain/Height", 500);
+        }
+        TestWindow w;
+        QCOMPARE(w.findChild<QAction*>("Run")->shortcut(), QKeySequence("F9"));
+        QCOMPARE(w.findChild<QAction*>("Stop")->shortcut(), QKeySequence("F6"));
+        QCOMPARE(w.geometry().size(), QSize(700, 500));
+        TSettings().remove("/HotKeyMain/Run");
     }
 
     void twoRunsAtOnce() {
