@@ -44,6 +44,14 @@ QString TAppData::getPathDevicesAbs() const {
 QString TAppData::getPathProgsAbs() const {
     return resolve(pathProgs);
 }
+
+QString TAppData::getProgFile(const QString& name) const {
+    if (!progName.contains(name)) return QString();
+    const QString type = progName.getData(name).type;
+    if (!progType.contains(type)) return QString();
+    return TApp::getAbsoluteFile(getPathProgsAbs(), progType.getFile(type));
+}
+
 QString TAppData::getSelectPrjListFileAbs() const {
     return resolve(selectPrjListFile);
 }

@@ -25,6 +25,8 @@ public:
     QString getPathProjectsAbs() const;
     QString getPathDevicesAbs() const;
     QString getPathProgsAbs() const;
+    // The description file of a named programmer, absolute; empty when the name or its type is unknown.
+    QString getProgFile(const QString& name) const;
     QString getSelectPrjListFileAbs() const;
 
     // Look and feel.

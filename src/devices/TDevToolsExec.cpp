@@ -262,19 +262,7 @@ bool TDevToolsExec::execSetProg(TSerialPort& port) {
         setErrorText(port.getErrorText());
         return false;
     }
-    unsigned int baud = 0;
-    int dataBits = 0, stopBits = 0, timeOut = 0;
-    QString parity, flow;
-    unsigned short maxData = 0;
-    prog->getPortSettings(baud, dataBits, parity, stopBits, flow, timeOut);
-    prog->getProtocolSettings(maxData);
-    port.setBaudRate(baud);
-    port.setDataBits((unsigned char)dataBits);
-    port.setParity(parity);
-    port.setStopBits((unsigned char)stopBits);
-    port.setFlowControl(flow);
-    port.setTimeOut(timeOut);
-    port.setProtocolParam(maxData);
+    port.applySettings(*prog);
 
     QByteArray data;
     if (!sendPackage(port, 0x80, data)) return false;

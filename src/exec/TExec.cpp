@@ -106,6 +106,8 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
             return false;
         }
         connectExec(exec, code);
+        // A stop that came before the executor was connected still reaches it.
+        if (stop) exec->slotStop();
         isLeave = code == CTagCmdCode::leave;
 
         processEvents();

@@ -9,6 +9,8 @@
 // The one path to the programmer: a strictly synchronous, half-duplex request/reply exchange of frames
 // C0, command, length (16-bit, low byte first), data, check byte. Used only by the thread that made it;
 // waiting is done with the port's blocking calls, so no event loop is needed.
+class TProg;
+
 class TSerialPort : public QObject {
     Q_OBJECT
 public:
@@ -73,6 +75,8 @@ public:
     bool setFlowControl(const QString& text);
     int getFlowControl() const;
     bool setTimeOut(int ms);
+    // The port and protocol settings of a programmer description, in the order the set-up takes them.
+    void applySettings(const TProg& prog);
     void setProtocolParam(unsigned short maxData);
 
     bool setRTS(bool on);

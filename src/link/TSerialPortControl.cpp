@@ -2,6 +2,8 @@
 // conventions of the programmer descriptions and the settings lists.
 #include "link/TSerialPort.h"
 
+#include "link/TProg.h"
+
 // The text of an earlier exchange must not stand for a failed open.
 bool TSerialPort::open(OpenMode mode) {
     errorText.clear();
@@ -109,4 +111,20 @@ bool TSerialPort::setDTR(bool on) {
 }
 bool TSerialPort::getDTR() const {
     return port->isDataTerminalReady();
+}
+
+void TSerialPort::applySettings(const TProg& prog) {
+    unsigned int baud = 0;
+    int dataBits = 0, stopBits = 0, timeOut = 0;
+    QString parity, flow;
+    unsigned short maxData = 0;
+    prog.getPortSettings(baud, dataBits, parity, stopBits, flow, timeOut);
+    prog.getProtocolSettings(maxData);
+    setBaudRate(baud);
+    setDataBits((unsigned char)dataBits);
+    setParity(parity);
+    setStopBits((unsigned char)stopBits);
+    setFlowControl(flow);
+    setTimeOut(timeOut);
+    setProtocolParam(maxData);
 }

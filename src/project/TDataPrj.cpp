@@ -33,10 +33,8 @@ IDevice* catalogueDevice(const QString& name, const QString& file) {
     return dev;
 }
 TProg* registryProg(const QString& name) {
-    if (!AppData.progName.contains(name)) return nullptr;
-    const QString type = AppData.progName.getData(name).type;
-    if (!AppData.progType.contains(type)) return nullptr;
-    return new TProg(TApp::getAbsoluteFile(AppData.getPathProgsAbs(), AppData.progType.getFile(type)));
+    const QString file = AppData.getProgFile(name);
+    return file.isEmpty() ? nullptr : new TProg(file);
 }
 } // namespace
 

@@ -15,31 +15,18 @@ bool TProgCheck::open(TSerialPort& port, const QString& name, int* resetDefault,
         return false;
     }
     const TProgInfo info = AppData.progName.getData(name);
-    const QString file =
-        TApp::getAbsoluteFile(AppData.getPathProgsAbs(), AppData.progType.getFile(info.type));
-    if (!AppData.progType.contains(info.type) || !QFileInfo(file).isFile()) {
+    const QString file = AppData.getProgFile(name);
+    if (file.isEmpty() || !QFileInfo(file).isFile()) {
         error = Lang.get(135).arg(name);
         return false;
     }
     const TProg prog(file);
-    unsigned int baud = 0;
-    int dataBits = 0, stopBits = 0, timeOut = 0;
-    QString parity, flow;
-    unsigned short maxData = 0;
-    prog.getPortSettings(baud, dataBits, parity, stopBits, flow, timeOut);
-    prog.getProtocolSettings(maxData);
     if (resetDefault) *resetDefault = prog.getResetDef();
     if (!port.open(info.port, TSerialPort::OpenMode(QIODevice::ReadWrite))) {
         error = port.getErrorText();
         return false;
     }
-    port.setBaudRate(baud);
-    port.setDataBits((unsigned char)dataBits);
-    port.setParity(parity);
-    port.setStopBits((unsigned char)stopBits);
-    port.setFlowControl(flow);
-    port.setTimeOut(timeOut);
-    port.setProtocolParam(maxData);
+    port.applySettings(prog);
     return true;
 }
 
