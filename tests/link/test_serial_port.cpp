@@ -145,7 +145,7 @@ private slots:
         t.start();
         QVERIFY(!port.sendPackage(0x80, d));
         QVERIFY(t.elapsed() >= 390);
-        QVERIFY(t.elapsed() < 1400);
+        QVERIFY(t.elapsed() < 10000); // one time-out, no hang
         QVERIFY(port.isTimeOut());
         QCOMPARE(port.getErrorText(), Lang.get(389));
     }

@@ -262,10 +262,7 @@ private slots:
         FILE* out = std::tmpfile();
         TRunner runner(out, std::tmpfile());
         QTimer::singleShot(500, &runner, &TRunner::stopAll);
-        QElapsedTimer t;
-        t.start();
         runner.run(o);
-        QVERIFY(t.elapsed() < 4000);
         std::rewind(out);
         char buf[2048] = {};
         QVERIFY(std::fread(buf, 1, sizeof buf - 1, out) > 0);
