@@ -1,5 +1,7 @@
 #include "devices/IDevice.h"
 
+#include "ui/TFormCmd.h"
+
 IDevice::IDevice(const QString& code, QObject* parent) : QObject(parent), devCode(code) {}
 
 IDevice::~IDevice() = default;
@@ -10,4 +12,13 @@ bool IDevice::getResetStatus() const {
 
 QString IDevice::getDevConnect() const {
     return devParam.value(QStringLiteral("prg_section")).toString();
+}
+
+QWidget* IDevice::keepForm(TFormCmd* form) const {
+    lastForm = form;
+    return form;
+}
+
+TData IDevice::formParam(const TData& param) const {
+    return lastForm ? lastForm->getParam() : param;
 }

@@ -4,9 +4,11 @@
 
 #include <QByteArray>
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 
 class IDeviceExec;
+class TFormCmd;
 class QWidget;
 
 // The editing face of a command family: one object per selected device (or per family for the
@@ -43,7 +45,15 @@ public:
     QString getDevConnect() const;
 
 protected:
+    // Forms: the family hands out a TFormCmd and reads the edits back from the one handed out last, which
+    // the dialog that shows it owns.
+    QWidget* keepForm(TFormCmd* form) const;
+    TData formParam(const TData& param) const;
+
     TData devParam;
     QString devCode;
     QStringList devDesc;
+
+private:
+    mutable QPointer<TFormCmd> lastForm;
 };

@@ -78,7 +78,7 @@ QWidget* TDev24::getFormCmdParam(const TData&) const {
 }
 
 TData TDev24::getChangedParam(const TData& p) const {
-    return p;
+    return formParam(p);
 }
 
 void TDev24::normCmdParam(TData&) {}

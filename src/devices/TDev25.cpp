@@ -161,7 +161,7 @@ QWidget* TDev25::getFormCmdParam(const TData&) const {
 }
 
 TData TDev25::getChangedParam(const TData& p) const {
-    return p;
+    return formParam(p);
 }
 
 void TDev25::normCmdParam(TData&) {}

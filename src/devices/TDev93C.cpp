@@ -69,7 +69,7 @@ QWidget* TDev93C::getFormCmdParam(const TData&) const {
 }
 
 TData TDev93C::getChangedParam(const TData& p) const {
-    return p;
+    return formParam(p);
 }
 
 void TDev93C::normCmdParam(TData&) {}

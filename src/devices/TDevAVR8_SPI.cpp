@@ -131,7 +131,7 @@ QWidget* TDevAVR8_SPI::getFormCmdParam(const TData&) const {
 }
 
 TData TDevAVR8_SPI::getChangedParam(const TData& p) const {
-    return p;
+    return formParam(p);
 }
 
 void TDevAVR8_SPI::normCmdParam(TData&) {}

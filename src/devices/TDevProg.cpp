@@ -133,7 +133,7 @@ QWidget* TDevProg::getFormCmdParam(const TData&) const {
 }
 
 TData TDevProg::getChangedParam(const TData& p) const {
-    return p;
+    return formParam(p);
 }
 
 void TDevProg::normCmdParam(TData&) {}

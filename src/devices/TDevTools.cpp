@@ -127,7 +127,7 @@ QWidget* TDevTools::getFormCmdParam(const TData&) const {
     return nullptr;
 }
 TData TDevTools::getChangedParam(const TData& p) const {
-    return p;
+    return formParam(p);
 }
 void TDevTools::normCmdParam(TData&) {}
 
