@@ -9,6 +9,7 @@
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TCmdCode.h"
+#include "ui/TFormCmd.h"
 
 using namespace CTagCmdCode;
 
@@ -73,8 +74,17 @@ QString TDev24::getViewCmdParam(const TData& p, QWidget*) const {
     return QString();
 }
 
-QWidget* TDev24::getFormCmdParam(const TData&) const {
-    return nullptr;
+QWidget* TDev24::getFormCmdParam(const TData& p) const {
+    const QString code = p.value(CTagCmd::cmd).toString();
+    if (code == set_clk) return keepForm(TNormCmdParam::cmdSetCLKForm(getDevConnect(), p));
+    if (code == set_addr) return keepForm(TDev24CDevParam::form(this, p));
+    if (isOneOf(code, {char_write, char_verify})) return keepForm(TNormCmdParam::cmdRWVCharForm(this, p));
+    if (isOneOf(code, {data_read, data_write, data_verify}))
+        return keepForm(TNormCmdParam::cmdRWVDataForm(this, p));
+    if (isOneOf(code, {file_read, file_write, file_verify}))
+        return keepForm(TNormCmdParam::cmdRWVFileForm(this, p));
+    if (code == leave) return keepForm(TNormCmdParam::cmdLeaveForm(this, p, true));
+    return keepForm(nullptr);
 }
 
 TData TDev24::getChangedParam(const TData& p) const {
@@ -103,8 +113,8 @@ void TDev24::getDefaultParamCmdSetDevice(TData& p) {
     TDev24CDevParam::def(p);
 }
 
-QWidget* TDev24::getWgtCmdSetDeviceParam(const TData&) {
-    return nullptr;
+QWidget* TDev24::getWgtCmdSetDeviceParam(const TData& p) {
+    return TDev24CDevParam::form(this, p);
 }
 
 QByteArray TDev24::getCmdSetDeviceExec(const TData& p) {

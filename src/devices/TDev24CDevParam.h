@@ -5,6 +5,7 @@
 #include <QByteArray>
 
 class IDevice;
+class TFormCmd;
 
 // The device-specific settings a set-device command carries for a 24-series part (its bus address pins)
 // and the payload built from them.
@@ -15,6 +16,8 @@ public:
     static void def(TData& p);
     // The A2, A1, A0 pins as a number: only three pins exist.
     static bool check(const TData& p);
+    // One check box per address pin, A2 first; pins outside the part's addr_mask cannot be set.
+    static TFormCmd* form(const IDevice* dev, const TData& p);
     // prg_type code (16 bits), cfg_hw, addr, clock (32 bits), delay.
     static QByteArray payload(IDevice* dev, const TData& p);
 };

@@ -8,6 +8,10 @@
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TCmdCode.h"
+#include "ui/TFormCmd.h"
+#include "ui/TWgtRegisterForm.h"
+
+#include <QLabel>
 
 namespace {
 const QString kData = QStringLiteral("data"), kSize = QStringLiteral("size"),
@@ -156,8 +160,80 @@ QString TDev25::getViewCmdParam(const TData& p, QWidget*) const {
     return QString();
 }
 
-QWidget* TDev25::getFormCmdParam(const TData&) const {
-    return nullptr;
+QStringList TDev25::getSecurityRegLines(int registers) {
+    QStringList lines;
+    for (int i = 0; i < registers; ++i) {
+        // Registers past the eighth take their bit in the following bytes of the mask.
+        const QString byte = i < 8 ? QStringLiteral("-") : QString::number(i / 8);
+        lines
+            << QStringLiteral("ckl|%1|-|e|%2|").arg(1 << (i % 8), 2, 16, QLatin1Char('0')).arg(byte) +
+                   Lang.get(591).arg(i + 1).arg(i * kRegisterSize, 0, 16).arg(i * kRegisterSize + 255, 0, 16);
+    }
+    return lines;
+}
+
+TFormCmd* TDev25::formEraseBlocks(const TData& p) const {
+    auto* form = new TFormCmd(p);
+    QStringList texts;
+    QVariantList sizes;
+    const QStringList blocks = devParam.value(QStringLiteral("erase_blocks")).toStringList()
+                               << QStringLiteral("|%1").arg(p.value(kSize).toLongLong());
+    for (const QString& entry : blocks) {
+        const qint64 size = entry.section(QLatin1Char('|'), 1).toLongLong();
+        if (size <= 0 || sizes.contains(size)) continue;
+        texts << TMiscDev::getViewDeviceSize(size);
+        sizes << size;
+    }
+    form->addChoice(kSize, Lang.get(585), texts, sizes);
+    const qint64 size = devValue("size");
+    form->addInt(kBegin, Lang.get(586), 0, size);
+    form->addInt(kCount, Lang.get(587), 1, size);
+    auto* view = new QLabel(form);
+    connect(form, &TFormCmd::signalChanged, view,
+            [form, view] { view->setText(cmdEraseBlocksView(form->getParam())); });
+    form->addCompound(
+        Lang.get(568), view, [](TData&) {},
+        [this, form, size] {
+            return checkEraseBlocks(form->getParam()) ? QString()
+                                                      : Lang.get(569).arg(TMiscDev::getHexFromInt(qint64(0)),
+                                                                          TMiscDev::getHexFromInt(size - 1));
+        });
+    form->changed();
+    return form;
+}
+
+QWidget* TDev25::getFormCmdParam(const TData& p) const {
+    using namespace CTagCmdCode;
+    const QString code = p.value(CTagCmd::cmd).toString();
+    qint64 begin, size;
+    regionRange(regionOf(code), begin, size);
+    TFormCmd* form = nullptr;
+    if (code == QLatin1String(set_clk)) form = TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
+    if (isOneOf(code, {erase_blocks, test_empty_blocks})) form = formEraseBlocks(p);
+    if (isOneOf(code, {char_write, char_verify})) form = TNormCmdParam::formRWVChar(p, begin, size);
+    if (isOneOf(code, {data_read, data_write, data_verify}))
+        form = TNormCmdParam::formRWVData(p, begin, size);
+    if (isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
+                       security_reg_verify, sfdp_reg_read}))
+        form = TNormCmdParam::formRWVFile(p, begin, size);
+    if (isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify})) {
+        form = new TFormCmd(p);
+        TWgtRegisterForm::addToForm(form, kData,
+                                    devParam.value(QStringLiteral("status_reg_cfg")).toStringList(),
+                                    code == QLatin1String(status_reg_read));
+    }
+    if (isOneOf(code, {security_reg_erase, security_reg_test_empty})) {
+        form = new TFormCmd(p);
+        const int registers = int(devValue("security_reg_size") / kRegisterSize) & 255;
+        TWgtRegisterForm::addToForm(form, kData, getSecurityRegLines(registers), false, true);
+    }
+    if (code == QLatin1String(unique_id_read)) {
+        form = new TFormCmd(p);
+        TWgtRegisterForm::addToForm(form, kData,
+                                    {QStringLiteral("edr|FFFFFFFFFFFFFFFF|ro|-1|") + Lang.get(592)}, true);
+    }
+    if (code == QLatin1String(leave)) form = TNormCmdParam::cmdLeaveForm(this, p, true);
+    return keepForm(form);
 }
 
 TData TDev25::getChangedParam(const TData& p) const {
@@ -211,8 +287,9 @@ void TDev25::getDefaultParamCmdSetDevice(TData& p) {
     TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
 }
 
-QWidget* TDev25::getWgtCmdSetDeviceParam(const TData&) {
-    return nullptr;
+// The device's own setting is its clock.
+QWidget* TDev25::getWgtCmdSetDeviceParam(const TData& p) {
+    return TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
 }
 
 // The 24-series layout: type code (16 bits), cfg_hw, bus address (none on SPI: 0), clock (32 bits), delay.

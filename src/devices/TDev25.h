@@ -2,6 +2,8 @@
 
 #include "devices/IDevice.h"
 
+class TFormCmd;
+
 // The editing side of the 25-series SPI flash family: its commands, their defaults, checks and
 // one-line views, and the set-device payload.
 class TDev25 : public IDevice {
@@ -29,6 +31,8 @@ public:
 
     static QString cmdEraseBlocksView(const TData& p);
     static QString cmdSecurityRegView(const TData& p);
+    // The check list of the security registers' form, one line per register.
+    static QStringList getSecurityRegLines(int registers);
 
 private:
     // The register spaces are their own address ranges starting at 0.
@@ -38,6 +42,7 @@ private:
     qint64 devValue(const char* key) const;
     bool checkEraseBlocks(const TData& p) const;
     bool checkStatusReg(const TData& p) const;
+    TFormCmd* formEraseBlocks(const TData& p) const;
 
     QStringList cmdList;
 };

@@ -45,6 +45,7 @@ void TDev93C::getDefaultCmdParam(TData& p) {
     if (kind == Kind::Data) TNormCmdParam::cmdRWVDataDef(this, p);
     if (kind == Kind::File) TNormCmdParam::cmdRWVFileDef(this, p);
     if (code == set_clk) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
+    if (code == leave) TNormCmdParam::cmdLeaveDef(p, true);
 }
 
 QString TDev93C::getViewCmdName(const TData& p) const {
@@ -64,8 +65,21 @@ QString TDev93C::getViewCmdParam(const TData& p, QWidget*) const {
     }
 }
 
-QWidget* TDev93C::getFormCmdParam(const TData&) const {
-    return nullptr;
+QWidget* TDev93C::getFormCmdParam(const TData& p) const {
+    const QString code = p.value(CTagCmd::cmd).toString();
+    switch (kindOf(code)) {
+    case Kind::Char:
+        return keepForm(TNormCmdParam::cmdRWVCharForm(this, p));
+    case Kind::Data:
+        return keepForm(TNormCmdParam::cmdRWVDataForm(this, p));
+    case Kind::File:
+        return keepForm(TNormCmdParam::cmdRWVFileForm(this, p));
+    default:
+        break;
+    }
+    if (code == set_clk) return keepForm(TNormCmdParam::cmdSetCLKForm(getDevConnect(), p));
+    if (code == leave) return keepForm(TNormCmdParam::cmdLeaveForm(this, p, true));
+    return keepForm(nullptr);
 }
 
 TData TDev93C::getChangedParam(const TData& p) const {

@@ -8,6 +8,8 @@
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TCmdCode.h"
+#include "ui/TFormCmd.h"
+#include "ui/TWgtRegisterForm.h"
 
 #include <QRegularExpression>
 
@@ -75,13 +77,22 @@ QStringList TDevAVR8_SPI::getSupportCmdList() const {
     return cmdList;
 }
 
-QString TDevAVR8_SPI::bytesDefault(const QString& code) const {
+// The catalogue key prefix of the byte group a command edits; empty for other commands.
+QString TDevAVR8_SPI::bytesGroup(const QString& code) {
     using namespace CTagCmdCode;
-    const char* key = isOneOf(code, {fuse_read, fuse_write, fuse_verify})   ? "fuse_def"
-                      : isOneOf(code, {lock_read, lock_write, lock_verify}) ? "lock_def"
-                      : code == QLatin1String(osccal_read)                  ? "osccal_def"
-                                                                            : nullptr;
-    return key ? devParam.value(QLatin1String(key)).toString() : QString();
+    if (isOneOf(code, {fuse_read, fuse_write, fuse_verify})) return QStringLiteral("fuse");
+    if (isOneOf(code, {lock_read, lock_write, lock_verify})) return QStringLiteral("lock");
+    if (code == QLatin1String(osccal_read)) return QStringLiteral("osccal");
+    return QString();
+}
+
+QString TDevAVR8_SPI::bytesDefault(const QString& code) const {
+    const QString group = bytesGroup(code);
+    return group.isEmpty() ? QString() : devParam.value(group + QStringLiteral("_def")).toString();
+}
+
+QString TDevAVR8_SPI::bytesConfig(const QString& code) {
+    return bytesGroup(code) + QStringLiteral("_cfg");
 }
 
 void TDevAVR8_SPI::getDefaultCmdParam(TData& p) {
@@ -126,8 +137,31 @@ QString TDevAVR8_SPI::getViewCmdParam(const TData& p, QWidget*) const {
     return QString();
 }
 
-QWidget* TDevAVR8_SPI::getFormCmdParam(const TData&) const {
-    return nullptr;
+QWidget* TDevAVR8_SPI::getFormCmdParam(const TData& p) const {
+    using namespace CTagCmdCode;
+    const QString code = p.value(CTagCmd::cmd).toString();
+    TFormCmd* form = nullptr;
+    if (code == QLatin1String(set_clk)) form = TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
+    if (isOneOf(code, {flash_char_write, flash_char_verify}))
+        form = TNormCmdParam::cmdRWVFlashCharForm(this, p);
+    if (isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
+        form = TNormCmdParam::cmdRWVFlashDataForm(this, p);
+    if (isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
+        form = TNormCmdParam::cmdRWVFlashFileForm(this, p);
+    if (isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
+        form = TNormCmdParam::cmdRWVEEPROMCharForm(this, p);
+    if (isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
+        form = TNormCmdParam::cmdRWVEEPROMDataForm(this, p);
+    if (isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
+        form = TNormCmdParam::cmdRWVEEPROMFileForm(this, p);
+    if (!bytesGroup(code).isEmpty()) {
+        // Read commands show what they read; only writes and verifies are edited.
+        form = new TFormCmd(p);
+        TWgtRegisterForm::addToForm(form, kData, devParam.value(bytesConfig(code)).toStringList(),
+                                    code.endsWith(QLatin1String("_read")));
+    }
+    if (code == QLatin1String(leave)) form = TNormCmdParam::cmdLeaveForm(this, p, true);
+    return keepForm(form);
 }
 
 TData TDevAVR8_SPI::getChangedParam(const TData& p) const {
@@ -175,8 +209,9 @@ void TDevAVR8_SPI::getDefaultParamCmdSetDevice(TData& p) {
     TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
 }
 
-QWidget* TDevAVR8_SPI::getWgtCmdSetDeviceParam(const TData&) {
-    return nullptr;
+// The device's own setting is its clock.
+QWidget* TDevAVR8_SPI::getWgtCmdSetDeviceParam(const TData& p) {
+    return TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
 }
 
 // The layout the other families use (type code 16 bits, cfg_hw, one family byte, clock 32 bits, delay);

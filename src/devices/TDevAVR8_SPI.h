@@ -30,7 +30,10 @@ public:
 private:
     // The catalogue default of the byte group a command edits (fuses, lock bits, calibration); empty for
     // other commands.
+    static QString bytesGroup(const QString& code);
     QString bytesDefault(const QString& code) const;
+    // The key of the byte group's form description.
+    static QString bytesConfig(const QString& code);
     bool checkBytes(const QString& code, const TData& p) const;
 
     const QStringList cmdList;

@@ -12,18 +12,18 @@
 #include <QRegularExpression>
 
 namespace {
-const QString kAddrDevice = QStringLiteral("addr_device");
-const QString kCount = QStringLiteral("count");
-const QString kFill = QStringLiteral("fill_char");
-const QString kData = QStringLiteral("data");
-const QString kFile = QStringLiteral("file");
-const QString kAddrFile = QStringLiteral("addr_file");
-const QString kFormat = QStringLiteral("format");
-const QString kState = QStringLiteral("state");
-const QString kDuration = QStringLiteral("duration");
-const QString kClk = QStringLiteral("clk");
+const QString kAddrDevice = CTagCmdRWV::addr_device;
+const QString kCount = CTagCmdRWV::count;
+const QString kFill = CTagCmdRWV::fill_char;
+const QString kData = CTagCmdRWV::data;
+const QString kFile = CTagCmdRWV::file;
+const QString kAddrFile = CTagCmdRWV::addr_file;
+const QString kFormat = CTagCmdRWV::format;
+const QString kState = CTagCmdLeave::state;
+const QString kDuration = CTagCmdLeave::duration;
+const QString kClk = CTagCmdSetCLK::clk;
 
-void readPair(IDevice* dev, const char* beginKey, const char* sizeKey, qint64& begin, qint64& size) {
+void readPair(const IDevice* dev, const char* beginKey, const char* sizeKey, qint64& begin, qint64& size) {
     const TData d = dev ? dev->getDevParam() : TData();
     begin = d.value(beginKey).toLongLong();
     size = d.value(sizeKey).toLongLong();
@@ -41,13 +41,13 @@ bool isInt64(const QVariant& v) {
 }
 } // namespace
 
-void TNormCmdParam::readDevData(IDevice* dev, qint64& b, qint64& s) {
+void TNormCmdParam::readDevData(const IDevice* dev, qint64& b, qint64& s) {
     readPair(dev, "addr_begin", "size", b, s);
 }
-void TNormCmdParam::readDevDataFlash(IDevice* dev, qint64& b, qint64& s) {
+void TNormCmdParam::readDevDataFlash(const IDevice* dev, qint64& b, qint64& s) {
     readPair(dev, "flash_addr_begin", "flash_size", b, s);
 }
-void TNormCmdParam::readDevDataEEPROM(IDevice* dev, qint64& b, qint64& s) {
+void TNormCmdParam::readDevDataEEPROM(const IDevice* dev, qint64& b, qint64& s) {
     readPair(dev, "eeprom_addr_begin", "eeprom_size", b, s);
 }
 
@@ -175,18 +175,27 @@ QString TNormCmdParam::cmdLeaveView(const TData& p, bool withDuration) {
     return view;
 }
 
-QByteArray TNormCmdParam::cmdLeaveExec(int idCmd, bool withDuration) {
+TProg* TNormCmdParam::pinsOf(int idCmd, const IDevice* dev, QStringList& pins) {
     TLocker lock(ProjectData.getMutex());
     TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(idCmd);
     TProg* prog = cmd ? cmd->getProgObject() : nullptr;
+    // The pins are those of the device the command works on, whichever family edits it.
+    if (cmd) dev = cmd->getDeviceObject();
+    pins = prog ? prog->getPinsConnect(dev ? dev->getDevConnect() : QString(), 0) : QStringList();
+    return prog;
+}
+
+QByteArray TNormCmdParam::cmdLeaveExec(int idCmd, bool withDuration) {
+    TLocker lock(ProjectData.getMutex());
+    QStringList pinNames;
+    TProg* prog = pinsOf(idCmd, nullptr, pinNames);
     if (!prog) return QByteArray();
-    const TData p = cmd->getParam();
+    const TData p = ProjectData.getCmdObjectFromIdCmd(idCmd)->getParam();
     const int duration = withDuration ? p.value(kDuration).toInt() : 0;
     QByteArray payload;
     payload.append(char(duration & 0xFF));
     payload.append(char((duration >> 8) & 0xFF));
-    IDevice* dev = cmd->getDeviceObject();
-    const int pins = prog->getPinsConnect(dev ? dev->getDevConnect() : QString(), 0).size();
+    const int pins = pinNames.size();
     QString state = p.value(kState).toString();
     if (state.size() < pins) state += QString(pins - state.size(), QLatin1Char('-'));
     for (const QChar c : state)
