@@ -14,21 +14,12 @@
 #include <cmath>
 
 namespace {
-const QString kVcc = QStringLiteral("vcc"), kVpp = QStringLiteral("vpp"), kIcc = QStringLiteral("icc"),
-              kIpp = QStringLiteral("ipp"), kOcp = QStringLiteral("ocp"),
-              kDuration = QStringLiteral("duration"), kFreq = QStringLiteral("freq"),
-              kDuty = QStringLiteral("duty_cycle"), kRoute = QStringLiteral("route"),
-              kName = QStringLiteral("name"), kStop = QStringLiteral("stop"),
-              kExecute = QStringLiteral("execute");
-
-// Checks compare tenths rounded to nearest (halves away from zero), while packets truncate.
-bool tenthsInRange(const QVariant& v, double min, double max) {
-    bool ok = false;
-    const double value = v.toDouble(&ok);
-    if (!ok) return false;
-    const long t = std::lround(value * 10);
-    return t >= std::lround(min * 10) && t <= std::lround(max * 10);
-}
+const QString kVcc = CTagCmdProgSetVICC::vcc, kVpp = CTagCmdProgSetVIPP::vpp, kIcc = CTagCmdProgSetVICC::icc,
+              kIpp = CTagCmdProgSetVIPP::ipp, kOcp = CTagCmdProgSetVICC::ocp,
+              kDuration = CTagCmdProgReset::duration, kFreq = CTagCmdProgGenerator::freq,
+              kDuty = CTagCmdProgGenerator::duty_cycle, kRoute = CTagCmdProgAutoDetect::route,
+              kName = CTagCmdProgAutoDetect::name, kStop = CTagCmdProgAutoDetect::stop,
+              kExecute = CTagCmdProgAutoDetect::execute;
 
 QString volts(const TData& p, const QString& key) {
     return QString::number(p.value(key).toDouble(), 'f', 1);
@@ -41,7 +32,8 @@ bool voltCurrentInRange(const TData& p, const QString& vKey, const QString& iKey
     double vmin = 0, vmax = 0, imin = 0, imax = 0;
     vRange(vmin, vmax);
     iRange(imin, imax);
-    return tenthsInRange(p.value(vKey), vmin, vmax) && tenthsInRange(p.value(iKey), imin, imax);
+    return TDevProg::isTenthsInRange(p.value(vKey), vmin, vmax) &&
+           TDevProg::isTenthsInRange(p.value(iKey), imin, imax);
 }
 
 QString voltCurrentView(const TData& p, const QString& vKey, const QString& iKey) {
@@ -81,6 +73,25 @@ TProg* TDevProg::progOf(const TData& p) {
     TLocker lock(ProjectData.getMutex());
     TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(p.value(CTagCmd::id_cmd, -1).toInt());
     return cmd ? cmd->getProgObject() : nullptr;
+}
+
+IDevice* TDevProg::deviceOf(const TData& p) {
+    TLocker lock(ProjectData.getMutex());
+    TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(p.value(CTagCmd::id_cmd, -1).toInt());
+    return cmd ? cmd->getDeviceObject() : nullptr;
+}
+
+bool TDevProg::isTenthsInRange(const QVariant& v, double min, double max) {
+    bool ok = false;
+    const double value = v.toDouble(&ok);
+    if (!ok) return false;
+    const long t = std::lround(value * 10);
+    return t >= std::lround(min * 10) && t <= std::lround(max * 10);
+}
+
+bool TDevProg::isResetInRange(int d, int min, int max) {
+    const int a = std::abs(d);
+    return a <= max && (d == 0 || a >= min);
 }
 
 void TDevProg::getDefaultCmdParam(TData& p) {
@@ -126,10 +137,6 @@ QString TDevProg::getViewCmdParam(const TData& p, QWidget*) const {
     if (code == set_device) return p.value(CTagCmdProgSetDevice::device).toString();
     if (code == auto_detect) return cmdAutoDetectView(p);
     return QString();
-}
-
-QWidget* TDevProg::getFormCmdParam(const TData&) const {
-    return nullptr;
 }
 
 TData TDevProg::getChangedParam(const TData& p) const {
@@ -180,7 +187,7 @@ bool TDevProg::cmdSetVCCCheck(TProg* prog, const TData& p) {
     double min = 0, max = 0;
     if (!prog) return false;
     prog->getVccRange(min, max);
-    return tenthsInRange(p.value(kVcc), min, max);
+    return isTenthsInRange(p.value(kVcc), min, max);
 }
 
 QString TDevProg::cmdSetVCCView(const TData& p) {
@@ -195,7 +202,7 @@ bool TDevProg::cmdSetVPPCheck(TProg* prog, const TData& p) {
     double min = 0, max = 0;
     if (!prog) return false;
     prog->getVppRange(min, max);
-    return tenthsInRange(p.value(kVpp), min, max);
+    return isTenthsInRange(p.value(kVpp), min, max);
 }
 
 QString TDevProg::cmdSetVPPView(const TData& p) {
@@ -246,8 +253,7 @@ bool TDevProg::cmdResetCheck(TProg* prog, const TData& p) {
     if (!prog || !ok) return false;
     int min = 0, max = 0;
     prog->getReset(min, max);
-    const int a = std::abs(d);
-    return a <= max && (d == 0 || a >= min);
+    return isResetInRange(d, min, max);
 }
 
 QString TDevProg::cmdResetView(const TData& p) {

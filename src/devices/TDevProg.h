@@ -1,7 +1,41 @@
 #pragma once
 
 #include "devices/IDevice.h"
+#include "project/CTagPrj.h"
 
+// Parameter keys of the programmer commands.
+namespace CTagCmdProgSetVCC {
+inline constexpr const char* vcc = "vcc";
+}
+namespace CTagCmdProgSetVPP {
+inline constexpr const char* vpp = "vpp";
+}
+namespace CTagCmdProgSetVICC {
+inline constexpr const char* vcc = "vcc";
+inline constexpr const char* icc = "icc";
+inline constexpr const char* ocp = "ocp";
+} // namespace CTagCmdProgSetVICC
+namespace CTagCmdProgSetVIPP {
+inline constexpr const char* vpp = "vpp";
+inline constexpr const char* ipp = "ipp";
+inline constexpr const char* ocp = "ocp";
+} // namespace CTagCmdProgSetVIPP
+namespace CTagCmdProgSetIO {
+inline constexpr const char* state = "state";
+}
+namespace CTagCmdProgReset {
+inline constexpr const char* duration = "duration";
+}
+namespace CTagCmdProgGenerator {
+inline constexpr const char* freq = "freq";
+inline constexpr const char* duty_cycle = "duty_cycle";
+} // namespace CTagCmdProgGenerator
+namespace CTagCmdProgAutoDetect {
+inline constexpr const char* stop = "stop";
+inline constexpr const char* execute = "execute";
+} // namespace CTagCmdProgAutoDetect
+
+class TFormCmd;
 class TProg;
 
 // The programmer's own commands: supplies and current limits, pin states, reset pulse, generator,
@@ -53,6 +87,25 @@ public:
     static bool cmdAutoDetectCheck(const TData& p);
     static QString cmdAutoDetectView(const TData& p);
 
+    // Forms: ranges and defaults come from the programmer description (none without a programmer).
+    static TFormCmd* cmdSetVCCForm(TProg* prog, const TData& p);
+    static TFormCmd* cmdSetVPPForm(TProg* prog, const TData& p);
+    static TFormCmd* cmdSetVICCForm(TProg* prog, const TData& p);
+    static TFormCmd* cmdSetVIPPForm(TProg* prog, const TData& p);
+    static TFormCmd* cmdSetIOForm(TProg* prog, const TData& p);
+    static TFormCmd* cmdResetForm(TProg* prog, const TData& p);
+    static TFormCmd* cmdGeneratorForm(TProg* prog, const TData& p);
+    static TFormCmd* cmdSetDeviceForm(const TData& p);
+    static TFormCmd* cmdAutoDetectForm(const TData& p);
+
+    // The rules the checks and the forms share.
+    // Tenths of the value rounded to nearest (halves away from zero) within the likewise rounded range.
+    static bool isTenthsInRange(const QVariant& value, double min, double max);
+    // No pulse, or a pulse of min..max ms of either polarity.
+    static bool isResetInRange(int duration, int min, int max);
+
     // The programmer description bound to the command that the record belongs to (by its id_cmd).
     static TProg* progOf(const TData& p);
+    // The device object bound to that command (the one its configuration's set_device chose).
+    static IDevice* deviceOf(const TData& p);
 };

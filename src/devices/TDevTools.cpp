@@ -58,7 +58,7 @@ void TDevTools::getDefaultCmdParam(TData& p) {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
     if (code == delay) {
-        p.insert("value", 100);
+        p.insert("value", delayDef);
     } else if (code == counter) {
         p.insert("value", 0);
         p.insert("limit", 0);
@@ -123,9 +123,6 @@ QString TDevTools::getViewCmdParam(const TData& p, QWidget*) const {
     return QString();
 }
 
-QWidget* TDevTools::getFormCmdParam(const TData&) const {
-    return nullptr;
-}
 TData TDevTools::getChangedParam(const TData& p) const {
     return formParam(p);
 }

@@ -1,6 +1,37 @@
 #pragma once
 
 #include "devices/IDevice.h"
+#include "project/CTagPrj.h"
+
+#include <QVariantList>
+
+class QComboBox;
+class TFormCmd;
+
+// Parameter keys of the tools commands.
+namespace CTagCmdToolsDelay {
+inline constexpr const char* value = "value";
+}
+namespace CTagCmdToolsCounter {
+inline constexpr const char* value = "value";
+inline constexpr const char* limit = "limit";
+inline constexpr const char* delta = "delta";
+} // namespace CTagCmdToolsCounter
+namespace CTagCmdToolsProcess {
+inline constexpr const char* file = "file";
+}
+namespace CTagCmdToolsCalcCRC {
+inline constexpr const char* crc_name = "crc_name";
+inline constexpr const char* file = "file";
+inline constexpr const char* format = "format";
+inline constexpr const char* addr = "addr";
+inline constexpr const char* count = "count";
+inline constexpr const char* fill = "fill";
+} // namespace CTagCmdToolsCalcCRC
+namespace CTagCmdToolsSetProg {
+inline constexpr const char* alt_enabled = "alt_enabled";
+inline constexpr const char* alt_port = "alt_port";
+} // namespace CTagCmdToolsSetProg
 
 // Commands that steer a run rather than a chip: delay, pause, stop, counter, jump, external process,
 // running another configuration, CRC calculation and the choice of the programmer.
@@ -30,4 +61,19 @@ public:
 
     // The first command of the record's configuration (id_cfg), or -1.
     static int cmdJampDefault(const TData& param);
+    static constexpr int delayDef = 100;
+
+    static TFormCmd* cmdDelayForm(const TData& p);
+    static TFormCmd* cmdCounterForm(const TData& p);
+    static TFormCmd* cmdJampForm(const TData& p);
+    static TFormCmd* cmdProcessForm(const TData& p);
+    static TFormCmd* cmdExecuteForm(const TData& p);
+    static TFormCmd* cmdCalcCRCForm(const TData& p);
+    static TFormCmd* cmdSetProgForm(const TData& p);
+
+    // A choice of values for key. The record's value is found among them as text (ignoring case when
+    // asked) and kept as the record spells it; a value that is not offered stays selected, so an unedited
+    // form gives it back, and is marked as invalid.
+    static QComboBox* addFormChoice(TFormCmd* form, const QString& key, const QString& caption,
+                                    QStringList texts, QVariantList values, bool caseless = false);
 };

@@ -1,0 +1,194 @@
+#include "devices/TDevTools.h"
+
+#include "app/TAppData.h"
+#include "app/TLang.h"
+#include "formats/TCRC.h"
+#include "formats/TFormat.h"
+#include "link/TSerialPort.h"
+#include "project/CTagCmdCode.h"
+#include "project/TCmdCode.h"
+#include "project/TDataCfg.h"
+#include "project/TDataCmd.h"
+#include "project/TDataPrj.h"
+#include "ui/TFormCmd.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+
+#include <limits>
+
+namespace {
+constexpr qint64 int32Min = std::numeric_limits<qint32>::min();
+constexpr qint64 int32Max = std::numeric_limits<qint32>::max();
+constexpr qint64 int64Max = std::numeric_limits<qint64>::max();
+
+// A range hint followed by the default, as one line beside the editor.
+QString rangeAndDefault(const QString& range, const QString& def) {
+    return range + QStringLiteral(", ") + def;
+}
+
+// The configuration of a command record: its id_cfg, or the one its command belongs to.
+int cfgOf(const TData& p) {
+    const int idCfg = p.value(CTagCmd::id_cfg, -1).toInt();
+    return idCfg >= 0 ? idCfg : ProjectData.getIdCfgFromIdCmd(p.value(CTagCmd::id_cmd, -1).toInt());
+}
+
+// "3. Delay (100 ms)": the command's place in its configuration, its name and its view.
+QString cmdTitle(int pos, TDataCmd* cmd) {
+    QString title = QStringLiteral("%1. %2").arg(pos + 1).arg(CmdCode.getName(cmd->getCmdCode()));
+    IDevice* group = cmd->getGroupObject();
+    const QString view = group ? group->getViewCmdParam(cmd->getData(), nullptr) : QString();
+    return view.isEmpty() ? title : QStringLiteral("%1 (%2)").arg(title, view);
+}
+} // namespace
+
+QWidget* TDevTools::getFormCmdParam(const TData& p) const {
+    using namespace CTagCmdCode;
+    const QString code = p.value(CTagCmd::cmd).toString();
+    TFormCmd* form = nullptr;
+    if (code == delay)
+        form = cmdDelayForm(p);
+    else if (code == counter)
+        form = cmdCounterForm(p);
+    else if (code == jamp)
+        form = cmdJampForm(p);
+    else if (code == process)
+        form = cmdProcessForm(p);
+    else if (code == execute)
+        form = cmdExecuteForm(p);
+    else if (code == calc_crc)
+        form = cmdCalcCRCForm(p);
+    else if (code == set_prog)
+        form = cmdSetProgForm(p);
+    return form ? keepForm(form) : nullptr;
+}
+
+QComboBox* TDevTools::addFormChoice(TFormCmd* form, const QString& key, const QString& caption,
+                                    QStringList texts, QVariantList values, bool caseless) {
+    const QVariant current = form->getOrigin().value(key);
+    const Qt::CaseSensitivity cs = caseless ? Qt::CaseInsensitive : Qt::CaseSensitive;
+    int index = -1;
+    for (int i = 0; i < values.size() && index < 0; ++i) {
+        if (QString::compare(values[i].toString(), current.toString(), cs) == 0) index = i;
+    }
+    int unknown = -1;
+    if (index >= 0) {
+        values[index] = current;
+    } else if (current.isValid()) {
+        index = unknown = values.size();
+        texts.append(current.toString().isEmpty() ? QStringLiteral("?") : current.toString());
+        values.append(current);
+    }
+    auto* box = new QComboBox(form);
+    box->setObjectName(key);
+    box->addItems(texts);
+    box->setCurrentIndex(qMax(index, 0));
+    QObject::connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), form, &TFormCmd::changed);
+    form->addField(
+        key, caption, box,
+        [box, values] {
+            const int i = box->currentIndex();
+            return i >= 0 && i < values.size() ? values[i] : QVariant();
+        },
+        [box, unknown] {
+            return unknown >= 0 && box->currentIndex() == unknown ? Lang.get(515) : QString();
+        });
+    return box;
+}
+
+TFormCmd* TDevTools::cmdDelayForm(const TData& p) {
+    auto* form = new TFormCmd(p);
+    form->addInt(CTagCmdToolsDelay::value, Lang.get(521), 0, int32Max,
+                 rangeAndDefault(Lang.get(500).arg(0).arg(int32Max), Lang.get(501).arg(delayDef)))
+        ->setObjectName(CTagCmdToolsDelay::value);
+    return form;
+}
+
+TFormCmd* TDevTools::cmdCounterForm(const TData& p) {
+    using namespace CTagCmdToolsCounter;
+    auto* form = new TFormCmd(p);
+    form->addInt(value, Lang.get(522), int32Min, int32Max)->setObjectName(value);
+    form->addInt(limit, Lang.get(523), int32Min, int32Max)->setObjectName(limit);
+    form->addInt(delta, Lang.get(524), int32Min, int32Max)->setObjectName(delta);
+    return form;
+}
+
+TFormCmd* TDevTools::cmdJampForm(const TData& p) {
+    auto* form = new TFormCmd(p);
+    QStringList texts;
+    QVariantList values;
+    {
+        TLocker lock(ProjectData.getMutex());
+        for (TDataCmd* cmd : ProjectData.getCmdListCfg(cfgOf(p))) {
+            texts.append(cmdTitle(texts.size(), cmd));
+            values.append(cmd->getUIN());
+        }
+    }
+    addFormChoice(form, CTagCmdToolsJamp::to_cmd, Lang.get(525), texts, values);
+    return form;
+}
+
+TFormCmd* TDevTools::cmdProcessForm(const TData& p) {
+    auto* form = new TFormCmd(p);
+    form->addFile(CTagCmdToolsProcess::file, Lang.get(526), QString(), false)
+        ->setObjectName(CTagCmdToolsProcess::file);
+    return form;
+}
+
+TFormCmd* TDevTools::cmdExecuteForm(const TData& p) {
+    auto* form = new TFormCmd(p);
+    QStringList texts;
+    QVariantList values;
+    {
+        TLocker lock(ProjectData.getMutex());
+        for (TDataCfg* cfg : ProjectData.getCfgList()) {
+            texts.append(cfg->getName());
+            values.append(cfg->getUIN());
+        }
+    }
+    addFormChoice(form, CTagCmdToolsExecute::cfg, Lang.get(527), texts, values);
+    return form;
+}
+
+TFormCmd* TDevTools::cmdCalcCRCForm(const TData& p) {
+    using namespace CTagCmdToolsCalcCRC;
+    auto* form = new TFormCmd(p);
+    const QStringList names = TCRC::getAlgListView();
+    addFormChoice(form, crc_name, Lang.get(528), names, QVariantList(names.begin(), names.end()));
+    form->addFile(file, Lang.get(529), TFormat::getMaskFormats(), false)->setObjectName(file);
+    const QStringList formats = TFormat::getViewFormats();
+    QVariantList stored;
+    for (const QString& f : formats)
+        stored.append(f.toLower());
+    addFormChoice(form, format, Lang.get(530), formats, stored, true);
+    form->addHex(addr, Lang.get(531), 0, int64Max)->setObjectName(addr);
+    form->addHex(count, Lang.get(532), 0, int64Max)->setObjectName(count);
+    form->addHex(fill, Lang.get(533), 0, 0xFF)->setObjectName(fill);
+    return form;
+}
+
+TFormCmd* TDevTools::cmdSetProgForm(const TData& p) {
+    using namespace CTagCmdToolsSetProg;
+    auto* form = new TFormCmd(p);
+    const QStringList names = AppData.progName.getNameList();
+    addFormChoice(form, prog, Lang.get(534), names, QVariantList(names.begin(), names.end()));
+    QCheckBox* alt = form->addCheck(alt_enabled, Lang.get(535));
+    alt->setObjectName(alt_enabled);
+    // The port list shows "name (maker description)"; the record keeps the bare port name.
+    auto* port = new QComboBox(form);
+    port->setObjectName(alt_port);
+    port->setEditable(true);
+    port->addItems(TSerialPort::getListPortName());
+    port->setEditText(p.value(alt_port).toString());
+    port->setEnabled(alt->isChecked());
+    QObject::connect(alt, &QCheckBox::toggled, port, &QWidget::setEnabled);
+    QObject::connect(port, &QComboBox::editTextChanged, form, &TFormCmd::changed);
+    form->addField(
+        alt_port, Lang.get(536), port,
+        [port] { return QVariant(TSerialPort::getPortNameFromFullName(port->currentText().trimmed())); },
+        [port, alt] {
+            return alt->isChecked() && port->currentText().trimmed().isEmpty() ? Lang.get(494) : QString();
+        });
+    return form;
+}
