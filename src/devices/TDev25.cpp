@@ -11,7 +11,9 @@
 #include "ui/TFormCmd.h"
 #include "ui/TWgtRegisterForm.h"
 
+#include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
 
 namespace {
 const QString kData = QStringLiteral("data"), kSize = QStringLiteral("size"),
@@ -184,10 +186,10 @@ TFormCmd* TDev25::formEraseBlocks(const TData& p) const {
         texts << TMiscDev::getViewDeviceSize(size);
         sizes << size;
     }
-    form->addChoice(kSize, Lang.get(585), texts, sizes);
+    form->addChoice(kSize, Lang.get(585), texts, sizes)->setObjectName(kSize);
     const qint64 size = devValue("size");
-    form->addInt(kBegin, Lang.get(586), 0, size);
-    form->addInt(kCount, Lang.get(587), 1, size);
+    form->addInt(kBegin, Lang.get(586), 0, size)->setObjectName(kBegin);
+    form->addInt(kCount, Lang.get(587), 1, size)->setObjectName(kCount);
     auto* view = new QLabel(form);
     connect(form, &TFormCmd::signalChanged, view,
             [form, view] { view->setText(cmdEraseBlocksView(form->getParam())); });

@@ -18,6 +18,8 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 
 #include <functional>
 #include <limits>
@@ -50,7 +52,7 @@ void addDeviceNote(TFormCmd* form, qint64 begin, qint64 size) {
 }
 
 void addAddress(TFormCmd* form, qint64 begin, qint64 size) {
-    form->addHex(kAddrDevice, Lang.get(561), begin, begin + size - 1);
+    form->addHex(kAddrDevice, Lang.get(561), begin, begin + size - 1)->setObjectName(kAddrDevice);
 }
 
 // The last row shows the range the command covers; it is invalid when the command list's own check
@@ -97,8 +99,8 @@ TFormCmd* TNormCmdParam::formRWVChar(const TData& p, qint64 begin, qint64 size) 
     auto* form = new TFormCmd(p);
     addDeviceNote(form, begin, size);
     addAddress(form, begin, size);
-    form->addHex(kCount, Lang.get(562), 1, size);
-    form->addHex(CTagCmdRWV::fill_char, Lang.get(563), 0, 255);
+    form->addHex(kCount, Lang.get(562), 1, size)->setObjectName(kCount);
+    form->addHex(CTagCmdRWV::fill_char, Lang.get(563), 0, 255)->setObjectName(CTagCmdRWV::fill_char);
     addRangeRow(
         form, begin, size, [begin, size](const TData& r) { return checkParamRWVChar(r, begin, size); },
         countOf);
@@ -109,7 +111,7 @@ TFormCmd* TNormCmdParam::formRWVData(const TData& p, qint64 begin, qint64 size) 
     auto* form = new TFormCmd(p);
     addDeviceNote(form, begin, size);
     addAddress(form, begin, size);
-    form->addHexData(CTagCmdRWV::data, Lang.get(564), true);
+    form->addHexData(CTagCmdRWV::data, Lang.get(564), true)->setObjectName(CTagCmdRWV::data);
     addRangeRow(
         form, begin, size, [begin, size](const TData& r) { return checkParamRWVData(r, begin, size); },
         dataCountOf);
@@ -121,11 +123,14 @@ TFormCmd* TNormCmdParam::formRWVFile(const TData& p, qint64 begin, qint64 size) 
     // A read writes the file, so its chooser asks where to save.
     const bool forSave = p.value(CTagCmd::cmd).toString().endsWith(QLatin1String("_read"));
     addDeviceNote(form, begin, size);
-    form->addFile(CTagCmdRWV::file, Lang.get(565), TFormat::getMaskFormats(), forSave);
-    form->addChoice(CTagCmdRWV::format, Lang.get(566), TFormat::getViewFormats());
-    form->addHex(CTagCmdRWV::addr_file, Lang.get(567), 0, std::numeric_limits<qint64>::max());
+    form->addFile(CTagCmdRWV::file, Lang.get(565), TFormat::getMaskFormats(), forSave)
+        ->setObjectName(CTagCmdRWV::file);
+    form->addChoice(CTagCmdRWV::format, Lang.get(566), TFormat::getViewFormats())
+        ->setObjectName(CTagCmdRWV::format);
+    form->addHex(CTagCmdRWV::addr_file, Lang.get(567), 0, std::numeric_limits<qint64>::max())
+        ->setObjectName(CTagCmdRWV::addr_file);
     addAddress(form, begin, size);
-    form->addHex(kCount, Lang.get(562), 1, size);
+    form->addHex(kCount, Lang.get(562), 1, size)->setObjectName(kCount);
     addRangeRow(
         form, begin, size, [begin, size](const TData& r) { return checkParamRWVFile(r, begin, size); },
         countOf);
@@ -176,6 +181,7 @@ TFormCmd* TNormCmdParam::cmdLeaveForm(const IDevice* dev, const TData& p, bool w
             qMax(0, states.letters.indexOf(i < origin.size() ? origin.at(i) : QChar('-'))));
         QObject::connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), form,
                          &TFormCmd::changed);
+        combo->setObjectName(pins.at(i));
         rows->addRow(pins.at(i), combo);
         combos << combo;
     }
@@ -189,12 +195,34 @@ TFormCmd* TNormCmdParam::cmdLeaveForm(const IDevice* dev, const TData& p, bool w
         r.insert(kState, state);
     });
     if (withDuration)
-        form->addInt(CTagCmdLeave::duration, Lang.get(571), 0, 0xFFFF, Lang.get(572).arg(0).arg(0xFFFF));
+        form->addInt(CTagCmdLeave::duration, Lang.get(571), 0, 0xFFFF, Lang.get(572).arg(0).arg(0xFFFF))
+            ->setObjectName(CTagCmdLeave::duration);
     return form;
 }
 
 QString TNormCmdParam::getNormIOStateForm(int state) {
-    return state >= 0 && state < 9 ? Lang.get(575 + state) : QStringLiteral("?");
+    switch (state) {
+    case 0:
+        return Lang.get(575);
+    case 1:
+        return Lang.get(576);
+    case 2:
+        return Lang.get(577);
+    case 3:
+        return Lang.get(578);
+    case 4:
+        return Lang.get(579);
+    case 5:
+        return Lang.get(580);
+    case 6:
+        return Lang.get(581);
+    case 7:
+        return Lang.get(582);
+    case 8:
+        return Lang.get(583);
+    default:
+        return QStringLiteral("?");
+    }
 }
 
 // ---- clock ----
@@ -205,7 +233,8 @@ TFormCmd* TNormCmdParam::cmdSetCLKForm(const QString& group, const TData& p) {
     TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(p.value(CTagCmd::id_cmd, -1).toInt());
     const TProg* prog = cmd ? cmd->getProgObject() : nullptr;
     if (!prog) {
-        form->addInt(CTagCmdSetCLK::clk, Lang.get(573), 0, std::numeric_limits<int>::max());
+        form->addInt(CTagCmdSetCLK::clk, Lang.get(573), 0, std::numeric_limits<int>::max())
+            ->setObjectName(CTagCmdSetCLK::clk);
         return form;
     }
     bool isList = false;
@@ -214,7 +243,8 @@ TFormCmd* TNormCmdParam::cmdSetCLKForm(const QString& group, const TData& p) {
     prog->getCLK(group, isList, min, max, values);
     if (!isList) {
         form->addInt(CTagCmdSetCLK::clk, Lang.get(573), min, max,
-                     Lang.get(574).arg(TMiscDev::getViewFreqValue(min), TMiscDev::getViewFreqValue(max)));
+                     Lang.get(574).arg(TMiscDev::getViewFreqValue(min), TMiscDev::getViewFreqValue(max)))
+            ->setObjectName(CTagCmdSetCLK::clk);
         return form;
     }
     // In list mode the command keeps the list key; the user chooses among the frequencies.
@@ -224,6 +254,6 @@ TFormCmd* TNormCmdParam::cmdSetCLKForm(const QString& group, const TData& p) {
         texts << TMiscDev::getViewFreqValue(prog->getCLKValue(group, unsigned(n)));
         keys << n;
     }
-    form->addChoice(CTagCmdSetCLK::clk, Lang.get(573), texts, keys);
+    form->addChoice(CTagCmdSetCLK::clk, Lang.get(573), texts, keys)->setObjectName(CTagCmdSetCLK::clk);
     return form;
 }
