@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/TTypes.h"
+#include "ui/TPrjHistory.h"
 
 #include <QHash>
 #include <QMainWindow>
@@ -17,6 +18,7 @@ class QTabWidget;
 class QThread;
 class TExec;
 class TWgtCfg;
+class TWgtCmdList;
 class TWgtPrjList;
 
 // The application's main window: the project-list tree, one tab per configuration with its command list
@@ -55,6 +57,35 @@ public:
     // Loads the project list chosen in the list of lists.
     void loadSelectedPrjList();
 
+    // Editing of the open project. Each call is one step of undo and redo, refused (false, or -1 for an
+    // id) while any configuration runs. Commands are inserted and pasted after the current command of
+    // the current configuration, or after its last one when none is current.
+    bool canEdit() const;
+    TWgtCmdList* currentCmdList() const;
+    // Three submenus (tools, programmer, device commands) of what may be inserted at that place.
+    void fillInsertMenu(QMenu* menu);
+    // A new command with its family's defaults; insertCmdForm then opens its form, and a cancelled form
+    // takes the command back.
+    int insertCmd(const QString& code);
+    bool insertCmdForm(const QString& code);
+    bool editCmd(int idCmd, const TData& param);
+    bool editCmdForm(int idCmd);
+    bool copyCmds();
+    bool cutCmds();
+    bool pasteCmds();
+    bool deleteCmds();
+    bool moveCurrentCmd(int delta);
+    bool checkCmds(bool on);
+    bool checkAllCmds(bool on);
+    int addCfg(const QString& name, const QString& desc);
+    bool renameCfg(int idCfg, const QString& name, const QString& desc);
+    bool moveCfg(int idCfg, int delta);
+    bool deleteCfg(int idCfg);
+    bool undo();
+    bool redo();
+    bool canUndo() const { return history.canUndo(); }
+    bool canRedo() const { return history.canRedo(); }
+
 signals:
     void signalStop(int idCfg);
     void signalPauseReset(int idCfg);
@@ -72,14 +103,21 @@ protected:
     // The window's questions and messages; tests answer them in place of the user.
     virtual QMessageBox::StandardButton ask(const QString& text, QMessageBox::StandardButtons buttons);
     virtual void showError(const QString& text);
+    // The forms of a command and of a configuration; false when the user cancelled. A fresh command
+    // whose family has nothing to set is taken without asking.
+    virtual bool askCmdParam(int idCmd, TData& param, bool fresh);
+    virtual bool askCfg(int idCfg, QString& name, QString& desc);
 
 private:
     void createActions();
     void createMenus();
     void createToolBar();
     QAction* action(const char* key, const QString& text, const char* icon, std::function<void()> fn);
+    void createEditActions();
+    void addActions(QMenu* menu, const QStringList& keys);
     void rebuildTabs();
     void addCfgTab(int idCfg);
+    TWgtCfg* makeCfgView(int idCfg);
     void updateTab(int idCfg);
     void updateActions();
     void updateTitle();
@@ -93,6 +131,22 @@ private:
     void saveWindowSettings() const;
     void applyIconSet();
     QString askFileName(bool save);
+
+    bool beginEdit();
+    void endEdit();
+    bool edit(const std::function<void()>& fn);
+    void afterEdit();
+    int placeIdCmd() const;
+    int insertPos() const;
+    int insertNewCmd(const QString& code);
+    void selectCmds(const QList<int>& ids);
+    void addInsertMenu(QMenu* parent, const QString& title, const QStringList& codes);
+    bool restoreStep(bool back);
+    void restoreViews();
+    void showCmdMenu(const QPoint& global);
+    void showCfgMenu(const QPoint& pos);
+    void actAddCfg();
+    void actRenameCfg();
 
     void actNew();
     void actOpen();
@@ -115,6 +169,7 @@ private:
     QLabel* statusPrj;
     QLabel* statusRun;
     QMenu* recentMenu = nullptr;
+    QMenu* insertMenu = nullptr;
     QList<QAction*> actions;
     QHash<QString, QAction*> actionByKey;
     QHash<int, TWgtCfg*> cfgViews;
@@ -122,4 +177,7 @@ private:
     QSet<int> paused;
     QStringList recent;
     bool processConfirmed = false;
+    TPrjHistory history;
+    // While a snapshot is read back the views wait and are rebuilt once at its end.
+    bool restoring = false;
 };

@@ -13,3 +13,8 @@ TWgtCfg::TWgtCfg(int id, QWidget* parent) : QTabWidget(parent), idCfg(id) {
     addTab(cmds, Lang.get(23));
     addTab(logExec, Lang.get(24));
 }
+
+void TWgtCfg::setIdCfg(int id) {
+    idCfg = id;
+    cmds->setIdCfg(id);
+}

@@ -12,12 +12,14 @@ public:
     explicit TWgtCfg(int idCfg, QWidget* parent = nullptr);
 
     int getIdCfg() const { return idCfg; }
+    // The page now stands for another configuration id; its log stays.
+    void setIdCfg(int id);
     TWgtCmdList* cmdList() const { return cmds; }
     TWgtLogExec* log() const { return logExec; }
     void showLog() { setCurrentIndex(1); }
 
 private:
-    const int idCfg;
+    int idCfg;
     TWgtCmdList* cmds;
     TWgtLogExec* logExec;
 };

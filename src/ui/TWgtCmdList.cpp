@@ -10,6 +10,7 @@
 #include "project/TDataPrj.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 
 TWgtCmdList::TWgtCmdList(int id, QWidget* parent) : QTreeWidget(parent), idCfg(id) {
     setColumnCount(2);
@@ -19,8 +20,56 @@ TWgtCmdList::TWgtCmdList(int id, QWidget* parent) : QTreeWidget(parent), idCfg(i
     setAlternatingRowColors(true);
     header()->setStretchLastSection(true);
     header()->resizeSection(0, 260);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setContextMenuPolicy(Qt::CustomContextMenu);
     connect(this, &QTreeWidget::itemChanged, this, &TWgtCmdList::slotItemChanged);
+    connect(this, &QTreeWidget::itemDoubleClicked, this,
+            [this](QTreeWidgetItem* item) { emit signalEditCmd(item->data(0, Qt::UserRole).toInt()); });
     refresh();
+}
+
+void TWgtCmdList::setIdCfg(int id) {
+    idCfg = id;
+    // The rows' ids are another project's: nothing of them is current or selected any more.
+    filling = true;
+    clear();
+    filling = false;
+    refresh();
+}
+
+QTreeWidgetItem* TWgtCmdList::itemOf(int idCmd) const {
+    for (int i = 0; i < topLevelItemCount(); ++i)
+        if (topLevelItem(i)->data(0, Qt::UserRole).toInt() == idCmd) return topLevelItem(i);
+    return nullptr;
+}
+
+void TWgtCmdList::setCurrentIdCmd(int idCmd) {
+    if (QTreeWidgetItem* item = itemOf(idCmd)) setCurrentItem(item);
+}
+
+QList<int> TWgtCmdList::selectedIdCmds() const {
+    QList<int> ids;
+    for (int i = 0; i < topLevelItemCount(); ++i)
+        if (topLevelItem(i)->isSelected()) ids.append(topLevelItem(i)->data(0, Qt::UserRole).toInt());
+    if (ids.isEmpty() && currentIdCmd() >= 0) ids.append(currentIdCmd());
+    return ids;
+}
+
+void TWgtCmdList::selectIdCmds(const QList<int>& ids) {
+    clearSelection();
+    for (int id : ids)
+        if (QTreeWidgetItem* item = itemOf(id)) item->setSelected(true);
+    if (!ids.isEmpty())
+        if (QTreeWidgetItem* item = itemOf(ids.last()))
+            setCurrentItem(item, 0, QItemSelectionModel::NoUpdate);
+}
+
+void TWgtCmdList::keyPressEvent(QKeyEvent* event) {
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIdCmd() >= 0) {
+        emit signalEditCmd(currentIdCmd());
+        return;
+    }
+    QTreeWidget::keyPressEvent(event);
 }
 
 int TWgtCmdList::currentIdCmd() const {
@@ -52,6 +101,7 @@ void TWgtCmdList::fillItem(QTreeWidgetItem* item, TDataCmd* cmd) {
 
 void TWgtCmdList::refresh() {
     const int current = currentIdCmd();
+    const QList<int> selected = selectedIdCmds();
     filling = true;
     clear();
     {
@@ -59,7 +109,8 @@ void TWgtCmdList::refresh() {
         for (TDataCmd* cmd : ProjectData.getCmdListCfg(idCfg)) {
             auto* item = new QTreeWidgetItem(this);
             fillItem(item, cmd);
-            if (cmd->getUIN() == current) setCurrentItem(item);
+            if (cmd->getUIN() == current) setCurrentItem(item, 0, QItemSelectionModel::NoUpdate);
+            item->setSelected(selected.contains(cmd->getUIN()));
         }
     }
     filling = false;
@@ -70,5 +121,5 @@ void TWgtCmdList::slotItemChanged(QTreeWidgetItem* item, int column) {
     const int idCmd = item->data(0, Qt::UserRole).toInt();
     const bool on = item->checkState(0) == Qt::Checked;
     if (ProjectData.getCmdData(idCmd).value(CTagCmd::status).toInt() != int(on))
-        ProjectData.enbCmd(idCmd, on);
+        emit signalCheckCmd(idCmd, on);
 }

@@ -1,0 +1,76 @@
+#include "ui/TDialogCfg.h"
+
+#include "app/TApp.h"
+#include "app/TLang.h"
+#include "project/TDataPrj.h"
+
+#include <QAbstractButton>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+TDialogCfg::TDialogCfg(int id, const QString& name, const QString& desc, QWidget* parent)
+    : QDialog(parent), idCfg(id) {
+    setWindowTitle(Lang.get(646));
+    auto* layout = new QVBoxLayout(this);
+    auto* form = new QFormLayout;
+    nameEdit = new QLineEdit(name, this);
+    descEdit = new QLineEdit(desc, this);
+    descEdit->setMinimumWidth(360);
+    form->addRow(Lang.get(647), nameEdit);
+    form->addRow(Lang.get(648), descEdit);
+    layout->addLayout(form);
+    error = new QLabel(this);
+    error->setWordWrap(true);
+    QPalette pal = error->palette();
+    pal.setColor(QPalette::WindowText, TApp::getErrorColorText());
+    error->setPalette(pal);
+    layout->addWidget(error);
+    buttons = new QDialogButtonBox(this);
+    buttons->addButton(Lang.get(90), QDialogButtonBox::AcceptRole);
+    buttons->addButton(Lang.get(91), QDialogButtonBox::RejectRole);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    layout->addWidget(buttons);
+    connect(nameEdit, &QLineEdit::textChanged, this, &TDialogCfg::updateState);
+    connect(descEdit, &QLineEdit::textChanged, this, &TDialogCfg::updateState);
+    nameEdit->selectAll();
+    updateState();
+}
+
+QString TDialogCfg::getName() const {
+    return nameEdit->text().trimmed();
+}
+
+QString TDialogCfg::getDesc() const {
+    return descEdit->text().trimmed();
+}
+
+QString TDialogCfg::checkText(const QString& text) {
+    for (const QChar c : text)
+        if (c == QLatin1Char('"') || c == QLatin1Char('\\') || c.category() == QChar::Other_Control)
+            return Lang.get(651);
+    return QString();
+}
+
+QString TDialogCfg::checkName(int idCfg, const QString& name) {
+    if (name.trimmed().isEmpty()) return Lang.get(649);
+    const int other = ProjectData.getIdCfgFromNameCfg(name.trimmed());
+    if (other >= 0 && other != idCfg) return Lang.get(650).arg(name.trimmed());
+    return checkText(name);
+}
+
+QString TDialogCfg::getError() const {
+    const QString reason = checkName(idCfg, getName());
+    return reason.isEmpty() ? checkText(getDesc()) : reason;
+}
+
+void TDialogCfg::updateState() {
+    const QString reason = getError();
+    error->setText(reason);
+    error->setVisible(!reason.isEmpty());
+    for (QAbstractButton* b : buttons->buttons())
+        if (buttons->buttonRole(b) == QDialogButtonBox::AcceptRole) b->setEnabled(reason.isEmpty());
+}
