@@ -176,15 +176,18 @@ QStringList TDev25::getSecurityRegLines(int registers) {
 
 TFormCmd* TDev25::formEraseBlocks(const TData& p) const {
     auto* form = new TFormCmd(p);
-    QStringList texts;
+    // The block sizes the catalogue has opcodes for, and the command's own should it have none.
     QVariantList sizes;
-    const QStringList blocks = devParam.value(QStringLiteral("erase_blocks")).toStringList()
-                               << QStringLiteral("|%1").arg(p.value(kSize).toLongLong());
-    for (const QString& entry : blocks) {
-        const qint64 size = entry.section(QLatin1Char('|'), 1).toLongLong();
-        if (size <= 0 || sizes.contains(size)) continue;
-        texts << TMiscDev::getViewDeviceSize(size);
-        sizes << size;
+    for (const QString& entry : devParam.value(QStringLiteral("erase_blocks")).toStringList())
+        sizes << entry.section(QLatin1Char('|'), 1).toLongLong();
+    sizes << p.value(kSize).toLongLong();
+    QStringList texts;
+    for (int i = 0; i < sizes.size(); ++i) {
+        if (sizes.indexOf(sizes.at(i)) < i || sizes.at(i).toLongLong() <= 0) {
+            sizes.removeAt(i--);
+            continue;
+        }
+        texts << TMiscDev::getViewDeviceSize(sizes.at(i).toLongLong());
     }
     form->addChoice(kSize, Lang.get(585), texts, sizes)->setObjectName(kSize);
     const qint64 size = devValue("size");

@@ -97,6 +97,7 @@ bool TDev93C::checkCmdParam(const TData& p) {
     case Kind::File:
         return TNormCmdParam::cmdRWVFileCheck(this, p);
     default:
+        if (p.value(CTagCmd::cmd).toString() == leave) return TNormCmdParam::cmdLeaveCheck(p, true);
         return supportCmd(p.value(CTagCmd::cmd).toString());
     }
 }
