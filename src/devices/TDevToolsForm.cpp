@@ -2,6 +2,7 @@
 
 #include "app/TAppData.h"
 #include "app/TLang.h"
+#include "formats/ICRC.h"
 #include "formats/TCRC.h"
 #include "formats/TFormat.h"
 #include "link/TSerialPort.h"
@@ -17,6 +18,7 @@
 #include <QLineEdit>
 
 #include <limits>
+#include <memory>
 
 namespace {
 constexpr qint64 int32Min = std::numeric_limits<qint32>::min();
@@ -154,7 +156,11 @@ TFormCmd* TDevTools::cmdExecuteForm(const TData& p) {
 TFormCmd* TDevTools::cmdCalcCRCForm(const TData& p) {
     using namespace CTagCmdToolsCalcCRC;
     auto* form = new TFormCmd(p);
-    const QStringList names = TCRC::getAlgListView();
+    QStringList names = TCRC::getAlgListView();
+    // An alias such as the default "CRC-32" names a model as well as the listed name does.
+    const QString name = p.value(crc_name).toString();
+    std::unique_ptr<ICRC> model(names.contains(name) ? nullptr : TCRC::createCRCObject(name));
+    if (model) names.prepend(name);
     addFormChoice(form, crc_name, Lang.get(528), names, QVariantList(names.begin(), names.end()));
     form->addFile(file, Lang.get(529), TFormat::getMaskFormats(), false)->setObjectName(file);
     const QStringList formats = TFormat::getViewFormats();
