@@ -56,8 +56,9 @@ void addAddress(TFormCmd* form, qint64 begin, qint64 size) {
 }
 
 // The last row shows the range the command covers; it is invalid when the command list's own check
-// refuses the edited record.
-void addRangeRow(TFormCmd* form, qint64 begin, qint64 size, const Valid& valid, const Count& count) {
+// refuses the edited record. Literal data is also refused beyond the size a data command may carry.
+void addRangeRow(TFormCmd* form, qint64 begin, qint64 size, const Valid& valid, const Count& count,
+                 bool literal = false) {
     auto* label = new QLabel(form);
     QObject::connect(form, &TFormCmd::signalChanged, label, [form, label, count] {
         const TData p = form->getParam();
@@ -65,10 +66,10 @@ void addRangeRow(TFormCmd* form, qint64 begin, qint64 size, const Valid& valid, 
     });
     form->addCompound(
         Lang.get(568), label, [](TData&) {},
-        [form, begin, size, valid, count] {
+        [form, begin, size, valid, count, literal] {
             const TData p = form->getParam();
             if (valid(p)) return QString();
-            if (count(p) > CApp::rwv_data_max_size && p.contains(CTagCmdRWV::data))
+            if (literal && count(p) > CApp::rwv_data_max_size)
                 return Lang.get(570).arg(CApp::rwv_data_max_size);
             return Lang.get(569).arg(TMiscDev::getHexFromInt(begin),
                                      TMiscDev::getHexFromInt(begin + size - 1));
@@ -114,7 +115,7 @@ TFormCmd* TNormCmdParam::formRWVData(const TData& p, qint64 begin, qint64 size) 
     form->addHexData(CTagCmdRWV::data, Lang.get(564), true)->setObjectName(CTagCmdRWV::data);
     addRangeRow(
         form, begin, size, [begin, size](const TData& r) { return checkParamRWVData(r, begin, size); },
-        dataCountOf);
+        dataCountOf, true);
     return form;
 }
 
