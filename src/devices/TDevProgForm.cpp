@@ -8,6 +8,7 @@
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/TDataPrj.h"
+#include "ui/TDialogSelectDevice.h"
 #include "ui/TFormCmd.h"
 #include "ui/TFormSetDevice.h"
 
@@ -280,9 +281,13 @@ TFormCmd* TDevProg::cmdSetDeviceForm(const TData& p) {
 TFormCmd* TDevProg::cmdAutoDetectForm(const TData& p) {
     using namespace CTagCmdProgAutoDetect;
     auto* form = new TFormCmd(p);
-    const QStringList families = TSignature::getAutoFamilyList();
-    TDevTools::addFormChoice(form, name, Lang.get(516), families,
-                             QVariantList(families.begin(), families.end()));
+    QStringList texts;
+    QVariantList values;
+    for (const QString& family : TSignature::getAutoFamilyList()) {
+        texts.append(TDialogSelectDevice::getFamilyView(family));
+        values.append(family);
+    }
+    TDevTools::addFormChoice(form, name, Lang.get(516), texts, values);
     const QString origin = p.value(route).toString();
     auto* edit = new QPlainTextEdit(routeToLines(origin), form);
     edit->setObjectName(route);

@@ -40,6 +40,12 @@ TDialogSelectDevice::Entry entryOf(const QString& name, const QString& file, con
     return e;
 }
 
+// A column header from a field caption: the caption without its colon.
+QString header(QString caption) {
+    if (caption.endsWith(QLatin1Char(':'))) caption.chop(1);
+    return caption;
+}
+
 QString orNotGiven(const QString& text) {
     return text.isEmpty() ? Lang.get(551) : text;
 }
@@ -66,7 +72,10 @@ TDialogSelectDevice::TDialogSelectDevice(QWidget* parent) : QDialog(parent), ent
 
     list = new QTreeWidget(this);
     list->setRootIsDecorated(false);
-    list->setHeaderLabels({Lang.get(537), Lang.get(541), Lang.get(543), Lang.get(553)});
+    list->setHeaderLabels(
+        {header(Lang.get(537)), header(Lang.get(541)), header(Lang.get(543)), header(Lang.get(553))});
+    for (int c : {ColName, ColFamily, ColSize})
+        list->header()->setSectionResizeMode(c, QHeaderView::ResizeToContents);
     list->header()->setSectionResizeMode(ColComment, QHeaderView::Stretch);
     layout->addWidget(list, 1);
     count = new QLabel(this);
@@ -157,7 +166,9 @@ QStringList TDialogSelectDevice::getVisibleNames() const {
 
 void TDialogSelectDevice::select(const QString& name) {
     for (int i = 0; i < list->topLevelItemCount(); ++i) {
-        if (list->topLevelItem(i)->text(ColName) == name) list->setCurrentItem(list->topLevelItem(i));
+        if (list->topLevelItem(i)->text(ColName) != name) continue;
+        list->setCurrentItem(list->topLevelItem(i));
+        list->scrollToItem(list->topLevelItem(i));
     }
 }
 
