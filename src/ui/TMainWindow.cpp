@@ -409,7 +409,7 @@ void TMainWindow::updateActions() {
     const int pos = ProjectData.getPosCfgFromIdCfg(id);
     actionByKey.value("Undo")->setEnabled(editable && history.canUndo());
     actionByKey.value("Redo")->setEnabled(editable && history.canRedo());
-    insertMenu->setEnabled(cfg);
+    insertMenu->menuAction()->setEnabled(cfg);
     for (const char* k :
          {"EditCmd", "CutCmd", "DeleteCmd", "MoveCmdUp", "MoveCmdDown", "CheckCmd", "UncheckCmd"})
         actionByKey.value(k)->setEnabled(cfg && cmd);
@@ -471,6 +471,7 @@ int TMainWindow::placeIdCmd() const {
     const TWgtCmdList* list = currentCmdList();
     if (!list) return -1;
     if (list->currentIdCmd() >= 0) return list->currentIdCmd();
+    TLocker lock(ProjectData.getMutex());
     const QList<TDataCmd*> cmds = ProjectData.getCmdListCfg(currentIdCfg());
     return cmds.isEmpty() ? -1 : cmds.last()->getUIN();
 }

@@ -316,7 +316,13 @@ private slots:
         TWgtCmdList* list = w.currentCmdList();
         const QString name = list->topLevelItem(0)->text(0);
         QCOMPARE(list->topLevelItem(0)->toolTip(0), Lang.get(388).arg(name));
-        QVERIFY(w.editCmd(cmdId("A", 0), TData{{"file", "true"}}));
+        // Enter opens the form of the current command; what it gives back is the edit.
+        w.formEdits = TData{{"file", "true"}};
+        list->setCurrentIdCmd(cmdId("A", 0));
+        QTest::keyClick(list, Qt::Key_Return);
+        QCOMPARE(w.forms.size(), 1);
+        QCOMPARE(w.forms.at(0).value("cmd").toString(), QString("process"));
+        QCOMPARE(ProjectData.getCmdData(cmdId("A", 0)).value("file").toString(), QString("true"));
         QCOMPARE(list->topLevelItem(0)->toolTip(0), QString());
 
         // The check box is an edit like any other.
