@@ -25,16 +25,6 @@ QString rangeAndDefault(const QString& range, const QString& def) {
     return range + QStringLiteral(", ") + def;
 }
 
-// An editor with its hint to the right.
-QWidget* withHint(QWidget* editor, const QString& hint, QWidget* parent) {
-    auto* box = new QWidget(parent);
-    auto* row = new QHBoxLayout(box);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(editor, 1);
-    row->addWidget(new QLabel(hint, box));
-    return box;
-}
-
 // A voltage or current judged the way the command's check judges it: by its rounded tenths.
 QLineEdit* addTenths(TFormCmd* form, const QString& key, const QString& caption, double min, double max,
                      const QString& hint) {
@@ -42,7 +32,7 @@ QLineEdit* addTenths(TFormCmd* form, const QString& key, const QString& caption,
     edit->setObjectName(key);
     QObject::connect(edit, &QLineEdit::textEdited, form, &TFormCmd::changed);
     form->addField(
-        key, caption, withHint(edit, hint, form),
+        key, caption, TFormCmd::withHint(edit, hint, form),
         [edit] { return QVariant(edit->text().trimmed().toDouble()); },
         [edit, min, max] {
             return TDevProg::isTenthsInRange(edit->text().trimmed(), min, max)
@@ -229,7 +219,7 @@ TFormCmd* TDevProg::cmdResetForm(TProg* prog, const TData& p) {
     QObject::connect(edit, &QLineEdit::textEdited, form, &TFormCmd::changed);
     const QString hint = rangeAndDefault(Lang.get(500).arg(min).arg(max), Lang.get(501).arg(def));
     form->addField(
-        key, Lang.get(506), withHint(edit, hint, form),
+        key, Lang.get(506), TFormCmd::withHint(edit, hint, form),
         [edit] { return QVariant(edit->text().trimmed().toInt()); },
         [edit, min, max] {
             bool ok = false;
@@ -253,7 +243,7 @@ TFormCmd* TDevProg::cmdGeneratorForm(TProg* prog, const TData& p) {
             texts.append(TMiscDev::getViewFreqValue(v));
             values.append(v);
         }
-        TDevTools::addFormChoice(form, freq, Lang.get(512), texts, values);
+        form->addChoice(freq, Lang.get(512), texts, values);
     } else {
         form->addInt(freq, Lang.get(512), fqMin, fqMax, Lang.get(505).arg(fqMin).arg(fqMax))
             ->setObjectName(freq);
@@ -267,7 +257,7 @@ TFormCmd* TDevProg::cmdGeneratorForm(TProg* prog, const TData& p) {
             texts.append(QStringLiteral("%1 %").arg(v));
             values.append(v);
         }
-        TDevTools::addFormChoice(form, duty_cycle, Lang.get(513), texts, values);
+        form->addChoice(duty_cycle, Lang.get(513), texts, values);
     } else {
         form->addInt(duty_cycle, Lang.get(513), dtMin, dtMax)->setObjectName(duty_cycle);
     }
@@ -287,7 +277,7 @@ TFormCmd* TDevProg::cmdAutoDetectForm(const TData& p) {
         texts.append(TDialogSelectDevice::getFamilyView(family));
         values.append(family);
     }
-    TDevTools::addFormChoice(form, name, Lang.get(516), texts, values);
+    form->addChoice(name, Lang.get(516), texts, values);
     const QString origin = p.value(route).toString();
     auto* edit = new QPlainTextEdit(routeToLines(origin), form);
     edit->setObjectName(route);

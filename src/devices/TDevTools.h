@@ -70,10 +70,4 @@ public:
     static TFormCmd* cmdExecuteForm(const TData& p);
     static TFormCmd* cmdCalcCRCForm(const TData& p);
     static TFormCmd* cmdSetProgForm(const TData& p);
-
-    // A choice of values for key. The record's value is found among them as text (ignoring case when
-    // asked) and kept as the record spells it; a value that is not offered stays selected, so an unedited
-    // form gives it back, and is marked as invalid.
-    static QComboBox* addFormChoice(TFormCmd* form, const QString& key, const QString& caption,
-                                    QStringList texts, QVariantList values, bool caseless = false);
 };

@@ -66,39 +66,6 @@ QWidget* TDevTools::getFormCmdParam(const TData& p) const {
     return form ? keepForm(form) : nullptr;
 }
 
-QComboBox* TDevTools::addFormChoice(TFormCmd* form, const QString& key, const QString& caption,
-                                    QStringList texts, QVariantList values, bool caseless) {
-    const QVariant current = form->getOrigin().value(key);
-    const Qt::CaseSensitivity cs = caseless ? Qt::CaseInsensitive : Qt::CaseSensitive;
-    int index = -1;
-    for (int i = 0; i < values.size() && index < 0; ++i) {
-        if (QString::compare(values[i].toString(), current.toString(), cs) == 0) index = i;
-    }
-    int unknown = -1;
-    if (index >= 0) {
-        values[index] = current;
-    } else if (current.isValid()) {
-        index = unknown = values.size();
-        texts.append(current.toString().isEmpty() ? QStringLiteral("?") : current.toString());
-        values.append(current);
-    }
-    auto* box = new QComboBox(form);
-    box->setObjectName(key);
-    box->addItems(texts);
-    box->setCurrentIndex(qMax(index, 0));
-    QObject::connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), form, &TFormCmd::changed);
-    form->addField(
-        key, caption, box,
-        [box, values] {
-            const int i = box->currentIndex();
-            return i >= 0 && i < values.size() ? values[i] : QVariant();
-        },
-        [box, unknown] {
-            return unknown >= 0 && box->currentIndex() == unknown ? Lang.get(515) : QString();
-        });
-    return box;
-}
-
 TFormCmd* TDevTools::cmdDelayForm(const TData& p) {
     auto* form = new TFormCmd(p);
     form->addInt(CTagCmdToolsDelay::value, Lang.get(521), 0, int32Max,
@@ -127,7 +94,7 @@ TFormCmd* TDevTools::cmdJampForm(const TData& p) {
             values.append(cmd->getUIN());
         }
     }
-    addFormChoice(form, CTagCmdToolsJamp::to_cmd, Lang.get(525), texts, values);
+    form->addChoice(CTagCmdToolsJamp::to_cmd, Lang.get(525), texts, values);
     return form;
 }
 
@@ -149,7 +116,7 @@ TFormCmd* TDevTools::cmdExecuteForm(const TData& p) {
             values.append(cfg->getUIN());
         }
     }
-    addFormChoice(form, CTagCmdToolsExecute::cfg, Lang.get(527), texts, values);
+    form->addChoice(CTagCmdToolsExecute::cfg, Lang.get(527), texts, values);
     return form;
 }
 
@@ -161,13 +128,13 @@ TFormCmd* TDevTools::cmdCalcCRCForm(const TData& p) {
     const QString name = p.value(crc_name).toString();
     std::unique_ptr<ICRC> model(names.contains(name) ? nullptr : TCRC::createCRCObject(name));
     if (model) names.prepend(name);
-    addFormChoice(form, crc_name, Lang.get(528), names, QVariantList(names.begin(), names.end()));
+    form->addChoice(crc_name, Lang.get(528), names, QVariantList(names.begin(), names.end()));
     form->addFile(file, Lang.get(529), TFormat::getMaskFormats(), false)->setObjectName(file);
     const QStringList formats = TFormat::getViewFormats();
     QVariantList stored;
     for (const QString& f : formats)
         stored.append(f.toLower());
-    addFormChoice(form, format, Lang.get(530), formats, stored, true);
+    form->addChoice(format, Lang.get(530), formats, stored, true);
     form->addHex(addr, Lang.get(531), 0, int64Max)->setObjectName(addr);
     form->addHex(count, Lang.get(532), 0, int64Max)->setObjectName(count);
     form->addHex(fill, Lang.get(533), 0, 0xFF)->setObjectName(fill);
@@ -178,7 +145,7 @@ TFormCmd* TDevTools::cmdSetProgForm(const TData& p) {
     using namespace CTagCmdToolsSetProg;
     auto* form = new TFormCmd(p);
     const QStringList names = AppData.progName.getNameList();
-    addFormChoice(form, prog, Lang.get(534), names, QVariantList(names.begin(), names.end()));
+    form->addChoice(prog, Lang.get(534), names, QVariantList(names.begin(), names.end()));
     QCheckBox* alt = form->addCheck(alt_enabled, Lang.get(535));
     alt->setObjectName(alt_enabled);
     // The port list shows "name (maker description)"; the record keeps the bare port name.

@@ -17,17 +17,6 @@
 #include <QToolButton>
 
 namespace {
-// An editor with its hint to the right, as one row of the form.
-QWidget* withHint(QWidget* editor, const QString& hint, QWidget* parent) {
-    if (hint.isEmpty()) return editor;
-    auto* box = new QWidget(parent);
-    auto* row = new QHBoxLayout(box);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(editor, 1);
-    row->addWidget(new QLabel(hint, box));
-    return box;
-}
-
 // Hex text with or without "0x"; ok is false for anything else.
 qint64 parseHex(QString text, bool& ok) {
     text = text.trimmed();
@@ -43,6 +32,16 @@ TFormCmd::TFormCmd(const TData& param, QWidget* parent) : QWidget(parent), origi
 
 TFormCmd::~TFormCmd() = default;
 
+QWidget* TFormCmd::withHint(QWidget* editor, const QString& hint, QWidget* parent) {
+    if (hint.isEmpty()) return editor;
+    auto* box = new QWidget(parent);
+    auto* row = new QHBoxLayout(box);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(editor, 1);
+    row->addWidget(new QLabel(hint, box));
+    return box;
+}
+
 QVariant TFormCmd::typed(const QVariant& origin, const QVariant& value) {
     if (!origin.isValid() || origin.userType() == value.userType()) return value;
     QVariant v = value;
@@ -53,7 +52,8 @@ QVariant TFormCmd::typed(const QVariant& origin, const QVariant& value) {
 
 TData TFormCmd::getParam() const {
     TData p = origin;
-    for (const Field& f : fields) f.write(p);
+    for (const Field& f : fields)
+        f.write(p);
     return p;
 }
 
@@ -93,8 +93,8 @@ void TFormCmd::mark() {
     for (const Field& f : fields) {
         const QString reason = f.check ? f.check() : QString();
         QPalette pal = f.editor->palette();
-        pal.setColor(QPalette::Text, reason.isEmpty() ? palette().color(QPalette::Text)
-                                                      : TApp::getErrorColorText());
+        pal.setColor(QPalette::Text,
+                     reason.isEmpty() ? palette().color(QPalette::Text) : TApp::getErrorColorText());
         f.editor->setPalette(pal);
         f.editor->setToolTip(reason);
     }
@@ -103,70 +103,93 @@ void TFormCmd::mark() {
 QLineEdit* TFormCmd::addInt(const QString& key, const QString& caption, qint64 min, qint64 max,
                             const QString& hint) {
     auto* edit = new QLineEdit(QString::number(origin.value(key).toLongLong()), this);
+    edit->setObjectName(key);
     connect(edit, &QLineEdit::textEdited, this, &TFormCmd::changed);
     auto value = [edit] { return edit->text().trimmed().toLongLong(); };
-    addField(key, caption, withHint(edit, hint, this), [value] { return QVariant(value()); },
-             [edit, min, max] {
-                 bool ok = false;
-                 const qint64 v = edit->text().trimmed().toLongLong(&ok);
-                 return ok && v >= min && v <= max ? QString() : Lang.get(490).arg(min).arg(max);
-             });
+    addField(
+        key, caption, withHint(edit, hint, this), [value] { return QVariant(value()); },
+        [edit, min, max] {
+            bool ok = false;
+            const qint64 v = edit->text().trimmed().toLongLong(&ok);
+            return ok && v >= min && v <= max ? QString() : Lang.get(490).arg(min).arg(max);
+        });
     return edit;
 }
 
 QLineEdit* TFormCmd::addDouble(const QString& key, const QString& caption, double min, double max,
                                const QString& hint) {
     auto* edit = new QLineEdit(QString::number(origin.value(key).toDouble()), this);
+    edit->setObjectName(key);
     connect(edit, &QLineEdit::textEdited, this, &TFormCmd::changed);
-    addField(key, caption, withHint(edit, hint, this),
-             [edit] { return QVariant(edit->text().trimmed().toDouble()); },
-             [edit, min, max] {
-                 bool ok = false;
-                 const double v = edit->text().trimmed().toDouble(&ok);
-                 return ok && v >= min && v <= max ? QString() : Lang.get(490).arg(min).arg(max);
-             });
+    addField(
+        key, caption, withHint(edit, hint, this),
+        [edit] { return QVariant(edit->text().trimmed().toDouble()); },
+        [edit, min, max] {
+            bool ok = false;
+            const double v = edit->text().trimmed().toDouble(&ok);
+            return ok && v >= min && v <= max ? QString() : Lang.get(490).arg(min).arg(max);
+        });
     return edit;
 }
 
 QLineEdit* TFormCmd::addHex(const QString& key, const QString& caption, qint64 min, qint64 max,
                             const QString& hint) {
     auto* edit = new QLineEdit(TMiscDev::getHexFromInt(origin.value(key).toLongLong()), this);
+    edit->setObjectName(key);
     connect(edit, &QLineEdit::textEdited, this, &TFormCmd::changed);
-    addField(key, caption, withHint(edit, hint, this),
-             [edit] {
-                 bool ok = false;
-                 return QVariant(parseHex(edit->text(), ok));
-             },
-             [edit, min, max] {
-                 bool ok = false;
-                 const qint64 v = parseHex(edit->text(), ok);
-                 return ok && v >= min && v <= max ? QString()
-                                                   : Lang.get(491)
-                                                         .arg(TMiscDev::getHexFromInt(min))
-                                                         .arg(TMiscDev::getHexFromInt(max));
-             });
+    addField(
+        key, caption, withHint(edit, hint, this),
+        [edit] {
+            bool ok = false;
+            return QVariant(parseHex(edit->text(), ok));
+        },
+        [edit, min, max] {
+            bool ok = false;
+            const qint64 v = parseHex(edit->text(), ok);
+            return ok && v >= min && v <= max
+                       ? QString()
+                       : Lang.get(491).arg(TMiscDev::getHexFromInt(min)).arg(TMiscDev::getHexFromInt(max));
+        });
     return edit;
 }
 
-QComboBox* TFormCmd::addChoice(const QString& key, const QString& caption, const QStringList& texts,
-                               const QVariantList& values) {
-    auto* box = new QComboBox(this);
-    box->addItems(texts);
-    const QVariantList stored = values.isEmpty() ? QVariantList(texts.begin(), texts.end()) : values;
+QComboBox* TFormCmd::addChoice(const QString& key, const QString& caption, QStringList texts,
+                               QVariantList values, bool caseless) {
+    if (values.isEmpty()) values = QVariantList(texts.begin(), texts.end());
     const QVariant current = origin.value(key);
-    for (int i = 0; i < stored.size(); ++i) {
-        if (stored[i].toString() == current.toString()) box->setCurrentIndex(i);
+    const Qt::CaseSensitivity cs = caseless ? Qt::CaseInsensitive : Qt::CaseSensitive;
+    int index = -1;
+    for (int i = 0; i < values.size() && index < 0; ++i) {
+        if (QString::compare(values[i].toString(), current.toString(), cs) == 0) index = i;
     }
+    int unknown = -1;
+    if (index >= 0) {
+        values[index] = current;
+    } else if (current.isValid()) {
+        index = unknown = values.size();
+        texts.append(current.toString().isEmpty() ? QStringLiteral("?") : current.toString());
+        values.append(current);
+    }
+    auto* box = new QComboBox(this);
+    box->setObjectName(key);
+    box->addItems(texts);
+    box->setCurrentIndex(qMax(index, 0));
     connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &TFormCmd::changed);
-    addField(key, caption, box, [box, stored] {
-        const int i = box->currentIndex();
-        return i >= 0 && i < stored.size() ? stored[i] : QVariant();
-    });
+    addField(
+        key, caption, box,
+        [box, values] {
+            const int i = box->currentIndex();
+            return i >= 0 && i < values.size() ? values[i] : QVariant();
+        },
+        [box, unknown] {
+            return unknown >= 0 && box->currentIndex() == unknown ? Lang.get(515) : QString();
+        });
     return box;
 }
 
 QCheckBox* TFormCmd::addCheck(const QString& key, const QString& caption) {
     auto* box = new QCheckBox(caption, this);
+    box->setObjectName(key);
     box->setChecked(origin.value(key).toBool());
     connect(box, &QCheckBox::toggled, this, &TFormCmd::changed);
     Writer write = [this, key, box](TData& p) { p.insert(key, typed(origin.value(key), box->isChecked())); };
@@ -176,14 +199,20 @@ QCheckBox* TFormCmd::addCheck(const QString& key, const QString& caption) {
 
 QLineEdit* TFormCmd::addText(const QString& key, const QString& caption, bool required) {
     auto* edit = new QLineEdit(origin.value(key).toString(), this);
+    edit->setObjectName(key);
     connect(edit, &QLineEdit::textEdited, this, &TFormCmd::changed);
-    addField(key, caption, edit, [edit] { return QVariant(edit->text()); },
-             [edit, required] { return required && edit->text().trimmed().isEmpty() ? Lang.get(494) : QString(); });
+    addField(
+        key, caption, edit, [edit] { return QVariant(edit->text()); },
+        [edit, required] {
+            return required && edit->text().trimmed().isEmpty() ? Lang.get(494) : QString();
+        });
     return edit;
 }
 
-QLineEdit* TFormCmd::addFile(const QString& key, const QString& caption, const QString& filter, bool forSave) {
+QLineEdit* TFormCmd::addFile(const QString& key, const QString& caption, const QString& filter,
+                             bool forSave) {
     auto* edit = new QLineEdit(origin.value(key).toString(), this);
+    edit->setObjectName(key);
     auto* browse = new QToolButton(this);
     browse->setText(Lang.get(496));
     browse->setToolTip(Lang.get(495));
@@ -201,23 +230,26 @@ QLineEdit* TFormCmd::addFile(const QString& key, const QString& caption, const Q
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(edit, 1);
     row->addWidget(browse);
-    addField(key, caption, box, [edit] { return QVariant(edit->text()); },
-             [edit] { return edit->text().trimmed().isEmpty() ? Lang.get(494) : QString(); });
+    addField(
+        key, caption, box, [edit] { return QVariant(edit->text()); },
+        [edit] { return edit->text().trimmed().isEmpty() ? Lang.get(494) : QString(); });
     return edit;
 }
 
 QPlainTextEdit* TFormCmd::addHexData(const QString& key, const QString& caption, bool required) {
     auto* edit = new QPlainTextEdit(origin.value(key).toString(), this);
+    edit->setObjectName(key);
     edit->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     connect(edit, &QPlainTextEdit::textChanged, this, &TFormCmd::changed);
-    addField(key, caption, edit, [edit] { return QVariant(edit->toPlainText()); },
-             [edit, required] {
-                 static const QRegularExpression hex(QStringLiteral("^([0-9A-Fa-f]{2})*$"));
-                 QString text = edit->toPlainText();
-                 text.remove(QRegularExpression(QStringLiteral("\\s")));
-                 if (required && text.isEmpty()) return Lang.get(494);
-                 return hex.match(text).hasMatch() ? QString() : Lang.get(493);
-             });
+    addField(
+        key, caption, edit, [edit] { return QVariant(edit->toPlainText()); },
+        [edit, required] {
+            static const QRegularExpression hex(QStringLiteral("^([0-9A-Fa-f]{2})*$"));
+            QString text = edit->toPlainText();
+            text.remove(QRegularExpression(QStringLiteral("\\s")));
+            if (required && text.isEmpty()) return Lang.get(494);
+            return hex.match(text).hasMatch() ? QString() : Lang.get(493);
+        });
     return edit;
 }
 

@@ -38,9 +38,11 @@ public:
     // Integer shown and typed as hexadecimal (addresses, counts, fill bytes), in [min, max].
     QLineEdit* addHex(const QString& key, const QString& caption, qint64 min, qint64 max,
                       const QString& hint = QString());
-    // One of texts; the record stores the matching entry of values (the texts themselves when empty).
-    QComboBox* addChoice(const QString& key, const QString& caption, const QStringList& texts,
-                         const QVariantList& values = QVariantList());
+    // One of texts; the record stores the matching entry of values (the texts themselves when empty),
+    // spelled as the record spelled it (matched ignoring case when caseless). A stored value that is not
+    // offered stays selected, so an unedited form gives it back, and is marked as invalid.
+    QComboBox* addChoice(const QString& key, const QString& caption, QStringList texts,
+                         QVariantList values = QVariantList(), bool caseless = false);
     QCheckBox* addCheck(const QString& key, const QString& caption);
     // Free text; required makes an empty text invalid.
     QLineEdit* addText(const QString& key, const QString& caption, bool required = false);
@@ -62,6 +64,9 @@ public:
 
     // Tells the form a field changed: errors are re-marked and signalChanged is sent.
     void changed();
+
+    // An editor with its hint ("%1..%2 ms") to the right, as one row of a form.
+    static QWidget* withHint(QWidget* editor, const QString& hint, QWidget* parent);
 
     // The record's value in the type of the original: a number stays a number, a text a text.
     static QVariant typed(const QVariant& origin, const QVariant& value);
