@@ -335,6 +335,8 @@ private slots:
         QCOMPARE(TDialogCfg::checkName(-1, "B"), Lang.get(650).arg("B"));
         QCOMPARE(TDialogCfg::checkName(cfgId("B"), "B"), QString());
         QCOMPARE(TDialogCfg::checkName(-1, " "), Lang.get(649));
+        QCOMPARE(TDialogCfg(cfgId("B"), "B", "tab\there").getError(), Lang.get(651));
+        QCOMPARE(TDialogCfg(-1, "C", "fine").getError(), QString());
         QCOMPARE(w.addCfg("say \"hi\"", ""), -1);
         QVERIFY(!w.renameCfg(cfgId("B"), "B", "back\\slash"));
         QCOMPARE(w.errors, QStringList({Lang.get(651), Lang.get(651)}));
