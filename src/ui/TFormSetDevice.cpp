@@ -77,6 +77,14 @@ void TFormSetDevice::buildDeviceForm() {
         device.isEmpty()
             ? nullptr
             : ProjectData.createDevice(device, current.value(CTagCmdProgSetDevice::file).toString());
+    if (dev) {
+        // A record written before the device had a setting shows, and then keeps, the setting's default.
+        TData defaults = current;
+        dev->getDefaultParamCmdSetDevice(defaults);
+        for (auto it = defaults.cbegin(); it != defaults.cend(); ++it) {
+            if (!current.contains(it.key())) current.insert(it.key(), it.value());
+        }
+    }
     name->setText(device);
     name->setToolTip(dev ? dev->getDevParam().value(QStringLiteral("info")).toString() : QString());
     deviceWidget = dev ? dev->getWgtCmdSetDeviceParam(current) : nullptr;

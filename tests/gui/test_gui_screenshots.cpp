@@ -1,12 +1,17 @@
 #include "app/TAppData.h"
 #include "app/TLang.h"
 #include "app/TSettings.h"
+#include "devices/IDevice.h"
+#include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 #include "project/TPrjList.h"
+#include "ui/TDialogCmdParam.h"
 #include "ui/TDialogHexView.h"
+#include "ui/TDialogSelectDevice.h"
 #include "ui/TDialogSettings.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
+#include "ui/TFormCmd.h"
 #include "ui/TWgtHexView.h"
 
 #include <QScrollBar>
@@ -25,6 +30,33 @@ class TestGuiScreenshots : public QObject {
         const QImage image = w.grab().toImage();
         QCOMPARE(image.size(), size);
         QVERIFY(image.save(QDir(out).filePath(name + ".png")));
+    }
+
+    // The form of a command in its dialog, at the dialog's natural height.
+    void saveForm(IDevice* group, const TData& param, const QString& name) {
+        QVERIFY(group);
+        TDialogCmdParam dlg(group, param);
+        QVERIFY2(dlg.hasForm(), qPrintable(name));
+        QCOMPARE(dlg.getError(), QString());
+        dlg.resize(560, dlg.sizeHint().height());
+        dlg.show();
+        save(dlg, name, dlg.size());
+    }
+
+    // The first command of the open project with that code, with its family.
+    static TDataCmd* findCmd(const QString& code) {
+        for (TDataCmd* cmd : ProjectData.getCmdList()) {
+            if (cmd->getCmdCode() == code) return cmd;
+        }
+        return nullptr;
+    }
+
+    // A catalogue device by name, and a new command of its family with the family's defaults.
+    static IDevice* catalogueDevice(const QString& name) {
+        for (const TDialogSelectDevice::Entry& e : TDialogSelectDevice::loadEntries()) {
+            if (e.name == name) return ProjectData.createDevice(e.name, e.file);
+        }
+        return nullptr;
     }
 
 private slots:
@@ -105,6 +137,37 @@ private slots:
             dlg.pages->setCurrentIndex(i);
             save(dlg, names.at(i), QSize(640, 560));
         }
+    }
+
+    void commandForms() {
+        TMainWindow w;
+        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        for (const QString& code : {QStringLiteral("set_vicc"), QStringLiteral("file_write"),
+                                    QStringLiteral("set_device")}) {
+            TDataCmd* cmd = findCmd(code);
+            QVERIFY2(cmd, qPrintable(code));
+            saveForm(cmd->getGroupObject(), cmd->getData(), "form_" + code);
+        }
+        const QList<QPair<QString, QString>> registers = {{"ATmega328P", "fuse_write"},
+                                                          {"W25Q80RV", "status_reg_write"}};
+        for (const auto& r : registers) {
+            IDevice* dev = catalogueDevice(r.first);
+            QVERIFY2(dev, qPrintable(r.first));
+            TData p{{"cmd", r.second}};
+            dev->getDefaultCmdParam(p);
+            saveForm(dev, p, "form_" + r.second + "_" + r.first);
+        }
+        w.closeProject();
+    }
+
+    void deviceSelection() {
+        TDialogSelectDevice dlg;
+        dlg.resize(760, 520);
+        dlg.show();
+        dlg.setSearch("W25Q");
+        dlg.select("W25Q80RV");
+        QCOMPARE(dlg.getSelectedName(), QString("W25Q80RV"));
+        save(dlg, "dialog_select_device", QSize(760, 520));
     }
 
     void hexViewer() {
