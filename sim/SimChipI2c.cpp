@@ -22,11 +22,16 @@ SimChipI2c::SimChipI2c(const SimChipInfo& info)
 void SimChipI2c::select(const QByteArray& payload) {
     // Type (2), hardware configuration, bus address, clock (4), delay.
     setAddress = payload.size() == 9 ? static_cast<unsigned char>((payload.at(3) & 7) << 1) : 0;
+    writeWaitMs = payload.size() == 9 ? static_cast<unsigned char>(payload.at(8)) : 0;
+}
+
+bool SimChipI2c::inWriteCycle() const {
+    return timing && writeCycle.isValid() && writeCycle.nsecsElapsed() < qint64(writeCycleMs) * 1000000;
 }
 
 bool SimChipI2c::address(const QByteArray& data, int at, qint64& addr) const {
     const unsigned select = static_cast<unsigned char>(data.at(at)) | setAddress;
-    if ((select & 0xF0) != 0xA0) return false;
+    if ((select & 0xF0) != 0xA0 || inWriteCycle()) return false;
     const unsigned bits = select >> 1 & 7;
     if ((bits & pinMask) != (pins & pinMask)) return false;
     const qint64 wordSpan = qint64(1) << (8 * addrBytes);
@@ -45,7 +50,10 @@ SimReply SimChipI2c::write(const QByteArray& data) {
     const qint64 base = addr - addr % page;
     for (int i = 1 + addrBytes, n = 0; i < data.size(); ++i, ++n)
         memory[int(base + (addr - base + n) % page)] = data.at(i);
-    if (timing) QThread::msleep(writeCycleMs);
+    if (timing) {
+        writeCycle.start();
+        QThread::msleep(ulong(writeWaitMs));
+    }
     return SimReply::ok();
 }
 

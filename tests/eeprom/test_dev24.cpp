@@ -17,13 +17,11 @@ class TestDev24 : public QObject {
 
     QString devices() const { return dir.filePath("devices"); }
 
-    static Keys part(qint64 size, int page, int addrSize, int mask) {
-        return {{"gui_type", "Dev24"},   {"prg_type", "I2C_EEPROM"},
-                {"prg_section", "I2C"},  {"addr_begin", 0},
-                {"size", size},          {"page_size", page},
-                {"addr_size", addrSize}, {"addr_mask", mask},
-                {"cfg_hw", 3},           {"delay", 10},
-                {"alg_read", 0},         {"alg_write", 0}};
+    static Keys part(qint64 size, int page, int addrSize, int mask, int delay = 10) {
+        return {
+            {"gui_type", "Dev24"}, {"prg_type", "I2C_EEPROM"}, {"prg_section", "I2C"},  {"addr_begin", 0},
+            {"size", size},        {"page_size", page},        {"addr_size", addrSize}, {"addr_mask", mask},
+            {"cfg_hw", 3},         {"delay", delay},           {"alg_read", 0},         {"alg_write", 0}};
     }
 
     // Runs one configuration on chip; the request frames after the handshake and before the final
@@ -44,6 +42,33 @@ class TestDev24 : public QObject {
         return status;
     }
 
+    // Whole-chip file write and verify of a 24C16-like part, the simulator's 5 ms write cycle on or off;
+    // the page writes that went out, and the chip's contents.
+    struct TimedRun {
+        int status;
+        QString output;
+        int pageWrites;
+        QByteArray image;
+    };
+    TimedRun writeAllTimed(const QString& chip, const QByteArray& content, const QString& timing) {
+        WorkerFixture w;
+        SimFixture sim;
+        const QString in = w.dir.filePath("in.bin");
+        writeFile(in, content);
+        const QString file = QStringLiteral(
+            R"("format": "bin", "addr_file": "0", "addr_device": "0", "count": "2048", "file": "%1")");
+        QStringList frames;
+        const int status =
+            runOn(w, sim, chip,
+                  {cmd("set_device",
+                       QStringLiteral(R"("device": "%1", "file": "%2.cfg")").arg(chip, chip.toLower())),
+                   cmd("file_write", file.arg(in)), cmd("file_verify", file.arg(in))},
+                  frames, {"--timing", timing});
+        const QStringList all = WorkerFixture::requests(sim.path("t.txt"));
+        return {status, w.output, int(all.filter(QRegularExpression("^C0 04 ")).size()),
+                readFile(sim.path("image.bin"))};
+    }
+
 private slots:
     void initTestCase() {
         Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
@@ -52,6 +77,9 @@ private slots:
         records.insert("24C1024", writeChip(devices(), "24C1024", part(131072, 256, 2, 6)));
         records.insert("24C64", writeChip(devices(), "24C64", part(8192, 32, 2, 7)));
         records.insert("24C16", writeChip(devices(), "24C16", part(2048, 16, 2, 7)));
+        // Block-select bits only, as the real part: the write delay as long as its write cycle, and none.
+        records.insert("24C16W5", writeChip(devices(), "24C16W5", part(2048, 16, 1, 0, 5)));
+        records.insert("24C16W0", writeChip(devices(), "24C16W0", part(2048, 16, 1, 0, 0)));
         useFamily(records, &TDev24::Instance);
     }
 
@@ -199,6 +227,32 @@ private slots:
                  1);
         QVERIFY2(w.output.contains(Lang.get(410)), qPrintable(w.output));
         QCOMPARE(frames.at(1), frame(3, QByteArray::fromHex("04")));
+    }
+
+    // During its write cycle the chip acknowledges none of its select bytes (any block): the programmer
+    // has to wait the set-device delay after each page. As long as the cycle, every page goes in at the
+    // first try; without it the next page is refused with error 5 and stays erased, with the write cycle
+    // off the same part takes every page.
+    void writeCycleHoldsOffTheNextTransfer() {
+        QByteArray content(2048, 0);
+        for (int i = 0; i < content.size(); ++i)
+            content[i] = char(i * 5 + (i >> 4) * 3 + 1);
+        const TimedRun waited = writeAllTimed("24C16W5", content, "on");
+        QVERIFY2(waited.status == 0, qPrintable(waited.output));
+        QCOMPARE(waited.pageWrites, 128);
+        QCOMPARE(waited.image, content);
+
+        const TimedRun rushed = writeAllTimed("24C16W0", content, "on");
+        QCOMPARE(rushed.status, 1);
+        QVERIFY2(rushed.output.contains(Lang.get(410)), qPrintable(rushed.output));
+        QVERIFY(rushed.pageWrites >= 2);
+        const int refused = (rushed.pageWrites - 1) * 16;
+        QCOMPARE(rushed.image.left(refused), content.left(refused));
+        QCOMPARE(rushed.image.mid(refused), QByteArray(2048 - refused, char(0xFF)));
+
+        const TimedRun untimed = writeAllTimed("24C16W0", content, "off");
+        QVERIFY2(untimed.status == 0, qPrintable(untimed.output));
+        QCOMPARE(untimed.image, content);
     }
 
     // The catalogue says 8 KiB but the socket holds a 2 KiB part, which ends the read early.
