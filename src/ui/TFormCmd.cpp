@@ -62,6 +62,22 @@ QString TFormCmd::getError() const {
         const QString reason = f.check ? f.check() : QString();
         if (!reason.isEmpty()) return f.caption.isEmpty() ? reason : f.caption + ' ' + reason;
     }
+    return unsafeValue();
+}
+
+// The project file holds values verbatim, so a quote, a backslash or a control character in a value
+// would make the saved file unreadable: such values are refused here, before they reach the model.
+QString TFormCmd::unsafeValue() const {
+    static const QRegularExpression unsafe(QStringLiteral("[\"\\\\\\x00-\\x1F]"));
+    const TData p = getParam();
+    for (auto it = p.cbegin(); it != p.cend(); ++it) {
+        if (it.value().userType() != QMetaType::QString || !it.value().toString().contains(unsafe)) continue;
+        QString caption = it.key();
+        for (const Field& f : fields) {
+            if (f.key == it.key() && !f.caption.isEmpty()) caption = f.caption;
+        }
+        return caption + ' ' + Lang.get(492);
+    }
     return QString();
 }
 
@@ -242,7 +258,12 @@ QPlainTextEdit* TFormCmd::addHexData(const QString& key, const QString& caption,
     edit->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     connect(edit, &QPlainTextEdit::textChanged, this, &TFormCmd::changed);
     addField(
-        key, caption, edit, [edit] { return QVariant(edit->toPlainText()); },
+        key, caption, edit,
+        [edit] {
+            // Line breaks are for reading only; the record keeps the bytes on one line.
+            static const QRegularExpression breaks(QStringLiteral("[\\r\\n\\t\\f\\v]"));
+            return QVariant(edit->toPlainText().replace(breaks, QStringLiteral(" ")));
+        },
         [edit, required] {
             static const QRegularExpression hex(QStringLiteral("^([0-9A-Fa-f]{2})*$"));
             QString text = edit->toPlainText();

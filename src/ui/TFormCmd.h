@@ -83,6 +83,7 @@ private:
         Checker check;
     };
     void add(Field field, bool withCaption = true);
+    QString unsafeValue() const;
     void mark();
 
     TData origin;

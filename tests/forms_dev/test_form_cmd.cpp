@@ -1,7 +1,9 @@
 #include "app/TLang.h"
 #include "ui/TFormCmd.h"
 
+#include <QComboBox>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QtTest>
 
 // The command form itself: values keep the type the record held, hex is read with or without "0x", and
@@ -38,6 +40,39 @@ private slots:
         a->setText("10");
         b->setText("100");
         QCOMPARE(form.getError(), QString("B: must be a hexadecimal number from 0x00 to 0xFF"));
+    }
+
+    // The project file holds values verbatim: what would make it unreadable never leaves a form.
+    void valuesTheProjectFileCannotHoldAreRefused() {
+        TFormCmd form({{"file", "a.hex"}, {"data", "A5 5A"}});
+        QLineEdit* file = form.addFile("file", "File:", "*.bin *.hex", false);
+        QPlainTextEdit* data = form.addHexData("data", "Data:");
+        QCOMPARE(form.getError(), QString());
+        file->setText("my \"best\".hex");
+        QCOMPARE(form.getError(),
+                 QString("File: must not contain double quotes, backslashes or line breaks"));
+        file->setText("dir\\b.hex");
+        QVERIFY(!form.getError().isEmpty());
+        file->setText("b.hex");
+        data->setPlainText("A5 5A\n01\r\n02");
+        QCOMPARE(form.getError(), QString());
+        QCOMPARE(form.getParam().value("data"), QVariant(QString("A5 5A 01 02")));
+    }
+
+    // A stored choice that the form does not offer stays, marked; matching ignores case on request and
+    // keeps the record's spelling.
+    void choicesKeepWhatTheRecordSaid() {
+        TFormCmd form({{"format", "hex"}, {"prog", "Gone"}});
+        QComboBox* format = form.addChoice("format", "Format:", {"HEX", "BIN"}, {"HEX", "BIN"}, true);
+        QComboBox* prog = form.addChoice("prog", "Programmer:", {"Sim", "Lab"});
+        QCOMPARE(format->currentText(), QString("HEX"));
+        QCOMPARE(prog->count(), 3);
+        QCOMPARE(form.getParam(), TData({{"format", "hex"}, {"prog", "Gone"}}));
+        QCOMPARE(form.getError(), QString("Programmer: is not one of the offered values"));
+        prog->setCurrentIndex(1);
+        format->setCurrentIndex(1);
+        QCOMPARE(form.getParam(), TData({{"format", "BIN"}, {"prog", "Lab"}}));
+        QCOMPARE(form.getError(), QString());
     }
 };
 
