@@ -7,9 +7,6 @@
 namespace {
 SimChipRegistrar registrar("Dev24",
                            [](const SimChipInfo& info) { return std::make_unique<SimChipI2c>(info); });
-
-// tWR of the common parts.
-constexpr int writeCycleMs = 5;
 } // namespace
 
 SimChipI2c::SimChipI2c(const SimChipInfo& info)
@@ -17,7 +14,9 @@ SimChipI2c::SimChipI2c(const SimChipInfo& info)
       addrBytes(info.params.value("addr_size").toInt()),
       page(qMax(1, info.params.value("page_size").toInt())),
       pinMask(info.params.value("addr_mask").toUInt() & 7), pins(info.params.value("sim_pins").toUInt() & 7),
-      timing(info.params.value("sim_timing").toBool()) {}
+      timing(info.params.value("sim_timing").toBool()),
+      // tWR of the common parts unless the socket is told otherwise.
+      writeCycleMs(info.params.value("sim_write_cycle_ms", 5).toInt()) {}
 
 void SimChipI2c::select(const QByteArray& payload) {
     // Type (2), hardware configuration, bus address, clock (4), delay.

@@ -31,6 +31,7 @@ private:
     unsigned pinMask;
     unsigned pins;
     bool timing;
+    int writeCycleMs;
     unsigned char setAddress = 0; // set by the programmer's set-address packet, ORed into every select
     int writeWaitMs = 0;          // the set-device delay
     QElapsedTimer writeCycle;     // runs from the end of the last write

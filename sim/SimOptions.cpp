@@ -21,7 +21,7 @@ QString SimOptions::usage() {
     return "usage: tarvelix-progsim [--link PATH] [--chip NAME --devices DIR] [--bus i2c|spi|avr]\n"
            "       [--image FILE] [--trace FILE] [--interface N] [--noise N] [--corrupt K]\n"
            "       [--silent-after K] [--delay-ms D] [--error CMD:CODE]... [--unplug-after K]\n"
-           "       [--exit-with-parent] [--pins N] [--timing on|off]\n";
+           "       [--exit-with-parent] [--pins N] [--timing on|off] [--write-cycle MS]\n";
 }
 
 bool SimOptions::parse(const QStringList& args, QString& error) {
@@ -68,6 +68,8 @@ bool SimOptions::parse(const QStringList& args, QString& error) {
             ok = toCount(v, pins) && pins < 8;
         else if (opt == "--timing")
             ok = v == "on" || v == "off", timing = v == "on";
+        else if (opt == "--write-cycle")
+            ok = toCount(v, writeCycleMs);
         else {
             error = QStringLiteral("unknown option %1").arg(opt);
             return false;

@@ -22,6 +22,7 @@ struct SimOptions {
     bool exitWithParent = false; // tests: a crashed test leaves no simulator behind
     int pins = 0;                // address pins strapped on the chip (two-wire parts)
     bool timing = false;         // chip models take their write times
+    int writeCycleMs = 5;        // two-wire EEPROM write cycle, with timing on
 
     // Reads the arguments (program name first); false with a message on a bad option.
     bool parse(const QStringList& args, QString& error);

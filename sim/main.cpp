@@ -45,6 +45,7 @@ std::unique_ptr<SimChip> makeChip(const SimOptions& o, QString& error) {
     // Socket options a chip model may use, beside its description.
     info.params.insert("sim_pins", o.pins);
     info.params.insert("sim_timing", o.timing);
+    info.params.insert("sim_write_cycle_ms", o.writeCycleMs);
     const QString family = info.params.value("gui_type").toString();
     if (SimChipRegistry::contains(family)) return SimChipRegistry::create(family, info);
     if (simBusOfFamily(family, bus)) return std::make_unique<SimEmptySocket>(info, bus);

@@ -9,30 +9,15 @@ using namespace FamilyBench;
 
 int main(int argc, char* argv[]) {
     QCoreApplication app(argc, argv);
-    QTextStream out(stdout);
     Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
-    const int size = 64 * 1024;
-    QTemporaryDir dir;
-    const QString in = dir.filePath("in.bin"), back = dir.filePath("out.bin");
-    QFile f(in);
-    if (!f.open(QIODevice::WriteOnly) || f.write(pattern(size)) != size) return 1;
-    f.close();
-    // The first phase is the fixed cost of every run: project, catalogue, programmer and device set-up.
-    const QVector<Phase> phases{{"set-up only", {}, 0},
-                                {"write", {fileCmd("file_write", in, size)}, size},
-                                {"verify", {fileCmd("file_verify", in, size)}, size},
-                                {"read", {fileCmd("file_read", back, size)}, size}};
-    const QVector<Result> res = measure("24C512", "i2c/24C512.dev", phases, 20);
-    if (res.isEmpty()) {
-        out << "the run against the simulator failed\n";
-        return 1;
-    }
-    QFile r(back);
-    if (!r.open(QIODevice::ReadOnly) || r.readAll() != pattern(size)) {
-        out << "the read-back differs from what was written\n";
-        return 1;
-    }
-    printTable(out, phases, res);
-    printPair(out, "write + verify", res, 1, 2, 2 * qint64(size));
-    return 0;
+    MemoryBench b;
+    b.chip = "24C512";
+    b.deviceFile = "i2c/24C512.dev";
+    b.size = 64 * 1024;
+    b.write = "file_write";
+    b.verify = "file_verify";
+    b.read = "file_read";
+    b.rounds = 20;
+    b.pairLabel = "write + verify";
+    return runMemoryBench(b);
 }

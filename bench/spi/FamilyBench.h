@@ -4,7 +4,7 @@
 // figure the machine's own limit: the very same exchanges (count and frame sizes, taken from a traced
 // run of the same commands) on a bare pseudo-terminal (RawPtyPeer), and replayed through the link
 // alone (TSerialPort against the simulator) to tell the family's share from the link's.
-// Header-only, shared by the SPI flash and the 24-series benchmarks.
+// Header-only, shared by the memory benchmarks of every family.
 
 #include "RawPtyPeer.h"
 #include "link/TSerialPort.h"
@@ -259,6 +259,49 @@ inline void printPair(QTextStream& out, const QString& label, const QVector<Resu
                .arg(app / raw, 0, 'f', 2)
                .arg(ratios.at(ratios.size() / 2), 0, 'f', 2);
     out.flush();
+}
+
+// What one memory benchmark measures: a whole memory written, verified and read back through the file
+// commands of its family, optionally after a chip erase.
+struct MemoryBench {
+    QString chip, deviceFile;
+    int size = 0;
+    QString write, verify, read; // command codes
+    QString writeLabel = "write";
+    bool erase = false;
+    int rounds = 5;
+    QString pairLabel;
+};
+
+// Runs the phases, checks that the read-back equals what was written and prints the tables; the exit
+// code of the benchmark program.
+inline int runMemoryBench(const MemoryBench& b) {
+    QTextStream out(stdout);
+    QTemporaryDir dir;
+    const QString in = dir.filePath("in.bin"), back = dir.filePath("out.bin");
+    QFile f(in);
+    if (!f.open(QIODevice::WriteOnly) || f.write(pattern(b.size)) != b.size) return 1;
+    f.close();
+    // The first phase is the fixed cost of every run: project, catalogue, programmer and device set-up.
+    QVector<Phase> phases{{"set-up only", {}, 0}};
+    if (b.erase) phases.append({"chip erase", {cmd("erase")}, b.size});
+    const int first = phases.size();
+    phases.append({b.writeLabel, {fileCmd(b.write, in, b.size)}, b.size});
+    phases.append({"verify", {fileCmd(b.verify, in, b.size)}, b.size});
+    phases.append({"read", {fileCmd(b.read, back, b.size)}, b.size});
+    const QVector<Result> res = measure(b.chip, b.deviceFile, phases, b.rounds);
+    if (res.isEmpty()) {
+        out << "the run against the simulator failed\n";
+        return 1;
+    }
+    QFile r(back);
+    if (!r.open(QIODevice::ReadOnly) || r.readAll() != pattern(b.size)) {
+        out << "the read-back differs from what was written\n";
+        return 1;
+    }
+    printTable(out, phases, res);
+    printPair(out, b.pairLabel, res, first, first + 1, 2 * qint64(b.size));
+    return 0;
 }
 
 } // namespace FamilyBench
