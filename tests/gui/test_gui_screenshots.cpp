@@ -2,9 +2,11 @@
 #include "app/TLang.h"
 #include "app/TSettings.h"
 #include "devices/IDevice.h"
+#include "link/CLink.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 #include "project/TPrjList.h"
+#include "support/SimFixture.h"
 #include "ui/TDialogCmdParam.h"
 #include "ui/TDialogHexView.h"
 #include "ui/TDialogSelectDevice.h"
@@ -124,6 +126,27 @@ private slots:
         w.cfgView(timing)->setCurrentIndex(0);
         w.cfgTabWidget()->setCurrentIndex(0);
         save(w, "main_window", QSize(1280, 800));
+        w.closeProject();
+    }
+
+    // The 24C256 configuration against an empty two-wire socket: the failed run's block.
+    void failedRun() {
+        SimFixture sim;
+        QVERIFY(sim.start({"--bus", "i2c"}));
+        AppData.progName.clear();
+        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        TMainWindow w;
+        w.resize(1280, 800);
+        w.show();
+        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        const int eeprom = ProjectData.getIdCfgFromNameCfg("24C256 EEPROM");
+        QVERIFY(eeprom >= 0);
+        QVERIFY(w.runThread(eeprom));
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 60000);
+        QCOMPARE(ProjectData.getCfgStatus(eeprom), CfgStatusError);
+        w.cfgTabWidget()->setCurrentWidget(w.cfgView(eeprom));
+        w.cfgView(eeprom)->showLog();
+        save(w, "main_window_failed", QSize(1280, 800));
         w.closeProject();
     }
 

@@ -1,0 +1,133 @@
+#include "app/TAppData.h"
+#include "app/TLang.h"
+#include "app/TSettings.h"
+#include "devices/IDevice.h"
+#include "link/CLink.h"
+#include "project/TDataCmd.h"
+#include "project/TDataPrj.h"
+#include "support/SimFixture.h"
+#include "support/WorkerFixture.h"
+#include "ui/TMainWindow.h"
+#include "ui/TWgtCfg.h"
+#include "ui/TWgtLogExec.h"
+
+#include <QTemporaryDir>
+#include <QTextBlock>
+#include <QTextEdit>
+#include <QtTest>
+
+// The demo project in the window, run against the simulator: what a user sees after a good run and
+// after a failed one, and a run cut short by closing the window.
+class TestGuiDemo : public QObject {
+    Q_OBJECT
+    QTemporaryDir dir;
+    QString prj;
+
+    // The simulator with a chip in its socket, made the "Simulator" programmer of the settings.
+    // An empty chip name leaves the two-wire socket empty.
+    static bool startSim(SimFixture& sim, const QString& chip, const QStringList& more = QStringList()) {
+        const QStringList socket =
+            chip.isEmpty() ? QStringList{"--bus", "i2c"}
+                           : QStringList{"--chip", chip, "--devices", TARVELIX_DATA_DIR "/devices"};
+        if (!sim.start(socket + QStringList{"--trace", sim.path("t.txt")} + more)) return false;
+        AppData.progName.clear();
+        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        return true;
+    }
+
+    static TWgtLogExec* log(TMainWindow& w, int idCfg) { return w.cfgView(idCfg)->log(); }
+
+    // The last line of a log and the colour it was written in.
+    static QPair<QString, QColor> lastLine(TWgtLogExec* log) {
+        QTextBlock block = log->textEdit()->document()->lastBlock();
+        while (block.text().isEmpty() && block.previous().isValid())
+            block = block.previous();
+        const QTextFragment last = (--block.end()).fragment();
+        return {block.text(), last.charFormat().foreground().color()};
+    }
+
+    int runToEnd(TMainWindow& w, const QString& cfg) {
+        const int id = ProjectData.getIdCfgFromNameCfg(cfg);
+        if (id < 0 || !w.runThread(id)) return -1;
+        QTest::qWaitFor([&] { return w.runCount() == 0; }, 120000);
+        return w.runCount() == 0 ? id : -1;
+    }
+
+private slots:
+    void initTestCase() {
+        qRegisterMetaType<TCodeView>("TCodeView");
+        qRegisterMetaType<TData>("TData");
+        TSettings::setFileNameIniOverride(dir.filePath("t.ini"));
+        AppData.loadData();
+        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
+        AppData.pathProgs = QStringLiteral(TARVELIX_DATA_DIR "/progs");
+        AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
+        AppData.confirmQuit = false;
+        AppData.confirmSavePrj = false;
+        AppData.openLastPrj = false;
+        AppData.logShowTime = false;
+        AppData.selectPrjListFile = dir.filePath("sp.lpl");
+        for (const char* name : {"demo.prj", "demo.hex"})
+            QVERIFY(QFile::copy(QStringLiteral(TARVELIX_DATA_DIR "/projects/") + name, dir.filePath(name)));
+        prj = dir.filePath("demo.prj");
+    }
+
+    void goodRunEndsInTheSuccessColour() {
+        SimFixture sim;
+        QVERIFY(startSim(sim, "W25Q80RV"));
+        TMainWindow w;
+        QVERIFY(w.openProject(prj));
+        const int id = runToEnd(w, "SPI flash");
+        QVERIFY(id >= 0);
+        QCOMPARE(ProjectData.getCfgStatus(id), CfgStatusOk);
+        const QString text = log(w, id)->textEdit()->toPlainText();
+        // Every checked command has its line, in the order of the list.
+        int at = 0;
+        for (TDataCmd* cmd : ProjectData.getCmdListCfg(id)) {
+            if (!cmd->getEnable()) continue;
+            const QString name = cmd->getGroupObject()->getViewCmdName(cmd->getData());
+            at = text.indexOf(name, at);
+            QVERIFY2(at >= 0, qPrintable(name));
+        }
+        QCOMPARE(lastLine(log(w, id)), qMakePair(Lang.get(391), AppData.colorSuccess));
+        QCOMPARE(ProjectData.getCfgStatus(id), CfgStatusOk);
+        // The programmer is left idle: leave (0x85), then the idle light (0x83).
+        const QStringList frames = WorkerFixture::requests(sim.path("t.txt"));
+        QVERIFY(frames.size() > 4);
+        QCOMPARE(frames.mid(frames.size() - 2), (QStringList{"C0 85 00 00 BB", "C0 83 01 00 00 BC"}));
+    }
+
+    void failedRunShowsTheProgrammersError() {
+        SimFixture sim;
+        QVERIFY(startSim(sim, QString())); // the 24C256 the configuration expects is not in the socket
+        TMainWindow w;
+        QVERIFY(w.openProject(prj));
+        const int id = runToEnd(w, "24C256 EEPROM");
+        QVERIFY(id >= 0);
+        QCOMPARE(ProjectData.getCfgStatus(id), CfgStatusError);
+        const auto last = lastLine(log(w, id));
+        QCOMPARE(last.second, AppData.colorFailed);
+        const QString text = log(w, id)->textEdit()->toPlainText();
+        QVERIFY2(text.contains(Lang.get(410)), qPrintable(text));
+        QVERIFY(!text.contains(Lang.get(391)));
+    }
+
+    void closingTheWindowLeavesTheProgrammerCleanly() {
+        SimFixture sim;
+        // A slow link keeps the run busy long enough to be interrupted.
+        QVERIFY(startSim(sim, "W25Q80RV", {"--delay-ms", "20"}));
+        auto* w = new TMainWindow;
+        QVERIFY(w->openProject(prj));
+        const int id = ProjectData.getIdCfgFromNameCfg("SPI flash");
+        QVERIFY(w->runThread(id));
+        QTRY_VERIFY_WITH_TIMEOUT(WorkerFixture::requests(sim.path("t.txt")).size() > 6, 60000);
+        QVERIFY(w->close());
+        QCOMPARE(w->runCount(), 0);
+        delete w;
+        const QStringList frames = WorkerFixture::requests(sim.path("t.txt"));
+        QCOMPARE(frames.mid(frames.size() - 2), (QStringList{"C0 85 00 00 BB", "C0 83 01 00 00 BC"}));
+    }
+};
+
+QTEST_MAIN(TestGuiDemo)
+#include "test_gui_demo.moc"
