@@ -21,6 +21,14 @@ QList<THotKeys::Entry> THotKeys::defaults() {
         {QStringLiteral("ContinueAll"), Lang.get(14), QKeySequence(QStringLiteral("Ctrl+F7"))},
         {QStringLiteral("Settings"), Lang.get(16), QKeySequence(QStringLiteral("Ctrl+,"))},
         {QStringLiteral("HexView"), Lang.get(19), QKeySequence(QStringLiteral("Ctrl+H"))},
+        {QStringLiteral("Undo"), Lang.get(621), QKeySequence(QStringLiteral("Ctrl+Z"))},
+        {QStringLiteral("Redo"), Lang.get(622), QKeySequence(QStringLiteral("Ctrl+Shift+Z"))},
+        {QStringLiteral("CutCmd"), Lang.get(628), QKeySequence(QStringLiteral("Ctrl+X"))},
+        {QStringLiteral("CopyCmd"), Lang.get(629), QKeySequence(QStringLiteral("Ctrl+C"))},
+        {QStringLiteral("PasteCmd"), Lang.get(630), QKeySequence(QStringLiteral("Ctrl+V"))},
+        {QStringLiteral("DeleteCmd"), Lang.get(631), QKeySequence(QStringLiteral("Del"))},
+        {QStringLiteral("MoveCmdUp"), Lang.get(632), QKeySequence(QStringLiteral("Ctrl+Up"))},
+        {QStringLiteral("MoveCmdDown"), Lang.get(633), QKeySequence(QStringLiteral("Ctrl+Down"))},
     };
 }
 

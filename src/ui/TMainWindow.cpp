@@ -164,13 +164,6 @@ void TMainWindow::createEditActions() {
     action("MoveCfgLeft", Lang.get(641), nullptr, [this] { moveCfg(currentIdCfg(), -1); });
     action("MoveCfgRight", Lang.get(642), nullptr, [this] { moveCfg(currentIdCfg(), 1); });
     action("DeleteCfg", Lang.get(643), nullptr, [this] { deleteCfg(currentIdCfg()); });
-    // The hot-key table knows the project and run actions; editing keeps the keys every editor has.
-    const QList<QPair<const char*, const char*>> keys = {
-        {"Undo", "Ctrl+Z"},       {"Redo", "Ctrl+Shift+Z"},    {"CutCmd", "Ctrl+X"},
-        {"CopyCmd", "Ctrl+C"},    {"PasteCmd", "Ctrl+V"},      {"DeleteCmd", "Del"},
-        {"MoveCmdUp", "Ctrl+Up"}, {"MoveCmdDown", "Ctrl+Down"}};
-    for (const auto& k : keys)
-        actionByKey.value(k.first)->setShortcut(QKeySequence(QString::fromLatin1(k.second)));
     // The command keys act in the configuration pages only: elsewhere Del and Ctrl+C are the focused
     // widget's own.
     for (const char* k : {"CutCmd", "CopyCmd", "PasteCmd", "DeleteCmd", "MoveCmdUp", "MoveCmdDown"}) {

@@ -136,6 +136,7 @@ private slots:
         {
             TSettings s;
             s.setValue("/HotKeyMain/Run", "F9");
+            s.setValue("/HotKeyMain/Undo", "Alt+Backspace");
             s.setValue("/WindowMain/Left", 40);
             s.setValue("/WindowMain/Top", 30);
             s.setValue("/WindowMain/Width", 700);
@@ -144,8 +145,11 @@ private slots:
         TestWindow w;
         QCOMPARE(w.findChild<QAction*>("Run")->shortcut(), QKeySequence("F9"));
         QCOMPARE(w.findChild<QAction*>("Stop")->shortcut(), QKeySequence("F6"));
+        QCOMPARE(w.findChild<QAction*>("Undo")->shortcut(), QKeySequence("Alt+Backspace"));
+        QCOMPARE(w.findChild<QAction*>("PasteCmd")->shortcut(), QKeySequence("Ctrl+V"));
         QCOMPARE(w.geometry().size(), QSize(700, 500));
         TSettings().remove("/HotKeyMain/Run");
+        TSettings().remove("/HotKeyMain/Undo");
     }
 
     void twoRunsAtOnce() {
