@@ -1,7 +1,9 @@
 #include "devices/IDeviceExec.h"
 
 #include "app/TLang.h"
+#include "formats/TFormat.h"
 #include "link/TSerialPort.h"
+#include "misc/dev_misc.h"
 #include "project/TDataPrj.h"
 
 #include <QCoreApplication>
@@ -53,4 +55,33 @@ bool IDeviceExec::storeData(const QString& hex) {
     storeParam(QStringLiteral("data"), hex);
     emit signalEventText(4, hex, QString());
     return true;
+}
+
+bool IDeviceExec::compare(qint64 addr, const QByteArray& expected, const QByteArray& read) {
+    for (int i = 0; i < expected.size(); ++i)
+        if (i >= read.size() || expected.at(i) != read.at(i)) {
+            setErrorText(TMiscDev::getMsgVerifyError(addr + i, uchar(expected.at(i)),
+                                                     i < read.size() ? uchar(read.at(i)) : 0));
+            return false;
+        }
+    return true;
+}
+
+bool IDeviceExec::openFile(TFormat& data, TFormatMode mode) {
+    if (data.open(mode)) return true;
+    setErrorText(data.getErrorText());
+    return false;
+}
+
+bool IDeviceExec::forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& each) {
+    for (long long at = addr;;) {
+        QByteArray piece;
+        if (!data.read(at, piece)) {
+            setErrorText(data.getErrorText());
+            return false;
+        }
+        if (piece.isEmpty()) return true;
+        if (!each(at, piece)) return false;
+        at += piece.size();
+    }
 }

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "app/TTypes.h"
+#include "formats/IFormat.h"
 
 #include <QObject>
 
 #include <atomic>
+#include <functional>
 
+class TFormat;
 class TSerialPort;
 
 // The executing face of a command family: made for one command, run in the worker's thread.
@@ -48,6 +51,16 @@ protected:
     bool storeParam(const QString& key, const QVariant& value);
     // A read result: kept in the command's "data" and shown in the log.
     bool storeData(const QString& hex);
+    // The first byte where read differs from expected (or is missing) becomes the verify error text.
+    bool compare(qint64 addr, const QByteArray& expected, const QByteArray& read);
+
+    // The data file of a file command; a failure to open it becomes the error text.
+    bool openFile(TFormat& data, TFormatMode mode);
+    // Hands each piece of a file opened for reading to each(device address, piece), from addr on, until
+    // the file has no more data for the range (the file moves the address over its gaps). A file error
+    // becomes the error text; each returns false to end the loop.
+    using FilePiece = std::function<bool(qint64 addr, const QByteArray& piece)>;
+    bool forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& each);
 
     TData param;
     std::atomic<bool> stop{false};

@@ -109,15 +109,6 @@ bool TDev24CExec::readRange(TSerialPort& port, qint64 addr, qint64 end, const Si
     return true;
 }
 
-bool TDev24CExec::compare(qint64 addr, const QByteArray& expected, const QByteArray& read) {
-    for (int i = 0; i < expected.size(); ++i)
-        if (expected.at(i) != read.at(i)) {
-            setErrorText(TMiscDev::getMsgVerifyError(addr + i, uchar(expected.at(i)), uchar(read.at(i))));
-            return false;
-        }
-    return true;
-}
-
 bool TDev24CExec::verifyRange(TSerialPort& port, qint64 addr, qint64 end, const Source& expected) {
     return readRange(port, addr, end, [&](qint64 at, const QByteArray& piece) {
         return compare(at, expected(at, piece.size()), piece);
@@ -230,21 +221,17 @@ bool TDev24CExec::writeFile(TSerialPort& port) {
     QString file, format;
     TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
     TFormat data(format, file, addrFile, addr, end, page);
-    if (!data.open(FormatModeRead)) return setErrorText(data.getErrorText()), false;
+    if (!openFile(data, FormatModeRead)) return false;
     const int alg = TAPP_PARAM(dev, "alg_write").toInt();
     int last = -1;
-    for (long long at = addr;;) {
-        QByteArray piece;
-        if (!data.read(at, piece)) return setErrorText(data.getErrorText()), false;
-        if (piece.isEmpty()) break;
+    const bool ok = forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
         QString err;
         if (!TDev24CAlg::write(alg, port, at, addrSize, piece, err))
             return setErrorText(err.isEmpty() ? Lang.get(483).arg(alg) : err), false;
-        at += piece.size();
-        processGUI(last, at, end);
-        if (isStop()) return false;
-    }
-    return data.close() || (setErrorText(data.getErrorText()), false);
+        processGUI(last, at + piece.size(), end);
+        return !isStop();
+    });
+    return ok && (data.close() || (setErrorText(data.getErrorText()), false));
 }
 
 bool TDev24CExec::verifyFile(TSerialPort& port) {
@@ -255,18 +242,15 @@ bool TDev24CExec::verifyFile(TSerialPort& port) {
     TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
     const int chunk = qMin(maxData, 0xFFFF);
     TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!data.open(FormatModeRead)) return setErrorText(data.getErrorText()), false;
+    if (!openFile(data, FormatModeRead)) return false;
     int last = -1;
-    for (long long at = addr;;) {
-        QByteArray piece, read;
-        if (!data.read(at, piece)) return setErrorText(data.getErrorText()), false;
-        if (piece.isEmpty()) break;
+    const bool ok = forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
+        QByteArray read;
         if (!readPiece(port, at, piece.size(), read) || !compare(at, piece, read)) return false;
-        at += piece.size();
-        processGUI(last, at, end);
-        if (isStop()) return false;
-    }
-    return data.close() || (setErrorText(data.getErrorText()), false);
+        processGUI(last, at + piece.size(), end);
+        return !isStop();
+    });
+    return ok && (data.close() || (setErrorText(data.getErrorText()), false));
 }
 
 bool TDev24CExec::readFile(TSerialPort& port) {
@@ -276,7 +260,7 @@ bool TDev24CExec::readFile(TSerialPort& port) {
     QString file, format;
     TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
     TFormat data(format, file, addrFile, addr, end, qMin(maxData, 0xFFFF));
-    if (!data.open(FormatModeWrite)) return setErrorText(data.getErrorText()), false;
+    if (!openFile(data, FormatModeWrite)) return false;
     const qint64 begin = addr;
     const bool ok = readRange(port, addr, end, [&](qint64 at, const QByteArray& piece) {
         return data.write(addrFile + at - begin, piece) || (setErrorText(data.getErrorText()), false);

@@ -40,7 +40,6 @@ private:
     bool writeRange(TSerialPort& port, qint64 addr, qint64 end, const Source& source);
     bool readRange(TSerialPort& port, qint64 addr, qint64 end, const Sink& sink);
     bool verifyRange(TSerialPort& port, qint64 addr, qint64 end, const Source& expected);
-    bool compare(qint64 addr, const QByteArray& expected, const QByteArray& read);
 
     TData dev;
     int maxData = 0;

@@ -56,7 +56,6 @@ private:
     bool writeRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& source);
     bool verifyRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& expected);
     bool readRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Sink& sink);
-    bool compare(qint64 addr, const QByteArray& expected, const QByteArray& read);
 
     bool writeFileSpace(TSerialPort& port, Space space);
     bool verifyFileSpace(TSerialPort& port, Space space);

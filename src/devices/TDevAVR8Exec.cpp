@@ -135,16 +135,6 @@ bool TDevAVR8Exec::writePiece(TSerialPort& port, Space space, qint64 addr, const
            fail(err, "alg_flash_write");
 }
 
-bool TDevAVR8Exec::compare(qint64 addr, const QByteArray& expected, const QByteArray& read) {
-    for (int i = 0; i < expected.size(); ++i)
-        if (i >= read.size() || expected.at(i) != read.at(i)) {
-            setErrorText(TMiscDev::getMsgVerifyError(addr + i, uchar(expected.at(i)),
-                                                     i < read.size() ? uchar(read.at(i)) : 0));
-            return false;
-        }
-    return true;
-}
-
 bool TDevAVR8Exec::writeRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& source) {
     int last = -1, counter = 0;
     for (qint64 n; (n = TMiscDev::getSize(addr, end, writeChunk(space))) > 0; addr += n) {
@@ -320,23 +310,11 @@ bool TDevAVR8Exec::writeFileSpace(TSerialPort& port, Space space) {
     QString file, format;
     TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
     TFormat data(format, file, addrFile, addr, end, writeChunk(space));
-    if (!data.open(FormatModeRead)) {
-        setErrorText(data.getErrorText());
-        return false;
-    }
+    if (!openFile(data, FormatModeRead)) return false;
     int last = -1, counter = 0;
-    for (long long at = addr;;) {
-        QByteArray piece;
-        if (!data.read(at, piece)) {
-            setErrorText(data.getErrorText());
-            return false;
-        }
-        if (piece.isEmpty()) break;
-        if (!writePiece(port, space, at, piece)) return false;
-        at += piece.size();
-        if (processGUI(last, counter, at, end)) return false;
-    }
-    return true;
+    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
+        return writePiece(port, space, at, piece) && !processGUI(last, counter, at + piece.size(), end);
+    });
 }
 
 bool TDevAVR8Exec::verifyFileSpace(TSerialPort& port, Space space) {
@@ -345,24 +323,13 @@ bool TDevAVR8Exec::verifyFileSpace(TSerialPort& port, Space space) {
     QString file, format;
     TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
     TFormat data(format, file, addrFile, addr, end, maxData);
-    if (!data.open(FormatModeRead)) {
-        setErrorText(data.getErrorText());
-        return false;
-    }
+    if (!openFile(data, FormatModeRead)) return false;
     int last = -1, counter = 0;
     QByteArray read;
-    for (long long at = addr;;) {
-        QByteArray piece;
-        if (!data.read(at, piece)) {
-            setErrorText(data.getErrorText());
-            return false;
-        }
-        if (piece.isEmpty()) break;
-        if (!readPiece(port, space, at, piece.size(), read) || !compare(at, piece, read)) return false;
-        at += piece.size();
-        if (processGUI(last, counter, at, end)) return false;
-    }
-    return true;
+    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
+        return readPiece(port, space, at, piece.size(), read) && compare(at, piece, read) &&
+               !processGUI(last, counter, at + piece.size(), end);
+    });
 }
 
 bool TDevAVR8Exec::readFileSpace(TSerialPort& port, Space space) {
@@ -371,10 +338,7 @@ bool TDevAVR8Exec::readFileSpace(TSerialPort& port, Space space) {
     QString file, format;
     TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
     TFormat data(format, file, addrFile, addr, end, maxData);
-    if (!data.open(FormatModeWrite)) {
-        setErrorText(data.getErrorText());
-        return false;
-    }
+    if (!openFile(data, FormatModeWrite)) return false;
     const qint64 start = addr;
     const bool ok = readRange(port, space, addr, end, [&](qint64 at, const QByteArray& piece) {
         if (data.write(addrFile + at - start, piece)) return true;

@@ -201,10 +201,7 @@ bool TDevToolsExec::execCalcCRC() {
     const qint64 piece = 0x1000000;
     // File and device addresses coincide: the range starts at addr in both.
     TFormat data(format, file, addr, addr, addr + count - 1, piece);
-    if (!data.open(FormatModeRead)) {
-        setErrorText(data.getErrorText());
-        return false;
-    }
+    if (!openFile(data, FormatModeRead)) return false;
     // The CRC runs over exactly count bytes: gaps in the file are filled with the fill byte.
     qint64 at = addr;
     const qint64 end = addr + count;
