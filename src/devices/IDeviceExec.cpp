@@ -1,9 +1,14 @@
 #include "devices/IDeviceExec.h"
 
+#include "app/TApp.h"
 #include "app/TLang.h"
+#include "devices/IDevice.h"
 #include "formats/TFormat.h"
+#include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "misc/dev_misc.h"
+#include "project/CTagPrj.h"
+#include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
 #include <QCoreApplication>
@@ -54,6 +59,19 @@ bool IDeviceExec::storeParam(const QString& key, const QVariant& value) {
 bool IDeviceExec::storeData(const QString& hex) {
     storeParam(QStringLiteral("data"), hex);
     emit signalEventText(4, hex, QString());
+    return true;
+}
+
+bool IDeviceExec::readSetup(TData& dev, int& maxData) const {
+    TLocker lock(ProjectData.getMutex());
+    TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
+    IDevice* device = cmd ? cmd->getDeviceObject() : nullptr;
+    TProg* prog = cmd ? cmd->getProgObject() : nullptr;
+    if (!device || !prog) return false;
+    dev = device->getDevParam();
+    unsigned short max = 0;
+    prog->getProtocolSettings(max);
+    maxData = max;
     return true;
 }
 

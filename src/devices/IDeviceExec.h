@@ -51,6 +51,9 @@ protected:
     bool storeParam(const QString& key, const QVariant& value);
     // A read result: kept in the command's "data" and shown in the log.
     bool storeData(const QString& hex);
+    // The catalogue parameters of the command's device and the programmer's largest payload; false when
+    // the command has lost its device or its programmer.
+    bool readSetup(TData& dev, int& maxData) const;
     // The first byte where read differs from expected (or is missing) becomes the verify error text.
     bool compare(qint64 addr, const QByteArray& expected, const QByteArray& read);
 

@@ -2,17 +2,13 @@
 
 #include "app/TApp.h"
 #include "app/TLang.h"
-#include "devices/IDevice.h"
 #include "devices/TDev24CAlg.h"
 #include "formats/TFormat.h"
-#include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
-#include "project/TDataCmd.h"
-#include "project/TDataPrj.h"
 
 #include <QCoreApplication>
 
@@ -47,15 +43,7 @@ bool TDev24CExec::execReadSignature(TSerialPort&, QString&) {
 
 bool TDev24CExec::prepare(TSerialPort& port) {
     if (!isOpenPort(port)) return false;
-    TLocker lock(ProjectData.getMutex());
-    TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
-    IDevice* device = cmd ? cmd->getDeviceObject() : nullptr;
-    TProg* prog = cmd ? cmd->getProgObject() : nullptr;
-    if (!device || !prog) return false;
-    dev = device->getDevParam();
-    unsigned short max = 0;
-    prog->getProtocolSettings(max);
-    maxData = max;
+    if (!readSetup(dev, maxData)) return false;
     page = TAPP_PARAM(dev, "page_size").toInt();
     addrSize = static_cast<unsigned char>(TAPP_PARAM(dev, "addr_size").toUInt());
     return maxData > 0 && page > 0;

@@ -3,18 +3,14 @@
 #include "app/TApp.h"
 #include "app/TAppData.h"
 #include "app/TLang.h"
-#include "devices/IDevice.h"
 #include "devices/TDev25Alg.h"
 #include "devices/TSignature.h"
 #include "formats/TFormat.h"
-#include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
-#include "project/TDataCmd.h"
-#include "project/TDataPrj.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -74,15 +70,7 @@ bool TDev25Exec::execute(TSerialPort& port, bool&, int&, int&) {
 
 bool TDev25Exec::prepare(TSerialPort& port) {
     if (!isOpenPort(port)) return false;
-    TLocker lock(ProjectData.getMutex());
-    TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
-    IDevice* device = cmd ? cmd->getDeviceObject() : nullptr;
-    TProg* prog = cmd ? cmd->getProgObject() : nullptr;
-    if (!device || !prog) return false;
-    dev = device->getDevParam();
-    unsigned short max = 0;
-    prog->getProtocolSettings(max);
-    maxData = max;
+    if (!readSetup(dev, maxData)) return false;
     return maxData > 0;
 }
 
@@ -324,7 +312,6 @@ bool TDev25Exec::readData(TSerialPort& port) {
     return storeData(TMiscDev::getHexFromByteArrayMask(text, read));
 }
 
-// The bytes read become the command's own data, so that its view shows them, and a result in the log.
 // ---- files ----
 
 bool TDev25Exec::writeFile(TSerialPort& port) {

@@ -3,17 +3,13 @@
 #include "app/TApp.h"
 #include "app/TAppData.h"
 #include "app/TLang.h"
-#include "devices/IDevice.h"
 #include "devices/TSignature.h"
 #include "formats/TFormat.h"
-#include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
-#include "project/TDataCmd.h"
-#include "project/TDataPrj.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -80,15 +76,7 @@ bool TDevAVR8Exec::execute(TSerialPort& port, bool&, int&, int&) {
 
 bool TDevAVR8Exec::prepare(TSerialPort& port) {
     if (!isOpenPort(port)) return false;
-    TLocker lock(ProjectData.getMutex());
-    TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
-    IDevice* device = cmd ? cmd->getDeviceObject() : nullptr;
-    TProg* prog = cmd ? cmd->getProgObject() : nullptr;
-    if (!device || !prog) return false;
-    dev = device->getDevParam();
-    unsigned short max = 0;
-    prog->getProtocolSettings(max);
-    maxData = max;
+    if (!readSetup(dev, maxData)) return false;
     flashState = TDevAVR8Alg::FlashState();
     return maxData > 0;
 }
