@@ -13,14 +13,6 @@
 
 using namespace CTagCmdCode;
 
-namespace {
-bool isOneOf(const QString& code, std::initializer_list<const char*> codes) {
-    for (const char* c : codes)
-        if (code == QLatin1String(c)) return true;
-    return false;
-}
-} // namespace
-
 TDev24::TDev24(const QString& code, const TData& param)
     : IDevice(code), cmdList{set_clk,    set_addr,    separator,   erase,      test_empty,
                              char_write, char_verify, data_read,   data_write, data_verify,
@@ -44,9 +36,9 @@ void TDev24::getDefaultCmdParam(TData& p) {
     const QString code = p.value(CTagCmd::cmd).toString();
     if (code == set_clk) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
     if (code == set_addr) TDev24CDevParam::def(p);
-    if (isOneOf(code, {char_write, char_verify})) TNormCmdParam::cmdRWVCharDef(this, p);
-    if (isOneOf(code, {data_read, data_write, data_verify})) TNormCmdParam::cmdRWVDataDef(this, p);
-    if (isOneOf(code, {file_read, file_write, file_verify})) TNormCmdParam::cmdRWVFileDef(this, p);
+    if (TMiscDev::isOneOf(code, {char_write, char_verify})) TNormCmdParam::cmdRWVCharDef(this, p);
+    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify})) TNormCmdParam::cmdRWVDataDef(this, p);
+    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify})) TNormCmdParam::cmdRWVFileDef(this, p);
     if (code == leave) TNormCmdParam::cmdLeaveDef(p, true);
 }
 
@@ -67,9 +59,11 @@ QString TDev24::getViewCmdParam(const TData& p, QWidget*) const {
     const QString code = p.value(CTagCmd::cmd).toString();
     if (code == set_clk) return TMiscDev::getViewFreqValue(int(TMiscDev::getCLK(p)));
     if (code == set_addr) return getViewSetAddress(p);
-    if (isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharView(p);
-    if (isOneOf(code, {data_read, data_write, data_verify})) return TNormCmdParam::cmdRWVDataView(p);
-    if (isOneOf(code, {file_read, file_write, file_verify})) return TNormCmdParam::cmdRWVFileView(p);
+    if (TMiscDev::isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharView(p);
+    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
+        return TNormCmdParam::cmdRWVDataView(p);
+    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify}))
+        return TNormCmdParam::cmdRWVFileView(p);
     if (code == leave) return TNormCmdParam::cmdLeaveView(p, true);
     return QString();
 }
@@ -78,10 +72,11 @@ QWidget* TDev24::getFormCmdParam(const TData& p) const {
     const QString code = p.value(CTagCmd::cmd).toString();
     if (code == set_clk) return keepForm(TNormCmdParam::cmdSetCLKForm(getDevConnect(), p));
     if (code == set_addr) return keepForm(TDev24CDevParam::form(this, p));
-    if (isOneOf(code, {char_write, char_verify})) return keepForm(TNormCmdParam::cmdRWVCharForm(this, p));
-    if (isOneOf(code, {data_read, data_write, data_verify}))
+    if (TMiscDev::isOneOf(code, {char_write, char_verify}))
+        return keepForm(TNormCmdParam::cmdRWVCharForm(this, p));
+    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
         return keepForm(TNormCmdParam::cmdRWVDataForm(this, p));
-    if (isOneOf(code, {file_read, file_write, file_verify}))
+    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify}))
         return keepForm(TNormCmdParam::cmdRWVFileForm(this, p));
     if (code == leave) return keepForm(TNormCmdParam::cmdLeaveForm(this, p, true));
     return keepForm(nullptr);
@@ -97,10 +92,12 @@ bool TDev24::checkCmdParam(const TData& p) {
     const QString code = p.value(CTagCmd::cmd).toString();
     if (code == set_clk) return TNormCmdParam::cmdSetCLKCheck(p);
     if (code == set_addr) return TDev24CDevParam::check(p);
-    if (isOneOf(code, {erase, test_empty})) return true;
-    if (isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharCheck(this, p);
-    if (isOneOf(code, {data_read, data_write, data_verify})) return TNormCmdParam::cmdRWVDataCheck(this, p);
-    if (isOneOf(code, {file_read, file_write, file_verify})) return TNormCmdParam::cmdRWVFileCheck(this, p);
+    if (TMiscDev::isOneOf(code, {erase, test_empty})) return true;
+    if (TMiscDev::isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharCheck(this, p);
+    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
+        return TNormCmdParam::cmdRWVDataCheck(this, p);
+    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify}))
+        return TNormCmdParam::cmdRWVFileCheck(this, p);
     if (code == leave) return TNormCmdParam::cmdLeaveCheck(p, true);
     return false;
 }

@@ -30,12 +30,11 @@ QByteArray TDev24CDevParam::payload(IDevice* dev, const TData& param) {
     const unsigned int type = DeviceList.getDevCode(typeName);
     const unsigned int clk = TMiscDev::getCLK(p);
     QByteArray out;
-    out.append(char(type & 0xFF)).append(char(type >> 8 & 0xFF));
-    out.append(char(TAPP_PARAM(d, "cfg_hw").toUInt() & 0xFF));
-    out.append(char(p.value(addr).toUInt() & 0xFF));
-    for (int i = 0; i < 4; ++i)
-        out.append(char(clk >> (8 * i) & 0xFF));
-    out.append(char(TAPP_PARAM(d, "delay").toUInt() & 0xFF));
+    TMiscDev::appendLE(out, type, 2);
+    TMiscDev::appendLE(out, TAPP_PARAM(d, "cfg_hw").toUInt(), 1);
+    TMiscDev::appendLE(out, p.value(addr).toUInt(), 1);
+    TMiscDev::appendLE(out, clk, 4);
+    TMiscDev::appendLE(out, TAPP_PARAM(d, "delay").toUInt(), 1);
     return out;
 }
 

@@ -20,17 +20,6 @@ const QString kData = QStringLiteral("data"), kSize = QStringLiteral("size"),
               kBegin = QStringLiteral("begin"), kCount = QStringLiteral("count");
 constexpr qint64 kBlockDefault = 65536;
 constexpr int kRegisterSize = 256;
-
-bool isOneOf(const QString& code, std::initializer_list<const char*> codes) {
-    for (const char* c : codes)
-        if (code == QLatin1String(c)) return true;
-    return false;
-}
-
-void appendLE(QByteArray& out, quint32 value, int bytes) {
-    for (int i = 0; i < bytes; ++i)
-        out.append(char((value >> (8 * i)) & 0xFF));
-}
 } // namespace
 
 TDev25::TDev25(const QString& code, const TData& param) : IDevice(code), cmdList(getCmdList()) {
@@ -84,7 +73,8 @@ qint64 TDev25::devValue(const char* key) const {
 
 TDev25::Region TDev25::regionOf(const QString& code) {
     using namespace CTagCmdCode;
-    if (isOneOf(code, {security_reg_read, security_reg_write, security_reg_verify})) return Region::Security;
+    if (TMiscDev::isOneOf(code, {security_reg_read, security_reg_write, security_reg_verify}))
+        return Region::Security;
     if (code == QLatin1String(sfdp_reg_read)) return Region::SFDP;
     return Region::Flash;
 }
@@ -101,20 +91,20 @@ void TDev25::getDefaultCmdParam(TData& p) {
     const QString code = p.value(CTagCmd::cmd).toString();
     qint64 begin, size;
     regionRange(regionOf(code), begin, size);
-    if (isOneOf(code, {char_write, char_verify}))
+    if (TMiscDev::isOneOf(code, {char_write, char_verify}))
         TNormCmdParam::writeParamRWVChar(p, begin, size, 0xFF);
-    else if (isOneOf(code, {data_read, data_write, data_verify}))
+    else if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
         TNormCmdParam::writeDataRWVData(p, begin, QString());
-    else if (isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
-                            security_reg_verify, sfdp_reg_read}))
+    else if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify, security_reg_read,
+                                      security_reg_write, security_reg_verify, sfdp_reg_read}))
         TNormCmdParam::defRWVFile(p, begin, size);
-    else if (isOneOf(code, {erase_blocks, test_empty_blocks})) {
+    else if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) {
         p.insert(kSize, kBlockDefault);
         p.insert(kBegin, 0);
         p.insert(kCount, devValue("size") / kBlockDefault);
-    } else if (isOneOf(code, {security_reg_erase, security_reg_test_empty}))
+    } else if (TMiscDev::isOneOf(code, {security_reg_erase, security_reg_test_empty}))
         p.insert(kData, 255);
-    else if (isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify}))
+    else if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify}))
         p.insert(kData, devParam.value(QStringLiteral("status_reg_def")).toString());
     else if (code == QLatin1String(set_clk))
         TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
@@ -146,16 +136,17 @@ QString TDev25::cmdSecurityRegView(const TData& p) {
 QString TDev25::getViewCmdParam(const TData& p, QWidget*) const {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
-    if (isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharView(p);
-    if (isOneOf(code, {data_read, data_write, data_verify})) return TNormCmdParam::cmdRWVDataView(p);
-    if (isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
-                       security_reg_verify, sfdp_reg_read}))
+    if (TMiscDev::isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharView(p);
+    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
+        return TNormCmdParam::cmdRWVDataView(p);
+    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
+                                 security_reg_verify, sfdp_reg_read}))
         return TNormCmdParam::cmdRWVFileView(p);
     if (code == QLatin1String(ident))
         return Lang.get(473).arg(devParam.value(QStringLiteral("signature")).toString());
-    if (isOneOf(code, {erase_blocks, test_empty_blocks})) return cmdEraseBlocksView(p);
-    if (isOneOf(code, {security_reg_erase, security_reg_test_empty})) return cmdSecurityRegView(p);
-    if (isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify, unique_id_read}))
+    if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) return cmdEraseBlocksView(p);
+    if (TMiscDev::isOneOf(code, {security_reg_erase, security_reg_test_empty})) return cmdSecurityRegView(p);
+    if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify, unique_id_read}))
         return p.value(kData).toString();
     if (code == QLatin1String(set_clk)) return TMiscDev::getViewFreqValue(int(TMiscDev::getCLK(p)));
     if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveView(p, true);
@@ -214,20 +205,20 @@ QWidget* TDev25::getFormCmdParam(const TData& p) const {
     regionRange(regionOf(code), begin, size);
     TFormCmd* form = nullptr;
     if (code == QLatin1String(set_clk)) form = TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
-    if (isOneOf(code, {erase_blocks, test_empty_blocks})) form = formEraseBlocks(p);
-    if (isOneOf(code, {char_write, char_verify})) form = TNormCmdParam::formRWVChar(p, begin, size);
-    if (isOneOf(code, {data_read, data_write, data_verify}))
+    if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) form = formEraseBlocks(p);
+    if (TMiscDev::isOneOf(code, {char_write, char_verify})) form = TNormCmdParam::formRWVChar(p, begin, size);
+    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
         form = TNormCmdParam::formRWVData(p, begin, size);
-    if (isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
-                       security_reg_verify, sfdp_reg_read}))
+    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
+                                 security_reg_verify, sfdp_reg_read}))
         form = TNormCmdParam::formRWVFile(p, begin, size);
-    if (isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify})) {
+    if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify})) {
         form = new TFormCmd(p);
         TWgtRegisterForm::addToForm(form, kData,
                                     devParam.value(QStringLiteral("status_reg_cfg")).toStringList(),
                                     code == QLatin1String(status_reg_read));
     }
-    if (isOneOf(code, {security_reg_erase, security_reg_test_empty})) {
+    if (TMiscDev::isOneOf(code, {security_reg_erase, security_reg_test_empty})) {
         form = new TFormCmd(p);
         const int registers = int(devValue("security_reg_size") / kRegisterSize) & 255;
         TWgtRegisterForm::addToForm(form, kData, getSecurityRegLines(registers), false, true);
@@ -265,17 +256,18 @@ bool TDev25::checkCmdParam(const TData& p) {
     qint64 begin, size;
     regionRange(regionOf(code), begin, size);
     if (code == QLatin1String(set_clk)) return TNormCmdParam::cmdSetCLKCheck(p);
-    if (isOneOf(code, {ident, erase, test_empty, unique_id_read})) return true;
-    if (isOneOf(code, {erase_blocks, test_empty_blocks})) return checkEraseBlocks(p);
-    if (isOneOf(code, {char_write, char_verify})) return TNormCmdParam::checkParamRWVChar(p, begin, size);
-    if (isOneOf(code, {data_read, data_write, data_verify}))
+    if (TMiscDev::isOneOf(code, {ident, erase, test_empty, unique_id_read})) return true;
+    if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) return checkEraseBlocks(p);
+    if (TMiscDev::isOneOf(code, {char_write, char_verify}))
+        return TNormCmdParam::checkParamRWVChar(p, begin, size);
+    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
         return TNormCmdParam::checkParamRWVData(p, begin, size);
-    if (isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
-                       security_reg_verify, sfdp_reg_read}))
+    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
+                                 security_reg_verify, sfdp_reg_read}))
         return TNormCmdParam::checkParamRWVFile(p, begin, size);
     if (code == QLatin1String(status_reg_read)) return true;
-    if (isOneOf(code, {status_reg_write, status_reg_verify})) return checkStatusReg(p);
-    if (isOneOf(code, {security_reg_erase, security_reg_test_empty})) {
+    if (TMiscDev::isOneOf(code, {status_reg_write, status_reg_verify})) return checkStatusReg(p);
+    if (TMiscDev::isOneOf(code, {security_reg_erase, security_reg_test_empty})) {
         bool ok = false;
         p.value(kData).toUInt(&ok);
         return ok;
@@ -303,11 +295,11 @@ QByteArray TDev25::getCmdSetDeviceExec(const TData& param) {
     if (!p.contains(QStringLiteral("clk"))) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
     QString type = devParam.value(QStringLiteral("prg_type")).toString();
     QByteArray out;
-    appendLE(out, DeviceList.getDevCode(type), 2);
-    appendLE(out, quint32(devValue("cfg_hw")), 1);
-    appendLE(out, 0, 1);
-    appendLE(out, TMiscDev::getCLK(p), 4);
-    appendLE(out, quint32(devValue("delay")), 1);
+    TMiscDev::appendLE(out, DeviceList.getDevCode(type), 2);
+    TMiscDev::appendLE(out, quint32(devValue("cfg_hw")), 1);
+    TMiscDev::appendLE(out, 0, 1);
+    TMiscDev::appendLE(out, TMiscDev::getCLK(p), 4);
+    TMiscDev::appendLE(out, quint32(devValue("delay")), 1);
     return out;
 }
 

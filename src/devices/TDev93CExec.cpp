@@ -3,6 +3,7 @@
 #include "app/TApp.h"
 #include "app/TLang.h"
 #include "link/TSerialPort.h"
+#include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 
@@ -37,8 +38,7 @@ bool TDev93CExec::execReadSignature(TSerialPort&, QString&) {
 bool TDev93CExec::execSetCLK(TSerialPort& port) {
     const unsigned int hz = TAPP_PARAM(param, "clk").toUInt();
     QByteArray data;
-    for (int i = 0; i < 4; ++i)
-        data.append(char(hz >> (8 * i) & 0xFF));
+    TMiscDev::appendLE(data, hz, 4);
     return sendPackage(port, 2, data);
 }
 

@@ -15,17 +15,6 @@
 
 namespace {
 const QString kData = QStringLiteral("data");
-
-bool isOneOf(const QString& code, std::initializer_list<const char*> codes) {
-    for (const char* c : codes)
-        if (code == QLatin1String(c)) return true;
-    return false;
-}
-
-void appendLE(QByteArray& out, quint32 value, int bytes) {
-    for (int i = 0; i < bytes; ++i)
-        out.append(char((value >> (8 * i)) & 0xFF));
-}
 } // namespace
 
 TDevAVR8_SPI::TDevAVR8_SPI(const QString& code, const TData& param) : IDevice(code), cmdList(getCmdList()) {
@@ -80,8 +69,8 @@ QStringList TDevAVR8_SPI::getSupportCmdList() const {
 // The catalogue key prefix of the byte group a command edits; empty for other commands.
 QString TDevAVR8_SPI::bytesGroup(const QString& code) {
     using namespace CTagCmdCode;
-    if (isOneOf(code, {fuse_read, fuse_write, fuse_verify})) return QStringLiteral("fuse");
-    if (isOneOf(code, {lock_read, lock_write, lock_verify})) return QStringLiteral("lock");
+    if (TMiscDev::isOneOf(code, {fuse_read, fuse_write, fuse_verify})) return QStringLiteral("fuse");
+    if (TMiscDev::isOneOf(code, {lock_read, lock_write, lock_verify})) return QStringLiteral("lock");
     if (code == QLatin1String(osccal_read)) return QStringLiteral("osccal");
     return QString();
 }
@@ -98,17 +87,20 @@ QString TDevAVR8_SPI::bytesConfig(const QString& code) {
 void TDevAVR8_SPI::getDefaultCmdParam(TData& p) {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
-    if (isOneOf(code, {flash_char_write, flash_char_verify})) TNormCmdParam::cmdRWVFlashCharDef(this, p);
-    if (isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
+    if (TMiscDev::isOneOf(code, {flash_char_write, flash_char_verify}))
+        TNormCmdParam::cmdRWVFlashCharDef(this, p);
+    if (TMiscDev::isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
         TNormCmdParam::cmdRWVFlashDataDef(this, p);
-    if (isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
+    if (TMiscDev::isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
         TNormCmdParam::cmdRWVFlashFileDef(this, p);
-    if (isOneOf(code, {eeprom_char_write, eeprom_char_verify})) TNormCmdParam::cmdRWVEEPROMCharDef(this, p);
-    if (isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
+    if (TMiscDev::isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
+        TNormCmdParam::cmdRWVEEPROMCharDef(this, p);
+    if (TMiscDev::isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
         TNormCmdParam::cmdRWVEEPROMDataDef(this, p);
-    if (isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
+    if (TMiscDev::isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
         TNormCmdParam::cmdRWVEEPROMFileDef(this, p);
-    if (isOneOf(code, {fuse_read, fuse_write, fuse_verify, lock_read, lock_write, lock_verify, osccal_read}))
+    if (TMiscDev::isOneOf(
+            code, {fuse_read, fuse_write, fuse_verify, lock_read, lock_write, lock_verify, osccal_read}))
         p.insert(kData, bytesDefault(code));
     if (code == QLatin1String(set_clk)) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
     if (code == QLatin1String(leave)) TNormCmdParam::cmdLeaveDef(p, true);
@@ -121,13 +113,13 @@ QString TDevAVR8_SPI::getViewCmdName(const TData& p) const {
 QString TDevAVR8_SPI::getViewCmdParam(const TData& p, QWidget*) const {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
-    if (isOneOf(code, {flash_char_write, flash_char_verify, eeprom_char_write, eeprom_char_verify}))
+    if (TMiscDev::isOneOf(code, {flash_char_write, flash_char_verify, eeprom_char_write, eeprom_char_verify}))
         return TNormCmdParam::cmdRWVCharView(p);
-    if (isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify, eeprom_data_read,
-                       eeprom_data_write, eeprom_data_verify}))
+    if (TMiscDev::isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify, eeprom_data_read,
+                                 eeprom_data_write, eeprom_data_verify}))
         return TNormCmdParam::cmdRWVDataView(p);
-    if (isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify, eeprom_file_read,
-                       eeprom_file_write, eeprom_file_verify}))
+    if (TMiscDev::isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify, eeprom_file_read,
+                                 eeprom_file_write, eeprom_file_verify}))
         return TNormCmdParam::cmdRWVFileView(p);
     if (code == QLatin1String(ident))
         return Lang.get(485).arg(devParam.value(QStringLiteral("signature")).toString());
@@ -142,17 +134,17 @@ QWidget* TDevAVR8_SPI::getFormCmdParam(const TData& p) const {
     const QString code = p.value(CTagCmd::cmd).toString();
     TFormCmd* form = nullptr;
     if (code == QLatin1String(set_clk)) form = TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
-    if (isOneOf(code, {flash_char_write, flash_char_verify}))
+    if (TMiscDev::isOneOf(code, {flash_char_write, flash_char_verify}))
         form = TNormCmdParam::cmdRWVFlashCharForm(this, p);
-    if (isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
+    if (TMiscDev::isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
         form = TNormCmdParam::cmdRWVFlashDataForm(this, p);
-    if (isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
+    if (TMiscDev::isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
         form = TNormCmdParam::cmdRWVFlashFileForm(this, p);
-    if (isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
+    if (TMiscDev::isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
         form = TNormCmdParam::cmdRWVEEPROMCharForm(this, p);
-    if (isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
+    if (TMiscDev::isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
         form = TNormCmdParam::cmdRWVEEPROMDataForm(this, p);
-    if (isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
+    if (TMiscDev::isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
         form = TNormCmdParam::cmdRWVEEPROMFileForm(this, p);
     if (!bytesGroup(code).isEmpty()) {
         // Read commands show what they read; only writes and verifies are edited.
@@ -182,21 +174,23 @@ bool TDevAVR8_SPI::checkCmdParam(const TData& p) {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
     if (code == QLatin1String(set_clk)) return TNormCmdParam::cmdSetCLKCheck(p);
-    if (isOneOf(code, {ident, erase, test_empty_flash, test_empty_eeprom, fuse_read, lock_read, osccal_read}))
+    if (TMiscDev::isOneOf(
+            code, {ident, erase, test_empty_flash, test_empty_eeprom, fuse_read, lock_read, osccal_read}))
         return true;
-    if (isOneOf(code, {flash_char_write, flash_char_verify}))
+    if (TMiscDev::isOneOf(code, {flash_char_write, flash_char_verify}))
         return TNormCmdParam::cmdRWVFlashCharCheck(this, p);
-    if (isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
+    if (TMiscDev::isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
         return TNormCmdParam::cmdRWVFlashDataCheck(this, p);
-    if (isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
+    if (TMiscDev::isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
         return TNormCmdParam::cmdRWVFlashFileCheck(this, p);
-    if (isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
+    if (TMiscDev::isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
         return TNormCmdParam::cmdRWVEEPROMCharCheck(this, p);
-    if (isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
+    if (TMiscDev::isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
         return TNormCmdParam::cmdRWVEEPROMDataCheck(this, p);
-    if (isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
+    if (TMiscDev::isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
         return TNormCmdParam::cmdRWVEEPROMFileCheck(this, p);
-    if (isOneOf(code, {fuse_write, fuse_verify, lock_write, lock_verify})) return checkBytes(code, p);
+    if (TMiscDev::isOneOf(code, {fuse_write, fuse_verify, lock_write, lock_verify}))
+        return checkBytes(code, p);
     if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveCheck(p, true);
     return false;
 }
@@ -221,11 +215,11 @@ QByteArray TDevAVR8_SPI::getCmdSetDeviceExec(const TData& param) {
     if (!p.contains(QStringLiteral("clk"))) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
     QString type = devParam.value(QStringLiteral("prg_type")).toString();
     QByteArray out;
-    appendLE(out, DeviceList.getDevCode(type), 2);
-    appendLE(out, devParam.value(QStringLiteral("cfg_hw")).toUInt(), 1);
-    appendLE(out, devParam.value(QStringLiteral("reset_pol")).toUInt(), 1);
-    appendLE(out, TMiscDev::getCLK(p), 4);
-    appendLE(out, devParam.value(QStringLiteral("delay")).toUInt(), 1);
+    TMiscDev::appendLE(out, DeviceList.getDevCode(type), 2);
+    TMiscDev::appendLE(out, devParam.value(QStringLiteral("cfg_hw")).toUInt(), 1);
+    TMiscDev::appendLE(out, devParam.value(QStringLiteral("reset_pol")).toUInt(), 1);
+    TMiscDev::appendLE(out, TMiscDev::getCLK(p), 4);
+    TMiscDev::appendLE(out, devParam.value(QStringLiteral("delay")).toUInt(), 1);
     return out;
 }
 

@@ -6,6 +6,7 @@
 #include "devices/TSignature.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
+#include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TCmdCode.h"
@@ -22,11 +23,6 @@ quint32 scaled(double value, double factor) {
     return quint32(std::trunc(value * factor + 1e-9));
 }
 
-void appendLE(QByteArray& out, quint32 value, int bytes) {
-    for (int i = 0; i < bytes; ++i)
-        out.append(char((value >> (8 * i)) & 0xFF));
-}
-
 IDevice* deviceOf(int idCmd) {
     TLocker lock(ProjectData.getMutex());
     TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(idCmd);
@@ -38,13 +34,13 @@ TDevProgExec::TDevProgExec(const TData& p, QObject* parent) : IDeviceExec(p, par
 
 QByteArray TDevProgExec::payloadVolt(double volts) {
     QByteArray out;
-    appendLE(out, scaled(volts, 10), 1);
+    TMiscDev::appendLE(out, scaled(volts, 10), 1);
     return out;
 }
 
 QByteArray TDevProgExec::payloadVIcc(double volts, double current, bool ocp) {
     QByteArray out = payloadVolt(volts);
-    appendLE(out, scaled(current, 1000), 4);
+    TMiscDev::appendLE(out, scaled(current, 1000), 4);
     out.append(char(ocp ? 1 : 0));
     return out;
 }
@@ -53,21 +49,21 @@ QByteArray TDevProgExec::payloadVIpp(double volts, double current, bool ocp) {
     // The programming current field is two bytes wide where the supply's is four: so the programmer
     // defines them.
     QByteArray out = payloadVolt(volts);
-    appendLE(out, scaled(current, 1000), 2);
+    TMiscDev::appendLE(out, scaled(current, 1000), 2);
     out.append(char(ocp ? 1 : 0));
     return out;
 }
 
 QByteArray TDevProgExec::payloadReset(int duration) {
     QByteArray out;
-    appendLE(out, quint32(quint16(qint16(duration))), 2);
+    TMiscDev::appendLE(out, quint32(quint16(qint16(duration))), 2);
     return out;
 }
 
 QByteArray TDevProgExec::payloadGenerator(unsigned int freq, unsigned int duty) {
     QByteArray out;
-    appendLE(out, freq, 4);
-    appendLE(out, duty * 10, 2);
+    TMiscDev::appendLE(out, freq, 4);
+    TMiscDev::appendLE(out, duty * 10, 2);
     return out;
 }
 

@@ -193,8 +193,7 @@ QByteArray TNormCmdParam::cmdLeaveExec(int idCmd, bool withDuration) {
     const TData p = ProjectData.getCmdObjectFromIdCmd(idCmd)->getParam();
     const int duration = withDuration ? p.value(kDuration).toInt() : 0;
     QByteArray payload;
-    payload.append(char(duration & 0xFF));
-    payload.append(char((duration >> 8) & 0xFF));
+    TMiscDev::appendLE(payload, quint16(duration), 2);
     const int pins = pinNames.size();
     QString state = p.value(kState).toString();
     if (state.size() < pins) state += QString(pins - state.size(), QLatin1Char('-'));

@@ -2,9 +2,9 @@
 
 #include "app/TApp.h"
 #include "app/TLang.h"
-#include "project/CTagPrj.h"
 #include "devices/IDevice.h"
 #include "link/TProg.h"
+#include "project/CTagPrj.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
@@ -12,24 +12,28 @@
 #include <QVector>
 
 qint64 TMiscDev::getSize(qint64 addr, qint64 end, qint64 page) {
-    if (addr > end)
-        return 0;
+    if (addr > end) return 0;
     const qint64 rest = end - addr + 1;
-    if (page <= 0)
-        return rest;
+    if (page <= 0) return rest;
     const qint64 n = page - addr % page;
     return n > rest ? rest : n;
 }
 
-QString TMiscDev::getHexFromInt(int value) { return QString("%1").arg(value, 2, 16, QChar('0')).toUpper(); }
+QString TMiscDev::getHexFromInt(int value) {
+    return QString("%1").arg(value, 2, 16, QChar('0')).toUpper();
+}
 
 QString TMiscDev::getHexFromInt(qint64 value) {
     return QString("%1").arg(value, 2, 16, QChar('0')).toUpper();
 }
 
-int TMiscDev::getIntFromHex(const QString& text) { return text.trimmed().toInt(nullptr, 16); }
+int TMiscDev::getIntFromHex(const QString& text) {
+    return text.trimmed().toInt(nullptr, 16);
+}
 
-qint64 TMiscDev::getInt64FromHex(const QString& text) { return text.trimmed().toLongLong(nullptr, 16); }
+qint64 TMiscDev::getInt64FromHex(const QString& text) {
+    return text.trimmed().toLongLong(nullptr, 16);
+}
 
 QByteArray TMiscDev::getByteArrayFromHex(const QString& text) {
     static const QRegularExpression blank("\\s");
@@ -66,8 +70,7 @@ QVector<TNamedSize> namedSizes() {
 QString TMiscDev::getViewDeviceSize(qint64 size) {
     static const QVector<TNamedSize> list = namedSizes();
     for (const TNamedSize& named : list)
-        if (named.size == size)
-            return Lang.get(named.lang_id).arg(named.number);
+        if (named.size == size) return Lang.get(named.lang_id).arg(named.number);
     return Lang.get(423).arg(size);
 }
 
@@ -91,7 +94,8 @@ QString TMiscDev::getViewFreqAndDutyCycleValue(int hz, int duty) {
     return QString("%1, %2 %").arg(getViewFreqValue(hz)).arg(duty);
 }
 
-void TMiscDev::getCmdParamRWVChar(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end, uchar& fill) {
+void TMiscDev::getCmdParamRWVChar(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end,
+                                  uchar& fill) {
     id_cmd = TAPP_PARAM(p, CTagCmd::id_cmd).toInt();
     addr_begin = TAPP_PARAM(p, "addr_device").toLongLong();
     addr_end = addr_begin + TAPP_PARAM(p, "count").toLongLong() - 1;
@@ -126,19 +130,19 @@ QString TMiscDev::getHexFromByteArrayMask(const QString& mask, const QByteArray&
         out.replace(m.capturedStart(), 2, getHexFromInt(int(uchar(data.at(next++)))));
     }
     // Bytes beyond the mask are appended, so nothing read is hidden.
-    if (next < data.size())
-        out += getHexFromByteArray(data.mid(next));
+    if (next < data.size()) out += getHexFromByteArray(data.mid(next));
     return out;
 }
 
 QString TMiscDev::getViewParamRWVChar(qint64 addr, qint64 count, int fill) {
-    return QStringLiteral("0x%1..0x%2 :0x%3").arg(getHexFromInt(addr), getHexFromInt(addr + count - 1), getHexFromInt(fill));
+    return QStringLiteral("0x%1..0x%2 :0x%3")
+        .arg(getHexFromInt(addr), getHexFromInt(addr + count - 1), getHexFromInt(fill));
 }
 
 QString TMiscDev::getViewParamRWVData(qint64 addr, const QString& text) {
     const qint64 count = getByteArrayFromHex(text).size();
-    return QStringLiteral("0x%1..0x%2 :0x%3").arg(getHexFromInt(addr), getHexFromInt(addr + qMax<qint64>(count, 1) - 1),
-                                                   getHexFromInt(count));
+    return QStringLiteral("0x%1..0x%2 :0x%3")
+        .arg(getHexFromInt(addr), getHexFromInt(addr + qMax<qint64>(count, 1) - 1), getHexFromInt(count));
 }
 
 QString TMiscDev::getViewParamRWVFile(const QString& file, const QString& format) {
@@ -150,7 +154,17 @@ unsigned int TMiscDev::getCLK(const TData& p) {
     TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(p, CTagCmd::id_cmd).toInt());
     IDevice* dev = cmd ? cmd->getDeviceObject() : nullptr;
     TProg* prog = cmd ? cmd->getProgObject() : nullptr;
-    if (!dev || !prog)
-        return 0;
+    if (!dev || !prog) return 0;
     return prog->getCLKValue(dev->getDevConnect(), TAPP_PARAM(p, "clk").toUInt());
+}
+
+bool TMiscDev::isOneOf(const QString& code, std::initializer_list<const char*> codes) {
+    for (const char* c : codes)
+        if (code == QLatin1String(c)) return true;
+    return false;
+}
+
+void TMiscDev::appendLE(QByteArray& out, quint64 value, int bytes) {
+    for (int i = 0; i < bytes; ++i)
+        out.append(char((value >> (8 * i)) & 0xFF));
 }

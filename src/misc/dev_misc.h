@@ -6,6 +6,8 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <initializer_list>
+
 // Helpers shared by the executors and the one-line views of every device family: chunking of transfers,
 // hexadecimal texts, the verify failure message, and the texts of sizes and frequencies.
 class TMiscDev {
@@ -20,13 +22,19 @@ public:
     static QByteArray getByteArrayFromHex(const QString& text);
     static QString getHexFromByteArray(const QByteArray& data);
 
+    // Whether a command code is one of codes.
+    static bool isOneOf(const QString& code, std::initializer_list<const char*> codes);
+    // The low `bytes` bytes of value, least significant first, as every packet carries numbers.
+    static void appendLE(QByteArray& out, quint64 value, int bytes);
+
     static QString getMsgVerifyError(qint64 addr, qint64 expected, qint64 read);
 
     static QString getViewDeviceSize(qint64 size);
 
     // A command's parameters unpacked for execution. Ends are inclusive; a file name comes back absolute
     // against the project's work folder and its format in lower case.
-    static void getCmdParamRWVChar(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end, uchar& fill);
+    static void getCmdParamRWVChar(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end,
+                                   uchar& fill);
     static void getCmdParamRWVData(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end,
                                    QByteArray& data, QString& text);
     static void getCmdParamRWVFile(const TData& p, int& id_cmd, qint64& addr_file, qint64& addr_begin,

@@ -24,8 +24,7 @@ bool validHex(const QString& text, int digits) {
 
 QByteArray bytesOfNumber(quint64 value, int count) {
     QByteArray bytes;
-    for (int i = 0; i < qBound(1, count, 8); ++i)
-        bytes.append(char(value >> (8 * i) & 0xFF));
+    TMiscDev::appendLE(bytes, value, qBound(1, count, 8));
     return bytes;
 }
 
