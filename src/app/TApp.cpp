@@ -1,11 +1,17 @@
 #include "app/TApp.h"
 
+#include "app/TLang.h"
+
 #include <QApplication>
 #include <QCoreApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QPalette>
+#include <QPushButton>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QStyleFactory>
@@ -149,4 +155,23 @@ bool TApp::isDebug() {
 }
 void TApp::setDebugSink(void (*sink)(const QString&, const QString&)) {
     debugSink = sink;
+}
+
+QDialogButtonBox* TApp::createOkCancel(QDialog* dialog, QPushButton** ok) {
+    auto* buttons = new QDialogButtonBox(dialog);
+    QPushButton* accept = buttons->addButton(Lang.get(90), QDialogButtonBox::AcceptRole);
+    if (ok) *ok = accept;
+    buttons->addButton(Lang.get(91), QDialogButtonBox::RejectRole);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
+    return buttons;
+}
+
+QLabel* TApp::createErrorLabel(QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setWordWrap(true);
+    QPalette pal = label->palette();
+    pal.setColor(QPalette::WindowText, getErrorColorText());
+    label->setPalette(pal);
+    return label;
 }

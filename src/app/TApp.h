@@ -5,6 +5,10 @@
 #include <QColor>
 #include <QStringList>
 
+class QDialog;
+class QDialogButtonBox;
+class QLabel;
+class QPushButton;
 class QWidget;
 
 // Path helpers and small application-wide services.
@@ -37,6 +41,10 @@ public:
 
     static void setWindowGeometryMain(QWidget* wgt, int left, int top, int width, int height);
     static void setWindowGeometryOther(QWidget* wgt, QWidget* parent, int width, int height);
+    // The OK and Cancel buttons of a dialog, wired to accept and reject; ok receives the OK button.
+    static QDialogButtonBox* createOkCancel(QDialog* dialog, QPushButton** ok = nullptr);
+    // A line that shows why a dialog cannot be accepted yet, in the error colour.
+    static QLabel* createErrorLabel(QWidget* parent);
 
     static QStringList getStylesApp();
     static void setStyleApp(const QString& name);

@@ -9,6 +9,7 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 TDialogCfg::TDialogCfg(int id, const QString& name, const QString& desc, QWidget* parent)
@@ -22,18 +23,9 @@ TDialogCfg::TDialogCfg(int id, const QString& name, const QString& desc, QWidget
     form->addRow(Lang.get(647), nameEdit);
     form->addRow(Lang.get(648), descEdit);
     layout->addLayout(form);
-    error = new QLabel(this);
-    error->setWordWrap(true);
-    QPalette pal = error->palette();
-    pal.setColor(QPalette::WindowText, TApp::getErrorColorText());
-    error->setPalette(pal);
+    error = TApp::createErrorLabel(this);
     layout->addWidget(error);
-    buttons = new QDialogButtonBox(this);
-    buttons->addButton(Lang.get(90), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Lang.get(91), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(TApp::createOkCancel(this, &ok));
     connect(nameEdit, &QLineEdit::textChanged, this, &TDialogCfg::updateState);
     connect(descEdit, &QLineEdit::textChanged, this, &TDialogCfg::updateState);
     nameEdit->selectAll();
@@ -71,6 +63,5 @@ void TDialogCfg::updateState() {
     const QString reason = getError();
     error->setText(reason);
     error->setVisible(!reason.isEmpty());
-    for (QAbstractButton* b : buttons->buttons())
-        if (buttons->buttonRole(b) == QDialogButtonBox::AcceptRole) b->setEnabled(reason.isEmpty());
+    ok->setEnabled(reason.isEmpty());
 }

@@ -2,7 +2,7 @@
 
 #include <QDialog>
 
-class QDialogButtonBox;
+class QPushButton;
 class QLabel;
 class QLineEdit;
 
@@ -30,5 +30,5 @@ private:
     QLineEdit* nameEdit;
     QLineEdit* descEdit;
     QLabel* error;
-    QDialogButtonBox* buttons;
+    QPushButton* ok;
 };

@@ -22,18 +22,9 @@ TDialogCmdParam::TDialogCmdParam(IDevice* dev, const TData& p, QWidget* parent)
     } else {
         layout->addWidget(new QLabel(Lang.get(498), this));
     }
-    error = new QLabel(this);
-    error->setWordWrap(true);
-    QPalette pal = error->palette();
-    pal.setColor(QPalette::WindowText, TApp::getErrorColorText());
-    error->setPalette(pal);
+    error = TApp::createErrorLabel(this);
     layout->addWidget(error);
-    buttons = new QDialogButtonBox(this);
-    buttons->addButton(Lang.get(90), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Lang.get(91), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(TApp::createOkCancel(this, &ok));
     if (form) form->changed();
     updateState();
 }
@@ -50,7 +41,5 @@ void TDialogCmdParam::updateState() {
     const QString reason = getError();
     error->setText(reason);
     error->setVisible(!reason.isEmpty());
-    for (QAbstractButton* b : buttons->buttons()) {
-        if (buttons->buttonRole(b) == QDialogButtonBox::AcceptRole) b->setEnabled(reason.isEmpty());
-    }
+    ok->setEnabled(reason.isEmpty());
 }

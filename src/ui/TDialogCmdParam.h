@@ -5,7 +5,7 @@
 #include <QDialog>
 
 class IDevice;
-class QDialogButtonBox;
+class QPushButton;
 class QLabel;
 class TFormCmd;
 
@@ -30,5 +30,5 @@ private:
     TData param;
     TFormCmd* form = nullptr;
     QLabel* error;
-    QDialogButtonBox* buttons;
+    QPushButton* ok;
 };

@@ -1,6 +1,7 @@
 #include "ui/TDialogLanguage.h"
 
 #include "app/CApp.h"
+#include "app/TApp.h"
 #include "app/TAppData.h"
 #include "app/TLang.h"
 
@@ -19,11 +20,7 @@ TDialogLanguage::TDialogLanguage(QWidget* parent) : QDialog(parent) {
     files->addItems(names);
     const QList<QListWidgetItem*> current = files->findItems(AppData.language, Qt::MatchExactly);
     if (!current.isEmpty()) files->setCurrentItem(current.first());
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(Lang.get(90), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Lang.get(91), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = TApp::createOkCancel(this);
     connect(files, &QListWidget::itemDoubleClicked, this, &QDialog::accept);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(files);

@@ -1,5 +1,6 @@
 #include "ui/TDialogSelectDevice.h"
 
+#include "app/TApp.h"
 #include "app/TLang.h"
 #include "devices/TDeviceList.h"
 #include "misc/dev_misc.h"
@@ -95,12 +96,7 @@ TDialogSelectDevice::TDialogSelectDevice(QWidget* parent) : QDialog(parent), ent
     details->addRow(Lang.get(553), info);
     layout->addLayout(details);
 
-    auto* buttons = new QDialogButtonBox(this);
-    ok = buttons->addButton(Lang.get(90), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Lang.get(91), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(TApp::createOkCancel(this, &ok));
 
     connect(search, &QLineEdit::textChanged, this, &TDialogSelectDevice::updateList);
     connect(family, QOverload<int>::of(&QComboBox::currentIndexChanged), this,

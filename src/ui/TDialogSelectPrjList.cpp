@@ -18,13 +18,9 @@ TDialogSelectPrjList::TDialogSelectPrjList(QWidget* parent) : QDialog(parent) {
     tableWgt->horizontalHeader()->setStretchLastSection(true);
     tableWgt->setSelectionBehavior(QAbstractItemView::SelectRows);
     tableWgt->setSelectionMode(QAbstractItemView::SingleSelection);
-    auto* buttons = new QDialogButtonBox(this);
+    auto* buttons = TApp::createOkCancel(this);
     buttons->addButton(Lang.get(86), QDialogButtonBox::ActionRole)->setObjectName("add");
     buttons->addButton(Lang.get(87), QDialogButtonBox::ActionRole)->setObjectName("remove");
-    buttons->addButton(Lang.get(90), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Lang.get(91), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(buttons, &QDialogButtonBox::clicked, this, [this](QAbstractButton* b) {
         if (b->objectName() == "add") browse();
         if (b->objectName() == "remove") tableWgt->removeRow(tableWgt->currentRow());

@@ -24,11 +24,7 @@ TDialogSettings::TDialogSettings(QWidget* parent) : QDialog(parent) {
     pages->addTab(pageConfirm, Lang.get(53));
     pages->addTab(pageProg, Lang.get(54));
     pages->addTab(pageHotKeys, Lang.get(55));
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(Lang.get(90), QDialogButtonBox::AcceptRole);
-    buttons->addButton(Lang.get(91), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = TApp::createOkCancel(this);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(pages);
     layout->addWidget(buttons);
