@@ -103,3 +103,51 @@ bool IDeviceExec::forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& 
         at += piece.size();
     }
 }
+
+bool IDeviceExec::writeFileRange(qint64 chunk, const FilePiece& write) {
+    int id;
+    qint64 addrFile, addr, end;
+    QString file, format;
+    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
+    TFormat data(format, file, addrFile, addr, end, chunk);
+    if (!openFile(data, FormatModeRead)) return false;
+    int last = -1, counter = 0;
+    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
+        return write(at, piece) && !processGUI(last, counter, at + piece.size(), end);
+    });
+}
+
+bool IDeviceExec::verifyFileRange(qint64 chunk, const PieceReader& read) {
+    int id;
+    qint64 addrFile, addr, end;
+    QString file, format;
+    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
+    TFormat data(format, file, addrFile, addr, end, chunk);
+    if (!openFile(data, FormatModeRead)) return false;
+    int last = -1, counter = 0;
+    QByteArray got;
+    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
+        return read(at, piece.size(), got) && compare(at, piece, got) &&
+               !processGUI(last, counter, at + piece.size(), end);
+    });
+}
+
+bool IDeviceExec::readFileRange(qint64 chunk, const RangeReader& read) {
+    int id;
+    qint64 addrFile, addr, end;
+    QString file, format;
+    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
+    TFormat data(format, file, addrFile, addr, end, chunk);
+    if (!openFile(data, FormatModeWrite)) return false;
+    const qint64 start = addr;
+    const bool ok = read(addr, end, [&](qint64 at, const QByteArray& piece) {
+        if (data.write(addrFile + at - start, piece)) return true;
+        setErrorText(data.getErrorText());
+        return false;
+    });
+    if (!data.close() && ok) {
+        setErrorText(data.getErrorText());
+        return false;
+    }
+    return ok;
+}

@@ -65,6 +65,15 @@ protected:
     using FilePiece = std::function<bool(qint64 addr, const QByteArray& piece)>;
     bool forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& each);
 
+    // The file commands (write, verify, read) over the command's file and device range, with progress
+    // through processGUI. The family gives the piece size the file works in and how a piece goes to the
+    // chip, comes from it, or how a range is read.
+    using PieceReader = std::function<bool(qint64 addr, int len, QByteArray& out)>;
+    using RangeReader = std::function<bool(qint64 addr, qint64 end, const FilePiece& sink)>;
+    bool writeFileRange(qint64 chunk, const FilePiece& write);
+    bool verifyFileRange(qint64 chunk, const PieceReader& read);
+    bool readFileRange(qint64 chunk, const RangeReader& read);
+
     TData param;
     std::atomic<bool> stop{false};
     std::atomic<bool> pause{false};

@@ -5,7 +5,6 @@
 #include "app/TLang.h"
 #include "devices/TDev25Alg.h"
 #include "devices/TSignature.h"
-#include "formats/TFormat.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
@@ -327,51 +326,21 @@ bool TDev25Exec::readFile(TSerialPort& port) {
 }
 
 bool TDev25Exec::writeFileSpace(TSerialPort& port, Space space) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, writeChunk(space));
-    if (!openFile(data, FormatModeRead)) return false;
-    int last = -1, counter = 0;
-    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
-        return writePiece(port, space, at, piece) && !processGUI(last, counter, at + piece.size(), end);
+    return writeFileRange(writeChunk(space), [&](qint64 at, const QByteArray& piece) {
+        return writePiece(port, space, at, piece);
     });
 }
 
 bool TDev25Exec::verifyFileSpace(TSerialPort& port, Space space) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, readChunk(space));
-    if (!openFile(data, FormatModeRead)) return false;
-    int last = -1, counter = 0;
-    QByteArray read;
-    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
-        return readPiece(port, space, at, piece.size(), read) && compare(at, piece, read) &&
-               !processGUI(last, counter, at + piece.size(), end);
+    return verifyFileRange(readChunk(space), [&](qint64 at, int len, QByteArray& out) {
+        return readPiece(port, space, at, len, out);
     });
 }
 
 bool TDev25Exec::readFileSpace(TSerialPort& port, Space space) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, readChunk(space));
-    if (!openFile(data, FormatModeWrite)) return false;
-    const qint64 start = addr;
-    const bool ok = readRange(port, space, addr, end, [&](qint64 at, const QByteArray& piece) {
-        if (data.write(addrFile + at - start, piece)) return true;
-        setErrorText(data.getErrorText());
-        return false;
+    return readFileRange(readChunk(space), [&](qint64 addr, qint64 end, const FilePiece& sink) {
+        return readRange(port, space, addr, end, sink);
     });
-    if (!data.close() && ok) {
-        setErrorText(data.getErrorText());
-        return false;
-    }
-    return ok;
 }
 
 // ---- registers ----
