@@ -82,8 +82,12 @@ int main(int argc, char** argv) {
     const QCommandLineOption listOpt(QStringLiteral("list"),
                                      QStringLiteral("List the configurations and commands of PROJECT."),
                                      QStringLiteral("PROJECT"));
-    parser.addOptions({settingsOpt, runOpt, configOpt, saveOpt, pausesOpt, processOpt, listOpt});
-    parser.addPositionalArgument(QStringLiteral("project"), QStringLiteral("Project file to open in the window."),
+    const QCommandLineOption noCheckOpt(
+        QStringLiteral("no-check"),
+        QStringLiteral("Do not check commands and data files before the chip is touched."));
+    parser.addOptions({settingsOpt, runOpt, configOpt, saveOpt, pausesOpt, processOpt, listOpt, noCheckOpt});
+    parser.addPositionalArgument(QStringLiteral("project"),
+                                 QStringLiteral("Project file to open in the window."),
                                  QStringLiteral("[PROJECT.prj]"));
     // A wrong argument ends with status 2, as a project that cannot be loaded does.
     if (!parser.parse(app->arguments())) {
@@ -112,6 +116,8 @@ int main(int argc, char** argv) {
         opt.save = parser.isSet(saveOpt);
         opt.continuePauses = parser.isSet(pausesOpt);
         opt.allowProcess = parser.isSet(processOpt);
+        // For this run only: the settings file keeps its value.
+        if (parser.isSet(noCheckOpt)) AppData.checkBeforeRun = false;
         return TRunner().run(opt);
     }
 

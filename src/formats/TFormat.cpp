@@ -54,6 +54,10 @@ bool TFormat::isFormat(const QString& key) {
     return getFormatKeys().contains(key.toLower());
 }
 
+QString TFormat::getKey(const QString& key) {
+    return key == "bin" || key == "bin+" || key == "ihex" ? key : QStringLiteral("hex");
+}
+
 QString TFormat::getMaskFormats() {
     return "*.bin *.hex";
 }

@@ -26,6 +26,8 @@ public:
     // The display name of a key (any case); an unknown key is shown as it is, in upper case.
     static QString getViewFormat(const QString& key);
     static bool isFormat(const QString& key);
+    // The key of the format that reads key: "bin", "bin+", "ihex", or "hex" for any other text.
+    static QString getKey(const QString& key);
     static QString getMaskFormats();
 
 private:
