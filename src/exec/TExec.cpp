@@ -151,7 +151,8 @@ void TExec::slotStart() {
         relayEventText(6, error, QString());
     } else {
         if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
-        relayEventText(5, Lang.get(stop ? 390 : 391), QString());
+        stoppedEnd = stop;
+        relayEventText(5, Lang.get(stoppedEnd ? 390 : 391), QString());
     }
     if (port.isOpen()) port.close();
     delete exec;

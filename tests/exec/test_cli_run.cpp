@@ -97,14 +97,14 @@ private slots:
                 QTest::qWait(500);
                 ::kill(pid_t(p.processId()), SIGINT);
             });
-        QCOMPARE(r.status, 0);
+        QCOMPARE(r.status, 3);
         QCOMPARE(r.out, "Delay (10000 ms)\n" + Lang.get(390) + "\n");
     }
 
     void endOfInputStopsAPause() {
         Result r = run({"--run", project({cmd("pause"), cmd("delay", R"("value": "1")")})},
                        [](QProcess& p) { p.closeWriteChannel(); });
-        QCOMPARE(r.status, 0);
+        QCOMPARE(r.status, 3);
         QVERIFY2(r.out.endsWith(Lang.get(390) + "\n"), qPrintable(r.out));
         QVERIFY(!r.out.contains("Delay"));
         r = run({"--run", project({cmd("pause"), cmd("delay", R"("value": "1")")})}, [](QProcess& p) {

@@ -127,6 +127,7 @@ private slots:
         QCOMPARE(w.run(options(w.writeProject(project({{"Main", {cmd("delay", R"("value": "5")", 0)}}})))),
                  0);
         QCOMPARE(w.output, Lang.get(391) + "\n");
+        QCOMPARE(w.errors, Lang.get(1305) + "\n");
     }
 
     void stopEndsTheRunDuringALongDelay() {
@@ -137,7 +138,7 @@ private slots:
         FILE* out = std::tmpfile();
         TRunner runner(out, std::tmpfile());
         QTimer::singleShot(300, &runner, &TRunner::stopAll);
-        QCOMPARE(runner.run(o), 0);
+        QCOMPARE(runner.run(o), int(TRunner::ExitStopped));
         std::rewind(out);
         char buf[512] = {};
         QVERIFY(std::fread(buf, 1, sizeof buf - 1, out) > 0);
