@@ -151,7 +151,12 @@ void TExec::slotStart() {
         relayEventText(ExecFailed, error, QString());
     } else {
         if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
+<<<<<<< HEAD
         relayEventText(ExecSuccess, Lang.get(stop ? 390 : 391), QString());
+=======
+        stoppedEnd = stop;
+        relayEventText(5, Lang.get(stoppedEnd ? 390 : 391), QString());
+>>>>>>> runs
     }
     if (port.isOpen()) port.close();
     delete exec;
