@@ -200,7 +200,7 @@ bool TDevToolsExec::execCalcCRC() {
     if (count == 0) count = QFileInfo(file).size() - addr;
     const qint64 piece = 0x1000000;
     // File and device addresses coincide: the range starts at addr in both.
-    TFormat data(format, file, addr, addr, addr + count - 1, piece);
+    TFormat data(format, file, addr, addr, TMiscDev::getLastAddr(addr, count), piece);
     if (!openFile(data, FormatModeRead)) return false;
     // The CRC runs over exactly count bytes: gaps in the file are filled with the fill byte.
     qint64 at = addr;
