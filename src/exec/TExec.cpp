@@ -10,6 +10,7 @@
 #include "project/CTagPrj.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjText.h"
 
 #include <QCoreApplication>
 
@@ -102,7 +103,7 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
             return false;
         }
         if (!info.data.value(CTagCmd::valid_param).toBool()) {
-            error = Lang.get(388).arg(info.name);
+            error = TPrjText::getInvalidParamText(info.name, info.data);
             return false;
         }
         connectExec(exec, code);

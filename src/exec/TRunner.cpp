@@ -12,6 +12,7 @@
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjText.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -69,7 +70,7 @@ int TRunner::list(const QString& project) {
             const QString name = group ? group->getViewCmdName(data) : cmd->getCmdCode();
             const QString params = group ? group->getViewCmdParam(data, nullptr) : QString();
             const QString state = !cmd->getValidDev()     ? Lang.get(387).arg(name)
-                                  : !cmd->getValidParam() ? Lang.get(388).arg(name)
+                                  : !cmd->getValidParam() ? TPrjText::getInvalidParamText(name, data)
                                                           : QString();
             print(QStringLiteral("  [%1] %2%3%4\n")
                       .arg(cmd->getEnable() ? QLatin1Char('x') : QLatin1Char(' '))

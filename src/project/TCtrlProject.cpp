@@ -1,18 +1,19 @@
 #include "project/TCtrlProject.h"
 
+#include "app/TFileSave.h"
 #include "devices/TSignature.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjText.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QTextStream>
 
 int TCtrlProject::load(const QString& fileName, TDataPrj* prj) {
@@ -140,16 +141,10 @@ QByteArray TCtrlProject::project_to_data(TDataPrj* prj) {
 }
 
 bool TCtrlProject::save(const QString& fileName, TDataPrj* prj) {
+    // The writer prints values verbatim: what it could not read back as itself is refused before the
+    // previous file is touched.
+    errorText = TPrjText::checkProject(prj);
+    if (!errorText.isEmpty()) return false;
     // Written aside and renamed into place, so a failed save never destroys the previous file.
-    QSaveFile f(fileName);
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        errorText = f.errorString();
-        return false;
-    }
-    f.write(project_to_data(prj));
-    if (!f.commit()) {
-        errorText = f.errorString();
-        return false;
-    }
-    return true;
+    return TFileSave::write(fileName, project_to_data(prj), errorText);
 }

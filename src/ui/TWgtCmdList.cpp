@@ -8,6 +8,7 @@
 #include "project/CTagPrj.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjText.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -91,7 +92,7 @@ void TWgtCmdList::fillItem(QTreeWidgetItem* item, TDataCmd* cmd) {
     if (!cmd->getValidDev())
         reason = Lang.get(387).arg(shown);
     else if (!cmd->getValidParam())
-        reason = Lang.get(388).arg(shown);
+        reason = TPrjText::getInvalidParamText(shown, data);
     for (int c = 0; c < 2; ++c) {
         item->setToolTip(c, reason);
         item->setForeground(c, reason.isEmpty() ? QBrush() : QBrush(TApp::getErrorColorText()));
