@@ -8,9 +8,9 @@
 #include "link/TSerialPort.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
-#include "project/TPrjText.h"
 
 #include <QCoreApplication>
 
@@ -98,14 +98,12 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         relayEventText(0, info.name, info.params);
         processEvents();
 
-        if (!info.data.value(CTagCmd::valid_dev).toBool() || !exec) {
+        if (!exec) {
             error = Lang.get(387).arg(info.name);
             return false;
         }
-        if (!info.data.value(CTagCmd::valid_param).toBool()) {
-            error = TPrjText::getInvalidParamText(info.name, info.data);
-            return false;
-        }
+        error = TCmdProblem::get(info.name, info.data);
+        if (!error.isEmpty()) return false;
         connectExec(exec, code);
         // A stop that came before the executor was connected still reaches it.
         if (stop) exec->slotStop();

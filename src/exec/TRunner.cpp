@@ -8,11 +8,11 @@
 #include "exec/TLogText.h"
 #include "exec/TThreadSync.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TCtrlProject.h"
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
-#include "project/TPrjText.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -69,9 +69,7 @@ int TRunner::list(const QString& project) {
             IDevice* group = cmd->getGroupObject();
             const QString name = group ? group->getViewCmdName(data) : cmd->getCmdCode();
             const QString params = group ? group->getViewCmdParam(data, nullptr) : QString();
-            const QString state = !cmd->getValidDev()     ? Lang.get(387).arg(name)
-                                  : !cmd->getValidParam() ? TPrjText::getInvalidParamText(name, data)
-                                                          : QString();
+            const QString state = TCmdProblem::get(name, data);
             print(QStringLiteral("  [%1] %2%3%4\n")
                       .arg(cmd->getEnable() ? QLatin1Char('x') : QLatin1Char(' '))
                       .arg(name.isEmpty() ? cmd->getCmdCode() : name)
