@@ -160,6 +160,12 @@ bool TDevToolsExec::execProcess() {
     if (args.isEmpty()) return true;
     QProcess proc;
     proc.setProcessChannelMode(QProcess::ForwardedChannels);
+    // Relative names in the command line mean files beside the project, wherever Tarvelix was started.
+    const QString folder = ProjectData.getPrjWorkPath();
+    if (!folder.isEmpty()) {
+        proc.setWorkingDirectory(folder);
+        emit signalEventText(3, Lang.get(1420).arg(folder), QString());
+    }
     proc.start(args.takeFirst(), args, QIODevice::ReadWrite);
     proc.waitForFinished(30000);
     return true;
