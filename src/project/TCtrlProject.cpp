@@ -23,9 +23,6 @@ int TCtrlProject::load(const QString& fileName, TDataPrj* prj) {
         create_empty_project(prj);
     else if (!data_to_project(data, prj))
         return InvalidJson;
-    // Commands may refer to commands and configurations further down the file: bind and check again
-    // now that all of them exist.
-    prj->updCmdObjectAll();
     const QFileInfo info(fileName);
     prj->updPrjParam(
         TData{{CTagPrj::prj_file, info.absoluteFilePath()}, {CTagPrj::work_path, info.absolutePath()}});
@@ -65,9 +62,12 @@ bool TCtrlProject::data_to_project(const QByteArray& data, TDataPrj* prj) {
             for (auto it = cmd.constBegin(); it != cmd.constEnd(); ++it)
                 record.insert(it.key(), it.value().toString());
             record.insert(CTagCmd::id_cfg, idCfg);
-            prj->newCmd(record, -1);
+            prj->newCmd(record, -1, false);
         }
     }
+    // Bound and checked once all commands exist, in one pass: commands may refer to commands and
+    // configurations further down the file.
+    prj->updCmdObjectAll();
     return true;
 }
 
