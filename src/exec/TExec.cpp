@@ -95,7 +95,7 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         exec = info.group ? info.group->createExecObject(info.data) : nullptr;
 
         processEvents();
-        relayEventText(0, info.name, info.params);
+        relayEventText(ExecCmdStart, info.name, info.params);
         processEvents();
 
         if (!exec) {
@@ -147,10 +147,11 @@ void TExec::slotStart() {
     TDevProgExec led{TData()};
     if (!verdict) {
         if (!timeout && port.isOpen()) led.showLED(port, TDevProgExec::LedError);
-        relayEventText(6, error, QString());
+        relayEventText(ExecFailed, error, QString());
     } else {
         if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
-        relayEventText(5, Lang.get(stop ? 390 : 391), QString());
+        stoppedEnd = stop;
+        relayEventText(ExecSuccess, Lang.get(stoppedEnd ? 390 : 391), QString());
     }
     if (port.isOpen()) port.close();
     delete exec;
