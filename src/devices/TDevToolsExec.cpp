@@ -171,7 +171,7 @@ bool TDevToolsExec::execProcess() {
     const QString folder = ProjectData.getPrjWorkPath();
     if (!folder.isEmpty()) {
         proc.setWorkingDirectory(folder);
-        emit signalEventText(3, Lang.get(1420).arg(folder), QString());
+        emit signalEventText(ExecInfo, Lang.get(1420).arg(folder), QString());
     }
     proc.start(args.takeFirst(), args, QIODevice::ReadWrite);
     proc.waitForFinished(30000);
