@@ -98,7 +98,7 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         processEvents();
 
         if (!info.data.value(CTagCmd::valid_dev).toBool() || !exec) {
-            error = Lang.get(387).arg(info.name);
+            error = IDevice::notSupportedText(info.group, code, info.name);
             return false;
         }
         if (!info.data.value(CTagCmd::valid_param).toBool()) {

@@ -68,7 +68,8 @@ int TRunner::list(const QString& project) {
             IDevice* group = cmd->getGroupObject();
             const QString name = group ? group->getViewCmdName(data) : cmd->getCmdCode();
             const QString params = group ? group->getViewCmdParam(data, nullptr) : QString();
-            const QString state = !cmd->getValidDev()     ? Lang.get(387).arg(name)
+            const QString state = !cmd->getValidDev()
+                                      ? IDevice::notSupportedText(group, cmd->getCmdCode(), name)
                                   : !cmd->getValidParam() ? Lang.get(388).arg(name)
                                                           : QString();
             print(QStringLiteral("  [%1] %2%3%4\n")

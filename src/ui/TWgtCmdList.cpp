@@ -89,7 +89,7 @@ void TWgtCmdList::fillItem(QTreeWidgetItem* item, TDataCmd* cmd) {
     item->setText(1, group ? group->getViewCmdParam(data, nullptr) : QString());
     QString reason;
     if (!cmd->getValidDev())
-        reason = Lang.get(387).arg(shown);
+        reason = IDevice::notSupportedText(group, cmd->getCmdCode(), shown);
     else if (!cmd->getValidParam())
         reason = Lang.get(388).arg(shown);
     for (int c = 0; c < 2; ++c) {
