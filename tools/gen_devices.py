@@ -166,6 +166,58 @@ def register_form(fields, register, part, captions, polarity):
     return lines
 
 
+# Fields of the AVR fuse and lock bytes from the parts' device files (tools/data/avr-fuse-fields.tsv):
+# named by caption, several bits a choice of their meanings, and the values after which the part no
+# longer answers serial programming marked with the kind of lock-out.
+LOCKOUT_KINDS = {"SPIEN": "spien", "RSTDISBL": "rstdisbl", "DWEN": "dwen"}
+
+
+def submasks(mask):
+    values, v = [], 0
+    while True:
+        values.append(v)
+        v = (v - mask) & mask
+        if v == 0:
+            return values
+
+
+def device_file_field(row):
+    mask, shift = int(row["mask"], 16), int(row["value_shift"])
+    caption = "%s (%s)" % (row["caption"], row["name"])
+    kind = LOCKOUT_KINDS.get(row["name"], "clock" if "CKSEL" in row["name"] else None)
+    bricks = [int(v, 16) for v in row["brick_values"].split()] if row["brick"] == "yes" and kind else []
+    if not row["values"]:
+        lines = ["ckl|%02X|i|e|%s|%s" % (mask, row["byte"], caption)]
+        return lines + ["brk|%02X|%s|%s" % (mask if v else 0, kind, row["name"]) for v in bricks]
+    meanings = {}
+    for item in row["values"].split(" | "):
+        value, _, text = item.partition("=")
+        meanings.setdefault(int(value, 16) << shift, text)
+    lines = ["cho|%02X|-|e|%s|%s" % (mask, row["byte"], caption)]
+    # Every value of the bits stays selectable; one the device file does not name shows as hex.
+    for v in sorted(submasks(mask), reverse=True):
+        lines.append("itm|%02X|%s" % (v, meanings.get(v, "0x%02X" % (v >> shift))))
+    return lines + ["brk|%02X|%s|%s" % (v << shift, kind, row["name"]) for v in bricks]
+
+
+def device_file_form(rows, register, part, captions, fallback):
+    """The form of the part's fuse or lock bytes from its device file; bytes it does not describe keep
+    the fallback's lines (one box per bit or the named fields of register-fields.tsv)."""
+    mine = [r for r in rows if r["part"] == part and r["register"] == register]
+    if not mine:
+        return fallback
+    lines = []
+    for byte, caption in enumerate(captions):
+        fields = [r for r in mine if int(r["byte"]) == byte]
+        lines.append("cap|%s" % caption)
+        if fields:
+            for r in fields:
+                lines.extend(device_file_field(r))
+        else:
+            lines.extend(generic_bits(byte, caption, "i"))
+    return lines
+
+
 def list_key(key, items):
     return ["%s=l|%s" % (key, item) for item in items]
 
@@ -309,6 +361,7 @@ def avr_isp_lines(isp, row):
 
 def gen_avr(repo, cat, fields):
     signatures = {}
+    device_fields = read_table(repo, "avr-fuse-fields.tsv")
     isp_rows = {r["name"]: r for r in read_table(repo, "avr-isp.tsv")}
     for row in read_table(repo, "avr.tsv"):
         name = row["name"]
@@ -346,9 +399,10 @@ def gen_avr(repo, cat, fields):
             "erase_polling=u|%d" % poll, "erase_delay=u|%d" % waits["erase"],
             "fuse_def=s|%s" % fuse_def, "fuse_mask=s|%s" % "".join("%02X" % m for m in fuse_masks),
             "fuse_polling=u|0", "fuse_delay=u|%d" % waits["fuse"]] + list_key(
-            "fuse_cfg", register_form(fields, "fuse", name, fuse_captions, "i")) + [
+            "fuse_cfg", device_file_form(device_fields, "fuse", name, fuse_captions,
+                                         register_form(fields, "fuse", name, fuse_captions, "i"))) + [
             "lock_def=s|FF", "lock_mask=s|%02X" % lock_mask, "lock_polling=u|0", "lock_delay=u|%d" % waits["lock"]] + list_key(
-            "lock_cfg", lock_cfg) + [
+            "lock_cfg", device_file_form(device_fields, "lock", name, ["Lock"], lock_cfg)) + [
             "osccal_def=s|%s" % ("FF" * cal)] + list_key(
             "osccal_cfg", ["edr|FF|ro|%d|Calibration byte %d:" % (i, i) for i in range(cal)]) + [
             "alg_flash_read=u|%d" % (1 if ext else 0),

@@ -79,11 +79,16 @@ int main(int argc, char** argv) {
                                        QStringLiteral("Continue every pause at once."));
     const QCommandLineOption processOpt(QStringLiteral("allow-process"),
                                         QStringLiteral("Let the project's process commands start programs."));
+    const QCommandLineOption lockOutOpt(
+        QStringLiteral("allow-lockout"),
+        QStringLiteral(
+            "Let fuse writes turn off serial programming of the part (SPIEN, RSTDISBL, DWEN, clock)."));
     const QCommandLineOption listOpt(QStringLiteral("list"),
                                      QStringLiteral("List the configurations and commands of PROJECT."),
                                      QStringLiteral("PROJECT"));
-    parser.addOptions({settingsOpt, runOpt, configOpt, saveOpt, pausesOpt, processOpt, listOpt});
-    parser.addPositionalArgument(QStringLiteral("project"), QStringLiteral("Project file to open in the window."),
+    parser.addOptions({settingsOpt, runOpt, configOpt, saveOpt, pausesOpt, processOpt, lockOutOpt, listOpt});
+    parser.addPositionalArgument(QStringLiteral("project"),
+                                 QStringLiteral("Project file to open in the window."),
                                  QStringLiteral("[PROJECT.prj]"));
     // A wrong argument ends with status 2, as a project that cannot be loaded does.
     if (!parser.parse(app->arguments())) {
@@ -112,6 +117,7 @@ int main(int argc, char** argv) {
         opt.save = parser.isSet(saveOpt);
         opt.continuePauses = parser.isSet(pausesOpt);
         opt.allowProcess = parser.isSet(processOpt);
+        opt.allowLockout = parser.isSet(lockOutOpt);
         return TRunner().run(opt);
     }
 

@@ -171,8 +171,12 @@ QWidget* TDevAVR8_SPI::getFormCmdParam(const TData& p) const {
     if (!bytesGroup(code).isEmpty()) {
         // Read commands show what they read; only writes and verifies are edited.
         form = new TFormCmd(p);
-        TWgtRegisterForm::addToForm(form, kData, devParam.value(bytesConfig(code)).toStringList(),
-                                    code.endsWith(QLatin1String("_read")));
+        const bool read = code.endsWith(QLatin1String("_read"));
+        const QByteArray factory = read || code == QLatin1String(osccal_read)
+                                       ? QByteArray()
+                                       : QByteArray::fromHex(bytesDefault(code).toLatin1());
+        TWgtRegisterForm::addToForm(form, kData, devParam.value(bytesConfig(code)).toStringList(), read,
+                                    false, factory);
     }
     if (code == QLatin1String(leave)) form = TNormCmdParam::cmdLeaveForm(this, p, true);
     return keepForm(form);

@@ -7,6 +7,7 @@
 #include "exec/TExec.h"
 #include "exec/TLogText.h"
 #include "exec/TThreadSync.h"
+#include "misc/TLockOut.h"
 #include "project/CTagPrj.h"
 #include "project/TCtrlProject.h"
 #include "project/TDataCfg.h"
@@ -115,6 +116,7 @@ int TRunner::run(const Options& options) {
         ids.append(ProjectData.getIdCfgFromPosCfg(0));
     }
     TDevToolsExec::setProcessAllowed(opt.allowProcess);
+    TLockOut::setAllowedAll(opt.allowLockout);
     log = new TLogText(AppData.logShowTime, AppData.logShowMSec);
     installSigint();
     stdinNotifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, this);

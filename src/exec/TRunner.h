@@ -25,6 +25,7 @@ public:
         bool save = false;   // write the project back after the runs (counters change)
         bool continuePauses = false;
         bool allowProcess = false;
+        bool allowLockout = false; // fuse writes that turn off serial programming
     };
     enum ExitCode { ExitOk = 0, ExitFailed = 1, ExitUsage = 2 };
 

@@ -529,7 +529,7 @@ bool TMainWindow::confirmProcess(int) {
 
 bool TMainWindow::runThread(int idCfg) {
     TWgtCfg* view = cfgViews.value(idCfg);
-    if (!view || runs.contains(idCfg) || !confirmProcess(idCfg)) return false;
+    if (!view || runs.contains(idCfg) || !confirmProcess(idCfg) || !confirmLockOut(idCfg)) return false;
     ProjectData.setCfgStatus(idCfg, CfgStatusRun);
     if (AppData.logClearBeforeRun) view->log()->clear();
     view->log()->blockLogText(true);

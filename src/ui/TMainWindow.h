@@ -122,6 +122,8 @@ private:
     void updateActions();
     void updateTitle();
     bool confirmProcess(int idCfg);
+    // Fuse writes of the run that would lock the part out of serial programming are asked about once.
+    bool confirmLockOut(int idCfg);
     void startThread(int idCfg);
     void runFinished(QThread* thread, TExec* exec);
     void waitRuns();
