@@ -1,8 +1,11 @@
 #include "SimChipAvr.h"
 
 #include "SimChipRegistry.h"
+#include "SimProtocol.h"
 
 #include <QThread>
+
+using namespace SimProtocol;
 
 namespace {
 SimChipRegistrar registrar("DevAVR8_SPI",
@@ -19,7 +22,6 @@ QByteArray hexBytes(const QVariant& v) {
 // EESAVE, where the megaAVR parts keep it: high fuse bit 3, programmed when 0.
 constexpr unsigned char eesaveBit = 0x08;
 constexpr unsigned char waitPoll = 0xFF;
-constexpr unsigned char loadExtendedAddress = 0x4D;
 
 // The fuse byte (low, high, extended) each fuse instruction reaches; parts with one fuse byte call it
 // "fuse".
@@ -185,7 +187,7 @@ SimReply SimChipAvr::instruction(const QByteArray& data) {
     reply[1] = char(b(0));
     reply[2] = char(b(1));
     reply[3] = char(b(2));
-    if (b(0) == loadExtendedAddress) {
+    if (b(0) == AvrInExtendedAddress) {
         extended = b(2);
         return SimReply::ok(reply);
     }
@@ -202,15 +204,15 @@ SimReply SimChipAvr::instruction(const QByteArray& data) {
 
 SimReply SimChipAvr::request(unsigned char cmd, const QByteArray& data) {
     switch (cmd) {
-    case 3:
+    case AvrReadFlash:
         return readSpace(data, 0, flashSize, extended);
-    case 4:
+    case AvrWriteFlash:
         return loadPage(data);
-    case 5:
+    case AvrReadEeprom:
         return readSpace(data, flashSize, eepromSize, 0);
-    case 6:
+    case AvrWriteEeprom:
         return writeEeprom(data);
-    case 7:
+    case AvrInstr:
         return instruction(data);
     default:
         return SimReply::fail(ErrUnknownCommand);
