@@ -106,10 +106,10 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         processEvents();
 
         if (!exec) {
-            error = Lang.get(387).arg(info.name);
+            error = IDevice::notSupportedText(info.group, code, info.name);
             return false;
         }
-        error = TCmdProblem::get(info.name, info.data);
+        error = TCmdProblem::get(info.name, info.data, info.group);
         if (!error.isEmpty()) return false;
         if (checkBeforeRun && !check.checkCommand(info.data)) {
             error = check.getErrorText();
