@@ -1,6 +1,7 @@
 #include "link/TSerialPort.h"
 
 #include "app/TLang.h"
+#include "link/bridge/IBridge.h"
 
 #include <cerrno>
 #include <cstring>
@@ -52,6 +53,7 @@ bool TSerialPort::sendPackage(unsigned char cmd, QByteArray& data) {
         return false;
     }
     port->clear(QSerialPort::AllDirections);
+    if (bridge || !unknownProtocol.isEmpty()) return bridgeExchange(cmd, data);
     buildRequest(cmd, data);
     if (!writeData(txFrame)) return fail();
     rxFrame.resize(0);

@@ -3,11 +3,13 @@
 #include "link/TSerialPort.h"
 
 #include "link/TProg.h"
+#include "link/bridge/IBridge.h"
 
 // The text of an earlier exchange must not stand for a failed open.
 bool TSerialPort::open(OpenMode mode) {
     errorText.clear();
     timeOutFlag = false;
+    if (bridge) bridge->restart();
     return port->open(QIODevice::OpenMode(static_cast<int>(mode)));
 }
 
@@ -127,4 +129,5 @@ void TSerialPort::applySettings(const TProg& prog) {
     setFlowControl(flow);
     setTimeOut(timeOut);
     setProtocolParam(maxData);
+    setProtocol(prog.getProtocol());
 }
