@@ -65,7 +65,8 @@ bool TSerialPort::receive(QByteArray& got, int count, int timeOutMs) {
         const int ready = poll(&p, 1, timeOutMs);
         if (ready < 0 && errno == EINTR) continue;
         if (ready <= 0) return false;
-        const ssize_t n = ::read(fd, buffer, static_cast<size_t>(qMin<int>(sizeof buffer, want - got.size())));
+        const ssize_t n =
+            ::read(fd, buffer, static_cast<size_t>(qMin<int>(sizeof buffer, want - got.size())));
         if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
         if (n <= 0) {
             lineLost = true;

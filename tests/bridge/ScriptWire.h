@@ -25,8 +25,8 @@ public:
         while (!steps.isEmpty() && pending.size() >= steps.first().first.size()) {
             const QPair<QByteArray, QByteArray> step = steps.takeFirst();
             if (!pending.startsWith(step.first)) {
-                mismatch = QStringLiteral("sent %1, script %2").arg(QString(pending.toHex(' ')),
-                                                                    QString(step.first.toHex(' ')));
+                mismatch = QStringLiteral("sent %1, script %2")
+                               .arg(QString(pending.toHex(' ')), QString(step.first.toHex(' ')));
                 return true;
             }
             pending.remove(0, step.first.size());

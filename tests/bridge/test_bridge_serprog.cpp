@@ -1,7 +1,7 @@
 // The serprog bridge against scripted hardware: exact bytes on the wire for each frame a family sends.
+#include "ScriptWire.h"
 #include "app/TLang.h"
 #include "link/bridge/TBridgeSerprog.h"
-#include "ScriptWire.h"
 
 #include <QtTest>
 
@@ -97,8 +97,12 @@ private slots:
         w.expect("1501", "06");
         w.expect("1301000000000006", "06");
         w.expect("1306000000000002000100aabb", "06");
-        w.expect("13010000010000" "05", "0603");
-        w.expect("13010000010000" "05", "0602");
+        w.expect("13010000010000"
+                 "05",
+                 "0603");
+        w.expect("13010000010000"
+                 "05",
+                 "0602");
         QVERIFY(send(b, w, 0x84, setDevice(2, 4000000)).ok());
         const TBridgeReply r = send(b, w, 4, QByteArray::fromHex("02000100aabb"));
         QVERIFY(r.ok());
@@ -112,9 +116,15 @@ private slots:
         start(w, "040000");
         w.expect("1400093d00", "0600093d00");
         w.expect("1501", "06");
-        w.expect("13050000040000" "0b00100000", "0611223344");
-        w.expect("13050000040000" "0b00100400", "0655667788");
-        w.expect("13050000020000" "0b00100800", "0699aa");
+        w.expect("13050000040000"
+                 "0b00100000",
+                 "0611223344");
+        w.expect("13050000040000"
+                 "0b00100400",
+                 "0655667788");
+        w.expect("13050000020000"
+                 "0b00100800",
+                 "0699aa");
         QVERIFY(send(b, w, 0x84, setDevice(2, 4000000)).ok());
         const TBridgeReply r = send(b, w, 3, QByteArray::fromHex("0a000b00100000"));
         QVERIFY(r.ok());
@@ -160,9 +170,9 @@ private slots:
         QTest::newRow("unplugged") << QByteArray("01") << QByteArray("LOST") << lost
                                    << "The line to the serprog programmer on " + port +
                                           " went away during Q_IFACE (0x01)";
-        QTest::newRow("old interface") << QByteArray("01") << QByteArray("060200") << refused
-                                       << "The serprog programmer on " + port +
-                                              " speaks interface version 2; Tarvelix speaks version 1";
+        QTest::newRow("old interface")
+            << QByteArray("01") << QByteArray("060200") << refused
+            << "The serprog programmer on " + port + " speaks interface version 2; Tarvelix speaks version 1";
     }
     void failures() {
         QFETCH(QByteArray, step);

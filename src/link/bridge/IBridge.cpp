@@ -67,13 +67,14 @@ TBridgeReply IBridge::own(IBridgeWire& wire, unsigned char cmd, const QByteArray
 TBridgeReply IBridge::noAnswer(const IBridgeWire& wire, const QString& what, int got, int expected) const {
     if (wire.lost()) return TBridgeReply::lost(Lang.get(1505).arg(protocol(), wire.portName(), what));
     if (got == 0)
-        return TBridgeReply::lost(Lang.get(1501).arg(protocol(), wire.portName(), what).arg(wire.answerTimeOut()));
+        return TBridgeReply::lost(
+            Lang.get(1501).arg(protocol(), wire.portName(), what).arg(wire.answerTimeOut()));
     return TBridgeReply::lost(Lang.get(1502).arg(protocol(), wire.portName(), what).arg(got).arg(expected));
 }
 
 TBridgeReply IBridge::unexpected(const IBridgeWire& wire, const QString& what, unsigned char answer) const {
-    return TBridgeReply::lost(Lang.get(1508).arg(protocol(), wire.portName(), what,
-                                                 QString::number(answer, 16).toUpper().rightJustified(2, '0')));
+    return TBridgeReply::lost(Lang.get(1508).arg(
+        protocol(), wire.portName(), what, QString::number(answer, 16).toUpper().rightJustified(2, '0')));
 }
 
 TBridgeReply IBridge::refusedBy(const IBridgeWire& wire, const QString& what) const {

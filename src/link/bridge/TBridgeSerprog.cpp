@@ -24,7 +24,8 @@ int u24(const QByteArray& d) {
 
 bool isAddressedRead(const QByteArray& tx) {
     const unsigned char op = uchar(tx.at(0));
-    return (op == CBridge::spiReadData || op == CBridge::spiFastRead) && tx.size() >= addressedAt + addressSize;
+    return (op == CBridge::spiReadData || op == CBridge::spiFastRead) &&
+           tx.size() >= addressedAt + addressSize;
 }
 
 qint64 addressOf(const QByteArray& tx) {
@@ -64,12 +65,11 @@ QByteArray TBridgeSerprog::spiFreq(unsigned int hz) {
 }
 
 QString TBridgeSerprog::name(unsigned char op) {
-    static const char* const names[] = {"NOP",         "Q_IFACE",    "Q_CMDMAP",   "Q_PGMNAME",
-                                        "Q_SERBUF",    "Q_BUSTYPE",  "Q_CHIPSIZE", "Q_OPBUF",
-                                        "Q_WRNMAXLEN", "R_BYTE",     "R_NBYTES",   "O_INIT",
-                                        "O_WRITEB",    "O_WRITEN",   "O_DELAY",    "O_EXEC",
-                                        "SYNCNOP",     "Q_RDNMAXLEN", "S_BUSTYPE", "O_SPIOP",
-                                        "S_SPI_FREQ",  "S_PIN_STATE"};
+    static const char* const names[] = {"NOP",        "Q_IFACE",    "Q_CMDMAP",    "Q_PGMNAME",   "Q_SERBUF",
+                                        "Q_BUSTYPE",  "Q_CHIPSIZE", "Q_OPBUF",     "Q_WRNMAXLEN", "R_BYTE",
+                                        "R_NBYTES",   "O_INIT",     "O_WRITEB",    "O_WRITEN",    "O_DELAY",
+                                        "O_EXEC",     "SYNCNOP",    "Q_RDNMAXLEN", "S_BUSTYPE",   "O_SPIOP",
+                                        "S_SPI_FREQ", "S_PIN_STATE"};
     const QString hex = QStringLiteral("0x%1").arg(op, 2, 16, QChar('0')).toUpper().replace("0X", "0x");
     return op < sizeof(names) / sizeof(names[0]) ? QStringLiteral("%1 (%2)").arg(names[op], hex) : hex;
 }
@@ -85,7 +85,8 @@ bool TBridgeSerprog::offers(unsigned char op) const {
 }
 
 TBridgeReply TBridgeSerprog::synchronise(IBridgeWire& wire) {
-    if (!wire.send(QByteArray(syncNops, char(CSerprog::nop)))) return noAnswer(wire, name(CSerprog::nop), 0, 1);
+    if (!wire.send(QByteArray(syncNops, char(CSerprog::nop))))
+        return noAnswer(wire, name(CSerprog::nop), 0, 1);
     QElapsedTimer drain;
     drain.start();
     QByteArray junk;
@@ -95,7 +96,8 @@ TBridgeReply TBridgeSerprog::synchronise(IBridgeWire& wire) {
     for (int attempt = 0; attempt < syncTries; ++attempt) {
         int confirmed = 0;
         for (int round = 0; round < 2 && confirmed == round; ++round) {
-            if (!wire.send(QByteArray(1, char(CSerprog::syncNop)))) return noAnswer(wire, name(CSerprog::syncNop), 0, 2);
+            if (!wire.send(QByteArray(1, char(CSerprog::syncNop))))
+                return noAnswer(wire, name(CSerprog::syncNop), 0, 2);
             QByteArray got;
             for (int n = 0; n < syncAnswerBytes; ++n) {
                 got.clear();
@@ -209,7 +211,8 @@ TBridgeReply TBridgeSerprog::family(IBridgeWire& wire, unsigned char cmd, const 
     }
 }
 
-TBridgeReply TBridgeSerprog::transaction(IBridgeWire& wire, const QByteArray& tx, int readCount, QByteArray& rx) {
+TBridgeReply TBridgeSerprog::transaction(IBridgeWire& wire, const QByteArray& tx, int readCount,
+                                         QByteArray& rx) {
     return command(wire, CSerprog::oSpiOp, spiOp(tx, readCount), readCount, rx);
 }
 
