@@ -14,5 +14,5 @@ struct TypeEntry {
     const char* name;
     const char* file;
 };
-const TypeEntry bridgeTypes[] = {{"serprog", "serprog.cfg"}};
+const TypeEntry bridgeTypes[] = {{"serprog", "serprog.cfg"}, {"Arduino as ISP", "arduino-isp.cfg"}};
 } // namespace CLink

@@ -89,6 +89,8 @@ public:
     void setProtocolParam(unsigned short maxData);
     // "native" or a protocol of the bridge table; another name fails every exchange with a message.
     void setProtocol(const QString& protocol);
+    // The selected part's description, for a bridge whose hardware wants it (SET_DEVICE of STK500).
+    void describeTarget(const QVariantMap& params);
 
     // The wire a bridge talks on.
     bool send(const QByteArray& bytes) override;

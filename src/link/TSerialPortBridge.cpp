@@ -17,6 +17,10 @@ void TSerialPort::setProtocol(const QString& protocol) {
     if (!bridge && protocol != TBridgeTable::native) unknownProtocol = protocol;
 }
 
+void TSerialPort::describeTarget(const QVariantMap& params) {
+    if (bridge) bridge->describeTarget(params);
+}
+
 bool TSerialPort::bridgeExchange(unsigned char cmd, QByteArray& data) {
     if (!unknownProtocol.isEmpty()) {
         timeOutFlag = true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/TTypes.h"
 #include "link/bridge/IBridgeWire.h"
 #include "link/bridge/TBridgeReply.h"
 
@@ -20,6 +21,9 @@ public:
     virtual QString protocol() const = 0;
     // What the bridge answers to the interface query; the descriptions name the same number.
     virtual unsigned short interfaceCode() const = 0;
+    // The description of the selected part, for hardware whose firmware wants to know it; the native
+    // programmer does not.
+    virtual void describeTarget(const TData&) {}
 
 protected:
     // Synchronise with the hardware and learn what it offers; the identification text on success.

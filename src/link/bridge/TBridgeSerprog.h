@@ -10,11 +10,11 @@ public:
     QString protocol() const override;
     unsigned short interfaceCode() const override;
 
-    static const unsigned short interface = 0x0B01;
+    static constexpr unsigned short interface = 0x0B01;
     // Longest busy time of a write transaction (a chip erase of a large part) and how long a status
     // of all ones (nothing drives the data line) may last before the chip counts as absent.
-    static const int busyTimeOutMs = 300000;
-    static const int floatingMs = 1000;
+    static constexpr int busyTimeOutMs = 300000;
+    static constexpr int floatingMs = 1000;
 
     // Packet builders.
     static QByteArray spiOp(const QByteArray& tx, int readCount);

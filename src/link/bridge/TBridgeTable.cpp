@@ -1,6 +1,7 @@
 #include "link/bridge/TBridgeTable.h"
 
 #include "link/bridge/TBridgeSerprog.h"
+#include "link/bridge/TBridgeStk500v1.h"
 
 #include <functional>
 
@@ -12,6 +13,7 @@ struct Entry {
 
 const Entry table[] = {
     {"serprog", [] { return std::make_unique<TBridgeSerprog>(); }},
+    {"stk500v1", [] { return std::make_unique<TBridgeStk500v1>(); }},
 };
 } // namespace
 
