@@ -65,6 +65,8 @@ public:
     void close();
     bool isOpen() const;
     void setPortName(const QString& name);
+    // Who uses the port (a configuration's name), told to a run that finds it taken.
+    void setOwnerName(const QString& name) { ownerName = name; }
     QString getPortName() const;
 
     bool setBaudRate(unsigned int baud);
@@ -137,6 +139,7 @@ private:
     bool timeOutFlag = false;
     bool lineLost = false; // the last exchange saw the line end
     QString errorText;
+    QString ownerName;
     QByteArray txFrame, rxFrame;
     std::unique_ptr<IBridge> bridge;
     QString unknownProtocol; // set when the description names a protocol no bridge serves

@@ -1,6 +1,7 @@
 #include "link/bridge/IBridge.h"
 
 #include "app/TLang.h"
+#include "link/CProtocol.h"
 #include "link/bridge/CBridge.h"
 
 IBridge::~IBridge() = default;
@@ -19,48 +20,47 @@ TBridgeReply IBridge::exchange(IBridgeWire& wire, unsigned char cmd, const QByte
         started = true;
     }
     if (cmd >= CBridge::famFirst && cmd <= CBridge::famLast) {
-        if (selected == 0) return TBridgeReply::error(CBridge::errNoDevice);
+        if (selected == 0) return TBridgeReply::error(CProtocol::ErrNoDevice);
         return family(wire, cmd, data);
     }
     return own(wire, cmd, data);
 }
 
 TBridgeReply IBridge::own(IBridgeWire& wire, unsigned char cmd, const QByteArray& data) {
-    using namespace CBridge;
     switch (cmd) {
-    case cmdInterface: {
+    case CProtocol::Prog::Interface: {
         const unsigned short code = interfaceCode();
         QByteArray reply;
         reply.append(char(code & 0xFF)).append(char(code >> 8));
         return TBridgeReply::done(reply);
     }
-    case cmdIdentify:
+    case CProtocol::Prog::Ident:
         return TBridgeReply::done(identification.toLatin1().append('\0'));
-    case cmdSetDevice: {
-        if (data.size() != setDeviceSize) return TBridgeReply::error(errLength);
+    case CProtocol::Prog::SetDevice: {
+        if (data.size() != CBridge::setDeviceSize) return TBridgeReply::error(CProtocol::ErrLength);
         const unsigned short type = uchar(data.at(0)) | uchar(data.at(1)) << 8;
         selected = 0;
-        if (!serves(type)) return TBridgeReply::error(errNotSupported);
+        if (!serves(type)) return TBridgeReply::error(CProtocol::ErrNotSupported);
         TBridgeReply r = selectDevice(wire, type, data);
         if (r.ok()) selected = type;
         return r;
     }
-    case cmdLeave:
+    case CProtocol::Prog::Leave:
         selected = 0;
         return leave(wire);
     // Nothing to set: the LED is the hardware's own, the supply is the board's fixed one.
-    case cmdLed:
-    case cmdVcc:
-    case cmdVicc:
+    case CProtocol::Prog::LED:
+    case CProtocol::Prog::SetVcc:
+    case CProtocol::Prog::SetVIcc:
         return TBridgeReply::done();
-    case cmdReset:
-    case cmdGenerator:
-    case cmdPins:
-    case cmdVpp:
-    case cmdVipp:
-        return TBridgeReply::error(errNotSupported);
+    case CProtocol::Prog::Reset:
+    case CProtocol::Prog::Generator:
+    case CProtocol::Prog::SetIO:
+    case CProtocol::Prog::SetVpp:
+    case CProtocol::Prog::SetVIpp:
+        return TBridgeReply::error(CProtocol::ErrNotSupported);
     default:
-        return TBridgeReply::error(errUnknownCommand);
+        return TBridgeReply::error(CProtocol::ErrUnknownCommand);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "link/bridge/TBridgeSerprog.h"
 
 #include "app/TLang.h"
+#include "link/CProtocol.h"
 #include "link/bridge/CBridge.h"
 
 #include <QElapsedTimer>
@@ -24,7 +25,7 @@ int u24(const QByteArray& d) {
 
 bool isAddressedRead(const QByteArray& tx) {
     const unsigned char op = uchar(tx.at(0));
-    return (op == CBridge::spiReadData || op == CBridge::spiFastRead) &&
+    return (op == CBridge::spiReadData || op == CProtocol::Spi::OpFastRead) &&
            tx.size() >= addressedAt + addressSize;
 }
 
@@ -178,7 +179,7 @@ TBridgeReply TBridgeSerprog::selectDevice(IBridgeWire& wire, unsigned short, con
 }
 
 TBridgeReply TBridgeSerprog::setClock(IBridgeWire& wire, unsigned int hz) {
-    if (hz == 0) return TBridgeReply::error(CBridge::errRange);
+    if (hz == 0) return TBridgeReply::error(CProtocol::ErrRange);
     if (!offers(CSerprog::sSpiFreq)) return TBridgeReply::done(); // the firmware's fixed clock
     QByteArray a;
     return command(wire, CSerprog::sSpiFreq, spiFreq(hz), 4, a);
@@ -196,18 +197,18 @@ TBridgeReply TBridgeSerprog::leave(IBridgeWire& wire) {
 
 TBridgeReply TBridgeSerprog::family(IBridgeWire& wire, unsigned char cmd, const QByteArray& data) {
     switch (cmd) {
-    case CBridge::famLeave:
+    case CProtocol::Family::Leave:
         return setPins(wire, false);
-    case CBridge::famClock:
-        if (data.size() != 4) return TBridgeReply::error(CBridge::errLength);
+    case CProtocol::Family::SetClk:
+        if (data.size() != 4) return TBridgeReply::error(CProtocol::ErrLength);
         return setClock(wire, uchar(data.at(0)) | uchar(data.at(1)) << 8 | uchar(data.at(2)) << 16 |
                                   uint(uchar(data.at(3))) << 24);
-    case CBridge::spiRead:
+    case CProtocol::Spi::Read:
         return read(wire, data);
-    case CBridge::spiWrite:
+    case CProtocol::Spi::Write:
         return write(wire, data);
     default:
-        return TBridgeReply::error(CBridge::errUnknownCommand);
+        return TBridgeReply::error(CProtocol::ErrUnknownCommand);
     }
 }
 
@@ -219,11 +220,11 @@ TBridgeReply TBridgeSerprog::transaction(IBridgeWire& wire, const QByteArray& tx
 // A read longer than the firmware takes is cut into reads at consecutive addresses; only an
 // addressed read can be cut.
 TBridgeReply TBridgeSerprog::read(IBridgeWire& wire, const QByteArray& data) {
-    if (data.size() < 3) return TBridgeReply::error(CBridge::errLength);
+    if (data.size() < 3) return TBridgeReply::error(CProtocol::ErrLength);
     const int count = uchar(data.at(0)) | uchar(data.at(1)) << 8;
     QByteArray tx = data.mid(2);
-    if (tx.size() > writeMax) return TBridgeReply::error(CBridge::errLength);
-    if (count > readMax && !isAddressedRead(tx)) return TBridgeReply::error(CBridge::errLength);
+    if (tx.size() > writeMax) return TBridgeReply::error(CProtocol::ErrLength);
+    if (count > readMax && !isAddressedRead(tx)) return TBridgeReply::error(CProtocol::ErrLength);
     QByteArray all, part;
     const qint64 start = count > readMax ? addressOf(tx) : 0;
     do {
@@ -239,11 +240,11 @@ TBridgeReply TBridgeSerprog::read(IBridgeWire& wire, const QByteArray& data) {
 // As the native programmer: write enable first, then the transaction, then wait while the chip is
 // busy. A page program longer than the firmware takes goes as several programs.
 TBridgeReply TBridgeSerprog::write(IBridgeWire& wire, const QByteArray& tx) {
-    if (tx.isEmpty()) return TBridgeReply::error(CBridge::errLength);
+    if (tx.isEmpty()) return TBridgeReply::error(CProtocol::ErrLength);
     const bool cut = tx.size() > writeMax;
     const int header = addressedAt + addressSize;
     if (cut && (uchar(tx.at(0)) != pageProgram || tx.size() <= header || writeMax <= header))
-        return TBridgeReply::error(CBridge::errLength);
+        return TBridgeReply::error(CProtocol::ErrLength);
     const int piece = cut ? writeMax - header : tx.size();
     const int dataBytes = cut ? tx.size() - header : piece;
     const qint64 start = cut ? addressOf(tx) : 0;
@@ -268,7 +269,7 @@ TBridgeReply TBridgeSerprog::waitReady(IBridgeWire& wire) {
     QElapsedTimer floating;
     QByteArray status;
     for (;;) {
-        TBridgeReply r = transaction(wire, QByteArray(1, char(CBridge::spiReadStatus)), 1, status);
+        TBridgeReply r = transaction(wire, QByteArray(1, char(CProtocol::Spi::OpReadStatus1)), 1, status);
         if (!r.ok()) return r;
         const unsigned char s = uchar(status.at(0));
         if (!(s & CBridge::spiStatusBusy)) return TBridgeReply::done();
@@ -277,7 +278,7 @@ TBridgeReply TBridgeSerprog::waitReady(IBridgeWire& wire) {
         else if (!floating.isValid())
             floating.start();
         else if (floating.elapsed() > floatingMs)
-            return TBridgeReply::error(CBridge::errNoAck);
-        if (t.elapsed() > busyTimeOutMs) return TBridgeReply::error(CBridge::errBusy);
+            return TBridgeReply::error(CProtocol::ErrNoAck);
+        if (t.elapsed() > busyTimeOutMs) return TBridgeReply::error(CProtocol::ErrBusy);
     }
 }

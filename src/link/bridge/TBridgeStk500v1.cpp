@@ -1,16 +1,14 @@
 #include "link/bridge/TBridgeStk500v1.h"
 
 #include "app/TLang.h"
+#include "link/CProtocol.h"
 #include "link/bridge/CBridge.h"
 #include "link/bridge/CStk500v1.h"
 
 #include <QElapsedTimer>
 
 namespace {
-const unsigned char loadExtended = 0x4D;
-const unsigned char commitPage = 0x4C;
 const unsigned char pollReady = 0xF0;
-const unsigned char waitPoll = 0xFF;
 const int setDeviceBody = 20;
 const int instructionSize = 5; // wait byte and four instruction bytes
 const int lockBytes = 1;
@@ -199,27 +197,26 @@ TBridgeReply TBridgeStk500v1::leave(IBridgeWire& wire) {
 }
 
 TBridgeReply TBridgeStk500v1::family(IBridgeWire& wire, unsigned char cmd, const QByteArray& data) {
-    using namespace CBridge;
     const bool commit =
-        cmd == avrInstruction && data.size() == instructionSize && uchar(data.at(1)) == commitPage;
+        cmd == CProtocol::Avr::Instr && data.size() == instructionSize && uchar(data.at(1)) == CProtocol::Avr::InWritePage;
     // A page load stays on the host until its commit; anything else first writes what is kept.
-    if (cmd != avrLoadPage && !commit) {
+    if (cmd != CProtocol::Avr::WriteFlash && !commit) {
         TBridgeReply r = flushPage(wire);
         if (!r.ok()) return r;
     }
     switch (cmd) {
-    case famLeave:
+    case CProtocol::Family::Leave:
         return leaveProgramming(wire);
-    case famClock:
+    case CProtocol::Family::SetClk:
         return TBridgeReply::done();
-    case avrReadFlash:
-    case avrReadEeprom:
-        if (data.size() != 4) return TBridgeReply::error(errLength);
-        return readMemory(wire, cmd == avrReadFlash ? CStk500v1::memFlash : CStk500v1::memEeprom,
-                          (cmd == avrReadFlash ? qint64(extendedByte) << 16 : 0) | le16(data, 0),
+    case CProtocol::Avr::ReadFlash:
+    case CProtocol::Avr::ReadEeprom:
+        if (data.size() != 4) return TBridgeReply::error(CProtocol::ErrLength);
+        return readMemory(wire, cmd == CProtocol::Avr::ReadFlash ? CStk500v1::memFlash : CStk500v1::memEeprom,
+                          (cmd == CProtocol::Avr::ReadFlash ? qint64(extendedByte) << 16 : 0) | le16(data, 0),
                           le16(data, 2));
-    case avrLoadPage: {
-        if (data.size() < 4 || data.size() % 2) return TBridgeReply::error(errLength);
+    case CProtocol::Avr::WriteFlash: {
+        if (data.size() < 4 || data.size() % 2) return TBridgeReply::error(CProtocol::ErrLength);
         const qint64 at = qint64(extendedByte) << 16 | le16(data, 0);
         if (pendingAt >= 0 && (at != pendingAt + pending.size() || at % flashPage() == 0)) {
             TBridgeReply r = flushPage(wire);
@@ -229,13 +226,13 @@ TBridgeReply TBridgeStk500v1::family(IBridgeWire& wire, unsigned char cmd, const
         pending += data.mid(2);
         return TBridgeReply::done();
     }
-    case avrWriteEeprom:
-        if (data.size() < 3) return TBridgeReply::error(errLength);
+    case CProtocol::Avr::WriteEeprom:
+        if (data.size() < 3) return TBridgeReply::error(CProtocol::ErrLength);
         return writeEeprom(wire, le16(data, 0), data.mid(2));
-    case avrInstruction:
+    case CProtocol::Avr::Instr:
         return instruction(wire, data);
     default:
-        return TBridgeReply::error(errUnknownCommand);
+        return TBridgeReply::error(CProtocol::ErrUnknownCommand);
     }
 }
 
@@ -251,26 +248,26 @@ TBridgeReply TBridgeStk500v1::universal(IBridgeWire& wire, unsigned char a, unsi
 // Replies as the native programmer: r1 and r2 echo the first two bytes, r3 is what the part shifted
 // out last.
 TBridgeReply TBridgeStk500v1::instruction(IBridgeWire& wire, const QByteArray& data) {
-    if (data.size() != instructionSize) return TBridgeReply::error(CBridge::errLength);
+    if (data.size() != instructionSize) return TBridgeReply::error(CProtocol::ErrLength);
     const unsigned char w = uchar(data.at(0)), a = uchar(data.at(1)), b = uchar(data.at(2)),
                         c = uchar(data.at(3));
     unsigned char result = c;
     TBridgeReply r = TBridgeReply::done();
-    if (a == loadExtended) {
+    if (a == CProtocol::Avr::InExtendedAddress) {
         extendedByte = c; // the part gets it with the next page or read
-    } else if (a == commitPage) {
+    } else if (a == CProtocol::Avr::InWritePage) {
         r = flushPage(wire);
     } else {
         r = universal(wire, a, b, c, uchar(data.at(4)), result);
     }
-    if (r.ok() && a != loadExtended) r = wait(wire, w);
+    if (r.ok() && a != CProtocol::Avr::InExtendedAddress) r = wait(wire, w);
     if (!r.ok()) return r;
     return TBridgeReply::done(QByteArray(1, '\0').append(char(a)).append(char(b)).append(char(result)));
 }
 
 // Wait byte 0xFF: poll the part until it is ready; another value: that many milliseconds.
 TBridgeReply TBridgeStk500v1::wait(IBridgeWire& wire, unsigned char waitByte) {
-    if (waitByte != waitPoll) {
+    if (waitByte != CProtocol::Avr::WaitPoll) {
         if (waitByte > 0) wire.pause(waitByte);
         return TBridgeReply::done();
     }
@@ -281,7 +278,7 @@ TBridgeReply TBridgeStk500v1::wait(IBridgeWire& wire, unsigned char waitByte) {
         TBridgeReply r = universal(wire, pollReady, 0, 0, 0, busy);
         if (!r.ok()) return r;
         if (!(busy & 1)) return TBridgeReply::done();
-        if (t.elapsed() > busyTimeOutMs) return TBridgeReply::error(CBridge::errBusy);
+        if (t.elapsed() > busyTimeOutMs) return TBridgeReply::error(CProtocol::ErrBusy);
     }
 }
 
@@ -289,7 +286,7 @@ TBridgeReply TBridgeStk500v1::wait(IBridgeWire& wire, unsigned char waitByte) {
 TBridgeReply TBridgeStk500v1::targetExtended(IBridgeWire& wire, int wordBits) {
     if (wordBits == targetExt) return TBridgeReply::done();
     unsigned char ignored = 0;
-    TBridgeReply r = universal(wire, loadExtended, 0, uchar(wordBits), 0, ignored);
+    TBridgeReply r = universal(wire, CProtocol::Avr::InExtendedAddress, 0, uchar(wordBits), 0, ignored);
     if (r.ok()) targetExt = wordBits;
     return r;
 }
