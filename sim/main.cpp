@@ -7,6 +7,7 @@
 #include "SimProgrammer.h"
 #include "SimPty.h"
 #include "SimServer.h"
+#include "SimStreamServer.h"
 #include "SimTrace.h"
 
 #include <QCoreApplication>
@@ -53,6 +54,14 @@ std::unique_ptr<SimChip> makeChip(const SimOptions& o, QString& error) {
     return nullptr;
 }
 
+using End = SimServer::End;
+
+End serve(const SimOptions& options, SimProgrammer& programmer, SimPty& pty, SimTrace& trace) {
+    std::unique_ptr<SimStreamProtocol> stream = SimStreamProtocol::create(options.protocol, programmer);
+    if (!stream) return SimServer(options, programmer, pty, trace).run(stopPipe[0]);
+    return SimStreamServer(options, *stream, pty, trace).run(stopPipe[0]);
+}
+
 int fail(const QString& text) {
     QTextStream(stderr) << "tarvelix-progsim: " << text << "\n";
     return 2;
@@ -81,9 +90,9 @@ int main(int argc, char* argv[]) {
     if (!pty.open(options.link, error)) return fail(error);
     QTextStream(stdout) << options.link << "\n" << Qt::flush;
 
-    const SimServer::End end = SimServer(options, programmer, pty, trace).run(stopPipe[0]);
+    const End end = serve(options, programmer, pty, trace);
     pty.close();
     if (!programmer.socket().chip().saveImage(error)) return fail(error);
-    if (end == SimServer::End::Unplugged) QTextStream(stdout) << "unplugged\n" << Qt::flush;
-    return end == SimServer::End::Failed ? fail("the pseudo-terminal failed") : 0;
+    if (end == End::Unplugged) QTextStream(stdout) << "unplugged\n" << Qt::flush;
+    return end == End::Failed ? fail("the pseudo-terminal failed") : 0;
 }

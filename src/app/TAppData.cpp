@@ -104,13 +104,15 @@ void TAppData::loadData() {
 }
 
 // Without any programmer types a fresh installation registers the simulator on its default link, so
-// that it talks to the simulator at once.
+// that it talks to the simulator at once, and the types of the bridged hardware.
 void TAppData::loadProgs(TSettings& s) {
     progType.clear();
     progName.clear();
     progDefault = s.value("/Prog/Default", 0).toInt();
     if (!s.childGroups().contains("ProgTypeList")) {
         progType.append(CLink::simTypeName, CLink::simTypeFile);
+        for (const CLink::TypeEntry& t : CLink::bridgeTypes)
+            progType.append(t.name, t.file);
         progName.append(false, CLink::simProgName, CLink::simLinkDefault, CLink::simTypeName);
         return;
     }

@@ -123,7 +123,8 @@ private slots:
         TSettings::setFileNameIniOverride(ini);
         TAppData data;
         data.loadData();
-        QCOMPARE(data.progType.count(), 1);
+        // The simulator first, then the types of the bridged hardware (tests/bridge).
+        QCOMPARE(data.progType.getTypeFromIndex(0), QString("Simulator"));
         QCOMPARE(data.progType.getFile("Simulator"), QString("sim.cfg"));
         QCOMPARE(data.progName.getNameList(), QStringList{"Simulator"});
         QCOMPARE(data.progName.getData("Simulator").port, QString("/tmp/tarvelix-sim"));
