@@ -12,13 +12,15 @@ typedef struct {
     uint8_t bit;
 } pin_t;
 
-/* In the order of the description's [Pins]: D10 D11 D12 D13 D9 D8 A4 A5 A3 D4 D5 D6 A2. */
+/* In the order of the description's [Pins], which is the order of their names:
+ * A2 A3 A4 A5 D10 D11 D12 D13 D4 D5 D6 D8 D9. */
 static const pin_t pins[PIN_COUNT] = {
+    {&DDRC, &PORTC, PC2}, {&DDRC, &PORTC, PC3}, {&DDRC, &PORTC, PC4}, {&DDRC, &PORTC, PC5},
     {&DDRB, &PORTB, PB2}, {&DDRB, &PORTB, PB3}, {&DDRB, &PORTB, PB4}, {&DDRB, &PORTB, PB5},
-    {&DDRB, &PORTB, PB1}, {&DDRB, &PORTB, PB0}, {&DDRC, &PORTC, PC4}, {&DDRC, &PORTC, PC5},
-    {&DDRC, &PORTC, PC3}, {&DDRD, &PORTD, PD4}, {&DDRD, &PORTD, PD5}, {&DDRD, &PORTD, PD6},
-    {&DDRC, &PORTC, PC2},
+    {&DDRD, &PORTD, PD4}, {&DDRD, &PORTD, PD5}, {&DDRD, &PORTD, PD6}, {&DDRB, &PORTB, PB0},
+    {&DDRB, &PORTB, PB1},
 };
+#define RESET_PIN 4 /* D10 */
 
 static void drive(const pin_t* p, bool output, bool high) {
     const uint8_t m = _BV(p->bit);
@@ -85,7 +87,7 @@ void led_set(uint8_t state, bool sck_in_use) {
 
 void reset_pulse(int16_t ms) {
     if (ms == 0) return;
-    const pin_t* reset = &pins[0];
+    const pin_t* reset = &pins[RESET_PIN];
     drive(reset, true, ms > 0);
     delay_ms((uint16_t)(ms > 0 ? (int32_t)ms : -(int32_t)ms));
     drive(reset, false, false);

@@ -103,7 +103,7 @@ void TAppData::loadData() {
 }
 
 // Without any programmer types a fresh installation registers the simulator on its default link, so
-// that it talks to the simulator at once.
+// that it talks to the simulator at once, and an Arduino Nano with the Tarvelix firmware.
 void TAppData::loadProgs(TSettings& s) {
     progType.clear();
     progName.clear();
@@ -111,6 +111,8 @@ void TAppData::loadProgs(TSettings& s) {
     if (!s.childGroups().contains("ProgTypeList")) {
         progType.append(CLink::simTypeName, CLink::simTypeFile);
         progName.append(false, CLink::simProgName, CLink::simLinkDefault, CLink::simTypeName);
+        progType.append(CLink::nanoTypeName, CLink::nanoTypeFile);
+        progName.append(false, CLink::nanoProgName, CLink::nanoPortDefault, CLink::nanoTypeName);
         return;
     }
     for (int i = 0;; ++i) {

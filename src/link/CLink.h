@@ -7,4 +7,9 @@ const char* const simLinkDefault = "/tmp/tarvelix-sim";
 const char* const simTypeName = "Simulator";
 const char* const simTypeFile = "sim.cfg";
 const char* const simProgName = "Simulator";
+// Beside it, an Arduino Nano or Uno with the Tarvelix firmware on the usual port of its USB bridge.
+const char* const nanoTypeName = "Arduino Nano";
+const char* const nanoTypeFile = "arduino-nano.cfg";
+const char* const nanoProgName = "Arduino Nano";
+const char* const nanoPortDefault = "/dev/ttyUSB0";
 } // namespace CLink

@@ -123,25 +123,28 @@ private slots:
         TSettings::setFileNameIniOverride(ini);
         TAppData data;
         data.loadData();
-        QCOMPARE(data.progType.count(), 1);
+        QCOMPARE(data.progType.count(), 2);
         QCOMPARE(data.progType.getFile("Simulator"), QString("sim.cfg"));
-        QCOMPARE(data.progName.getNameList(), QStringList{"Simulator"});
+        QCOMPARE(data.progType.getFile("Arduino Nano"), QString("arduino-nano.cfg"));
+        QCOMPARE(data.progName.getNameList(), (QStringList{"Simulator", "Arduino Nano"}));
         QCOMPARE(data.progName.getData("Simulator").port, QString("/tmp/tarvelix-sim"));
+        QCOMPARE(data.progName.getData("Arduino Nano").type, QString("Arduino Nano"));
+        QVERIFY(QFile::exists(TARVELIX_DATA_DIR "/progs/" + data.progType.getFile("Arduino Nano")));
         data.progName.append(true, "Bench", "/dev/ttyUSB0", "Simulator");
-        data.progDefault = 1;
+        data.progDefault = 2;
         data.saveData();
         {
             TSettings s(ini);
-            QCOMPARE(s.value("/ProgNameList/Name1").toStringList(),
+            QCOMPARE(s.value("/ProgNameList/Name2").toStringList(),
                      (QStringList{"1", "Bench", "/dev/ttyUSB0", "Simulator"}));
             QCOMPARE(s.value("/ProgTypeList/Type0").toStringList(), (QStringList{"Simulator", "sim.cfg"}));
         }
         TAppData again;
         again.loadData();
-        QCOMPARE(again.progName.getNameList(), (QStringList{"Simulator", "Bench"}));
+        QCOMPARE(again.progName.getNameList(), (QStringList{"Simulator", "Arduino Nano", "Bench"}));
         QVERIFY(again.progName.getData("Bench").flag);
         QVERIFY(!again.progName.getDataFromIndex(0).flag);
-        QCOMPARE(again.progDefault, 1);
+        QCOMPARE(again.progDefault, 2);
         // A shorter list replaces the stored one whole.
         again.progName.clear();
         again.progName.append(false, "Only", "/dev/ttyS0", "Simulator");
