@@ -36,9 +36,13 @@ static bool twi_send(uint8_t b, uint8_t ack_status) {
     return twi_go(0) && TW_STATUS == ack_status;
 }
 
+/* simavr 1.6 reports the acknowledged address of a write as an acknowledged data byte; on the part
+ * that status cannot follow a start, so taking it as well changes nothing there. */
 static bool twi_select(uint8_t select) {
-    const bool read = select & 1;
-    return twi_start() && twi_send(select, read ? TW_MR_SLA_ACK : TW_MT_SLA_ACK);
+    if (!twi_start()) return false;
+    if (select & 1) return twi_send(select, TW_MR_SLA_ACK);
+    TWDR = select;
+    return twi_go(0) && (TW_STATUS == TW_MT_SLA_ACK || TW_STATUS == TW_MT_DATA_ACK);
 }
 
 static bool acknowledges(void) {

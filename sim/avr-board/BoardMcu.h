@@ -24,6 +24,7 @@ public:
 
 private:
     bool idle(const BoardSerial& serial) const;
+    void clearTwiFlagOnWrite();
 
     avr_t* core = nullptr;
 };
