@@ -25,8 +25,8 @@
 #define ENABLE_TRIES 8
 #define RESET_SETTLE_MS 20
 #define POLL_TIMEOUT_MS 100
-#define FLASH_WRITE_MS 5    /* a page of 0xFF bytes cannot be polled by its data */
-#define EEPROM_WRITE_MS 10  /* nor can an EEPROM byte 0xFF */
+#define FLASH_WRITE_MS 5   /* a page of 0xFF bytes cannot be polled by its data */
+#define EEPROM_WRITE_MS 10 /* nor can an EEPROM byte 0xFF */
 #define PAGE_POLL_TIMEOUT_MS 50
 
 static uint8_t reset_active_high;

@@ -8,11 +8,11 @@
 #include <util/delay.h>
 
 #define MW_START 1
-#define MW_OP_READ 2 /* 10 */
+#define MW_OP_READ 2    /* 10 */
 #define MW_OP_SPECIAL 0 /* 00: the upper address bits choose EWEN, ERAL, EWDS */
-#define MW_EWEN 3 /* 11 */
-#define MW_ERAL 2 /* 10 */
-#define MW_EWDS 0 /* 00 */
+#define MW_EWEN 3       /* 11 */
+#define MW_ERAL 2       /* 10 */
+#define MW_EWDS 0       /* 00 */
 #define MW_MAX_ADDRESS_BITS 16
 #define ERASE_TIMEOUT_MS 50
 

@@ -80,10 +80,12 @@ int BoardAvrTarget::readInstruction(const uint8_t* b) {
     if (b[0] == IFuseLow) return uint8_t(fuse(b[1] == 0x08 ? 2 : 0));
     if (b[0] == IFuseHigh) return uint8_t(b[1] == 0x08 ? fuse(1) : lock());
     if (b[0] == IReadFlashLow || b[0] == IReadFlashHigh) {
-        const unsigned long byte = ((unsigned long)extended << 16 | b[1] << 8 | b[2]) * 2 + (b[0] == IReadFlashHigh);
+        const unsigned long byte =
+            ((unsigned long)extended << 16 | b[1] << 8 | b[2]) * 2 + (b[0] == IReadFlashHigh);
         return busy() || byte >= (unsigned long)flashSize ? 0xFF : uint8_t(memory.at(int(byte)));
     }
-    if (b[0] == IReadEeprom) return busy() ? 0xFF : uint8_t(memory.at(flashSize + (b[1] << 8 | b[2]) % qMax(1, eepromSize)));
+    if (b[0] == IReadEeprom)
+        return busy() ? 0xFF : uint8_t(memory.at(flashSize + (b[1] << 8 | b[2]) % qMax(1, eepromSize)));
     return -1;
 }
 

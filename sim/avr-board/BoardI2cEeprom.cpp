@@ -6,11 +6,12 @@ extern "C" {
 #include <sim_io.h>
 }
 
-BoardI2cEeprom::BoardI2cEeprom(avr_t* avr, const QVariantMap& params, int strappedPins, unsigned long writeCycleUs)
+BoardI2cEeprom::BoardI2cEeprom(avr_t* avr, const QVariantMap& params, int strappedPins,
+                               unsigned long writeCycleUs)
     : BoardChip(avr, params), memory(int(qMax<qint64>(1, params.value("size").toLongLong())), char(0xFF)),
       addrBytes(params.value("addr_size").toInt()), page(qMax(1, params.value("page_size").toInt())),
-      pinMask(params.value("addr_mask").toUInt() & 7), pins(unsigned(strappedPins) & 7), cycleUs(writeCycleUs),
-      toMcu(avr_io_getirq(avr, AVR_IOCTL_TWI_GETIRQ(0), TWI_IRQ_INPUT)) {
+      pinMask(params.value("addr_mask").toUInt() & 7), pins(unsigned(strappedPins) & 7),
+      cycleUs(writeCycleUs), toMcu(avr_io_getirq(avr, AVR_IOCTL_TWI_GETIRQ(0), TWI_IRQ_INPUT)) {
     avr_irq_register_notify(avr_io_getirq(avr, AVR_IOCTL_TWI_GETIRQ(0), TWI_IRQ_OUTPUT), onMessage, this);
 }
 

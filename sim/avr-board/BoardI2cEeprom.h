@@ -27,7 +27,7 @@ private:
     avr_irq_t* toMcu;
     unsigned long long busyUntil = 0;
     bool selected = false, reading = false, written = false;
-    int index = 0;     // bytes of this write after the select byte
-    qint64 block = 0;  // the address bits carried by the select byte
+    int index = 0;    // bytes of this write after the select byte
+    qint64 block = 0; // the address bits carried by the select byte
     qint64 pointer = 0;
 };

@@ -49,7 +49,8 @@ bool BoardMcu::load(const QString& elfFile, QString& error) {
 // for.
 void BoardMcu::clearTwiFlagOnWrite() {
     for (avr_io_t* io = core->io_port; io; io = io->next)
-        if (io->kind && std::strcmp(io->kind, "twi") == 0) reinterpret_cast<avr_twi_t*>(io)->twi.raise_sticky = 0;
+        if (io->kind && std::strcmp(io->kind, "twi") == 0)
+            reinterpret_cast<avr_twi_t*>(io)->twi.raise_sticky = 0;
 }
 
 bool BoardMcu::idle(const BoardSerial& serial) const {

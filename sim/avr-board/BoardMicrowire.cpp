@@ -18,7 +18,8 @@ constexpr unsigned long CycleUs = 6000;
 
 BoardMicrowire::BoardMicrowire(avr_t* avr, const QVariantMap& params)
     : BoardChip(avr, params), memory(int(qMax<qint64>(1, params.value("size").toLongLong())), char(0xFF)),
-      addrBits(params.value("width_addr").toInt()), dataBits(params.value("width_data").toInt() == 16 ? 16 : 8),
+      addrBits(params.value("width_addr").toInt()),
+      dataBits(params.value("width_data").toInt() == 16 ? 16 : 8),
       doIrq(avr_io_getirq(avr, AVR_IOCTL_IOPORT_GETIRQ('C'), 2)) {
     avr_irq_register_notify(avr_io_getirq(avr, AVR_IOCTL_IOPORT_GETIRQ('D'), 4), onCs, this);
     avr_irq_register_notify(avr_io_getirq(avr, AVR_IOCTL_IOPORT_GETIRQ('D'), 5), onSk, this);

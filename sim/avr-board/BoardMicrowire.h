@@ -33,10 +33,10 @@ private:
     avr_irq_t* doIrq;
     bool cs = false, sk = false, di = false;
     bool enabled = false, busy = false;
-    int bits = 0;         // bits after the start bit
+    int bits = 0; // bits after the start bit
     unsigned long shift = 0;
     int opcode = -1, address = 0;
-    int pendingOp = -1;   // an erase or write that starts when CS goes low
+    int pendingOp = -1; // an erase or write that starts when CS goes low
     int pendingData = 0;
-    int readBit = -1;     // the next bit of a read to put on DO
+    int readBit = -1; // the next bit of a read to put on DO
 };

@@ -127,14 +127,17 @@ void BoardSpiFlash::finish() {
     const qint64 a = address();
     if (op == OpPageProgram && command.size() > 4) {
         if (!isProtected(a / pageSize * pageSize, pageSize))
-            program(flash, a % flash.size() / pageSize * pageSize, pageSize, a % flash.size(), command.mid(4));
+            program(flash, a % flash.size() / pageSize * pageSize, pageSize, a % flash.size(),
+                    command.mid(4));
         busyUntil = now() + cyclesOfUs(PageProgramUs);
     } else if ((op == chipErase || op == OpChipErase60 || op == OpChipEraseC7) && command.size() == 1) {
         erase(0, flash.size(), flash.size() / 4096 * Erase4KMs / 8);
     } else if (blockErase.contains(op) && command.size() == 4) {
         const qint64 size = blockErase.value(op);
         erase(a % flash.size() / size * size, size,
-              size <= 4096 ? Erase4KMs : size <= 32768 ? Erase32KMs : Erase64KMs);
+              size <= 4096    ? Erase4KMs
+              : size <= 32768 ? Erase32KMs
+                              : Erase64KMs);
     } else if (op == OpWriteStatus1 && command.size() >= 2) {
         writeStatus(0, uint8_t(command.at(1)));
         if (command.size() >= 3) writeStatus(1, uint8_t(command.at(2)));

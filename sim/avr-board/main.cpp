@@ -63,7 +63,8 @@ int main(int argc, char* argv[]) {
     const pid_t parent = getppid();
     QCoreApplication app(argc, argv);
     QCommandLineParser args;
-    args.setApplicationDescription("An Arduino Nano with the Tarvelix firmware, simulated, on a pseudo-terminal.");
+    args.setApplicationDescription(
+        "An Arduino Nano with the Tarvelix firmware, simulated, on a pseudo-terminal.");
     args.addHelpOption();
     args.addOptions({
         {"link", "Symbolic link to the terminal.", "PATH", "/tmp/tarvelix-board"},
@@ -87,9 +88,11 @@ int main(int argc, char* argv[]) {
     if (!error.isEmpty()) return fail(error);
     if (chip && !chip->loadImage(args.value("image"), error)) return fail(error);
     SimTrace trace;
-    if (args.isSet("trace") && !trace.open(args.value("trace"))) return fail("cannot write " + args.value("trace"));
+    if (args.isSet("trace") && !trace.open(args.value("trace")))
+        return fail("cannot write " + args.value("trace"));
     if (!installSignals()) return fail("cannot install the signal handlers");
-    if (args.isSet("exit-with-parent") && (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || getppid() != parent)) return 0;
+    if (args.isSet("exit-with-parent") && (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || getppid() != parent))
+        return 0;
     SimPty pty;
     if (!pty.open(args.value("link"), error)) return fail(error);
     QTextStream(stdout) << args.value("link") << "\n" << Qt::flush;
@@ -98,7 +101,8 @@ int main(int argc, char* argv[]) {
     const BoardMcu::End end = mcu.run(serial, pty.master(), stopPipe[0]);
     pty.close();
     if (chip && !chip->saveImage(args.value("image"), error)) return fail(error);
-    QTextStream(stdout) << QStringLiteral("simulated %1 s\n").arg(mcu.simulatedSeconds(), 0, 'f', 3) << Qt::flush;
+    QTextStream(stdout) << QStringLiteral("simulated %1 s\n").arg(mcu.simulatedSeconds(), 0, 'f', 3)
+                        << Qt::flush;
     if (end == BoardMcu::End::Crashed) return fail("the firmware stopped");
     return end == BoardMcu::End::Failed ? fail("the pseudo-terminal failed") : 0;
 }

@@ -47,8 +47,8 @@ struct BoardRun {
             f.write(chip.image);
         }
         BoardRun r;
-        if (!sim.start(QStringList{"--chip", chip.name, "--devices", chip.devices, "--trace", sim.path("trace"),
-                                   "--image", image} +
+        if (!sim.start(QStringList{"--chip", chip.name, "--devices", chip.devices, "--trace",
+                                   sim.path("trace"), "--image", image} +
                        chip.options + extra)) {
             r.output = sim.errorOutput();
             return r;

@@ -20,7 +20,10 @@ class TestBoardProtocol : public QObject {
 
     static QByteArray frame(unsigned char cmd, const QByteArray& payload) {
         QByteArray f;
-        f.append(char(0xC0)).append(char(cmd)).append(char(payload.size() & 0xFF)).append(char(payload.size() >> 8));
+        f.append(char(0xC0))
+            .append(char(cmd))
+            .append(char(payload.size() & 0xFF))
+            .append(char(payload.size() >> 8));
         f += payload;
         return f.append(char(TSerialPort::getCRC(f, static_cast<unsigned short>(f.size()))));
     }
@@ -49,7 +52,8 @@ class TestBoardProtocol : public QObject {
                 if (n > 0) in.append(buf, int(n));
             }
             const int s = in.indexOf(char(0xC0));
-            if (s >= 0 && in.size() >= s + 4 && in.size() >= s + 5 + (uchar(in.at(s + 2)) | uchar(in.at(s + 3)) << 8))
+            if (s >= 0 && in.size() >= s + 4 &&
+                in.size() >= s + 5 + (uchar(in.at(s + 2)) | uchar(in.at(s + 3)) << 8))
                 break;
         }
         return in;
@@ -81,7 +85,7 @@ private slots:
         // Noise ahead of the start byte is skipped, as the host does with replies.
         QCOMPARE(exchange(QByteArray::fromHex("0055AA") + frame(0x83, QByteArray(1, 1))), frame(0x83, {}));
         QCOMPARE(exchange(frame(0x86, QByteArray::fromHex("F6FF"))), frame(0x86, {})); // -10 ms
-        QCOMPARE(exchange(frame(0x88, QByteArray::fromHex("0104050302"))), error(3)); // no pull-downs
+        QCOMPARE(exchange(frame(0x88, QByteArray::fromHex("0104050302"))), error(3));  // no pull-downs
         QCOMPARE(exchange(frame(0x88, QByteArray::fromHex("01040503"))), frame(0x88, {}));
         QCOMPARE(exchange(frame(0x85, {})), frame(0x85, {}));
     }

@@ -17,7 +17,8 @@ class TestBoardRuns : public QObject {
     }
     static QString setDevice(const QString& file, const QString& more = QString()) {
         const QString name = file.section('/', 1);
-        return cmd("set_device", QStringLiteral(R"("device": "%1", "file": "%2.dev"%3)").arg(name, file, more));
+        return cmd("set_device",
+                   QStringLiteral(R"("device": "%1", "file": "%2.dev"%3)").arg(name, file, more));
     }
     QString fileCmd(const QString& code, const QString& file, qint64 addr, qint64 count) const {
         return cmd(code, QStringLiteral(R"("file": "%1", "format": "bin", "addr_file": "0", )"
@@ -46,7 +47,8 @@ class TestBoardRuns : public QObject {
 
     // Runs on both and checks that they agree; returns the board's run.
     static BoardRun both(const ChipSetup& chip, const QStringList& cmds) {
-        const BoardRun sim = BoardRun::on(SimFixture::program(), {"--interface", BoardRun::nanoInterface}, chip, cmds);
+        const BoardRun sim =
+            BoardRun::on(SimFixture::program(), {"--interface", BoardRun::nanoInterface}, chip, cmds);
         const BoardRun nano = BoardRun::on(BoardRun::board(), {}, chip, cmds);
         [&] {
             QVERIFY2(sim.status == 0, qPrintable(sim.output));
@@ -71,9 +73,10 @@ private slots:
                                        cmd("erase_blocks", R"("size": "4096", "begin": "0", "count": "1")"),
                                        fileCmd("file_write", "spi.bin", 100, 3000),
                                        fileCmd("file_verify", "spi.bin", 100, 3000), cmd("status_reg_read"),
-                                       cmd("unique_id_read"), cmd("sfdp_reg_read", R"("file": ")" + dir.filePath("sfdp.bin") +
-                                                                       R"(", "format": "bin", "addr_file": "0", )"
-                                                                       R"("addr_device": "0", "count": "256")")});
+                                       cmd("unique_id_read"),
+                                       cmd("sfdp_reg_read", R"("file": ")" + dir.filePath("sfdp.bin") +
+                                                                R"(", "format": "bin", "addr_file": "0", )"
+                                                                R"("addr_device": "0", "count": "256")")});
         QCOMPARE(r.image.mid(100, 3000), data);
         QCOMPARE(r.image.left(100), QByteArray(100, char(0xFF)));
         QCOMPARE(r.image.mid(4096, 100), pattern(1 << 20, 1).mid(4096, 100));
@@ -87,10 +90,10 @@ private slots:
         chip.options = QStringList{"--pins", "2"};
         const QByteArray data = pattern(300, 9);
         writeFile("i2c.bin", data);
-        const BoardRun r =
-            both(chip, {setDevice("i2c/24C04", R"(, "addr": "2")"), cmd("erase"), cmd("test_empty"),
-                        fileCmd("file_write", "i2c.bin", 200, 300), fileCmd("file_verify", "i2c.bin", 200, 300),
-                        cmd("data_write", R"("addr_device": "14", "data": "A1 B2 C3 D4")")});
+        const BoardRun r = both(chip, {setDevice("i2c/24C04", R"(, "addr": "2")"), cmd("erase"),
+                                       cmd("test_empty"), fileCmd("file_write", "i2c.bin", 200, 300),
+                                       fileCmd("file_verify", "i2c.bin", 200, 300),
+                                       cmd("data_write", R"("addr_device": "14", "data": "A1 B2 C3 D4")")});
         QByteArray expected(512, char(0xFF));
         expected.replace(200, 300, data);
         expected.replace(14, 4, QByteArray::fromHex("A1B2C3D4"));
@@ -104,15 +107,16 @@ private slots:
         const QByteArray flash = pattern(700, 5), eeprom = QByteArray::fromHex("0102FF7F");
         writeFile("avr.bin", flash);
         const QString flashFile =
-            QStringLiteral(R"("file": "%1", "format": "bin", "addr_file": "0", "addr_device": "0", "count": "700")")
+            QStringLiteral(
+                R"("file": "%1", "format": "bin", "addr_file": "0", "addr_device": "0", "count": "700")")
                 .arg(dir.filePath("avr.bin"));
-        const BoardRun r = both(
-            chip, {setDevice("avr/ATtiny13"), cmd("ident"), cmd("erase"), cmd("flash_file_write", flashFile),
-                   cmd("flash_file_verify", flashFile),
-                   cmd("eeprom_data_write", R"("addr_device": "3", "data": "01 02 FF 7F")"),
-                   cmd("eeprom_data_verify", R"("addr_device": "3", "data": "01 02 FF 7F")"),
-                   cmd("fuse_write", R"("data": "7AFB")"), cmd("fuse_verify", R"("data": "7AFB")"),
-                   cmd("lock_read"), cmd("osccal_read")});
+        const BoardRun r =
+            both(chip, {setDevice("avr/ATtiny13"), cmd("ident"), cmd("erase"),
+                        cmd("flash_file_write", flashFile), cmd("flash_file_verify", flashFile),
+                        cmd("eeprom_data_write", R"("addr_device": "3", "data": "01 02 FF 7F")"),
+                        cmd("eeprom_data_verify", R"("addr_device": "3", "data": "01 02 FF 7F")"),
+                        cmd("fuse_write", R"("data": "7AFB")"), cmd("fuse_verify", R"("data": "7AFB")"),
+                        cmd("lock_read"), cmd("osccal_read")});
         QCOMPARE(r.image.left(700), flash);
         QCOMPARE(r.image.mid(700, 324), QByteArray(324, char(0xFF)));
         QCOMPARE(r.image.mid(1024 + 3, 4), eeprom);
@@ -123,12 +127,17 @@ private slots:
     void microwire() {
         const QString devices = dir.filePath("mw");
         const TData record = ChipKit::writeChip(devices, "93C46",
-                                                {{"gui_type", "Dev93"}, {"prg_section", "MW"}, {"addr_begin", 0},
-                                                 {"size", 128}, {"page_size", 1}, {"width_addr", 7},
+                                                {{"gui_type", "Dev93"},
+                                                 {"prg_section", "MW"},
+                                                 {"addr_begin", 0},
+                                                 {"size", 128},
+                                                 {"page_size", 1},
+                                                 {"width_addr", 7},
                                                  {"width_data", 8}});
         ChipKit::useFamily({{"93C46", record}}, &TDev93C::Instance);
         ChipSetup chip{"93C46", devices, QByteArray(128, 0x11)};
-        const BoardRun r = both(chip, {cmd("set_device", R"("device": "93C46", "file": "93c46.cfg")"), cmd("erase")});
+        const BoardRun r =
+            both(chip, {cmd("set_device", R"("device": "93C46", "file": "93c46.cfg")"), cmd("erase")});
         QCOMPARE(r.image, QByteArray(128, char(0xFF)));
         ProjectData.setDeviceFactory(nullptr);
     }
