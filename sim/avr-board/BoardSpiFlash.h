@@ -1,39 +1,33 @@
 #pragma once
 
 #include "BoardSpiChip.h"
+#include "SimChipSpiFlash.h"
 
-#include <QHash>
-
-// A 25-series flash as its pins see it: an opcode after chip select, address and dummy bytes, data in or
-// out; writes need the write-enable latch and take their program and erase times, during which the
-// status register shows BUSY.
+// A 25-series flash on the board's SPI pins. The bytes between chip select and its release make one
+// transaction, answered byte by byte; the memory, registers and opcodes are the simulator's model of the
+// part. What only the pins show is added here: the write-enable latch that every write needs and
+// clears, and the program and erase times during which the status register shows BUSY and the part
+// ignores everything but a status read.
 class BoardSpiFlash : public BoardSpiChip {
 public:
     BoardSpiFlash(avr_t* avr, const QVariantMap& params, const QString& name);
-    QByteArray& contents() override { return flash; }
+    QByteArray& contents() override { return *part.contents(); }
 
 protected:
     uint8_t transfer(uint8_t mosi) override;
     void selectLine(bool high) override;
 
 private:
-    uint8_t readByte(int index);
+    uint8_t answer(int dataIndex);
     void finish();
-    void program(QByteArray& target, qint64 base, int span, qint64 addr, const QByteArray& data);
-    void erase(qint64 begin, qint64 size, unsigned long ms);
-    bool isProtected(qint64 begin, qint64 size) const;
-    int securityRegister(qint64 addr) const;
-    void writeStatus(int reg, uint8_t value);
+    unsigned long writeTimeUs(uint8_t op) const;
     bool busy() const { return now() < busyUntil; }
-    qint64 address() const;
 
-    QByteArray flash, security, jedec, sfdp, uniqueId;
-    int pageSize;
-    uint8_t chipErase = 0xC7;
-    QHash<uint8_t, qint64> blockErase;
-    uint8_t status[3] = {0, 0, 0};
-    bool writeEnabled = false;
+    SimChipSpiFlash part;
+    uint8_t chipEraseOp;
+    unsigned long chipEraseUs;
+    bool selected = false, writeEnabled = false;
     unsigned long long busyUntil = 0;
-    bool selected = false;
     QByteArray command; // the bytes since chip select
+    QByteArray ahead;   // what the part drives for the data bytes of a read
 };

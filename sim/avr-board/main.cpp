@@ -9,34 +9,18 @@
 #include "BoardSpiFlash.h"
 #include "SimDeviceReader.h"
 #include "SimPty.h"
+#include "SimStopSignal.h"
 #include "SimTrace.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QTextStream>
 
-#include <csignal>
-#include <fcntl.h>
 #include <memory>
 #include <sys/prctl.h>
 #include <unistd.h>
 
 namespace {
-int stopPipe[2] = {-1, -1};
-
-void onSignal(int) {
-    const char c = 's';
-    (void)!write(stopPipe[1], &c, 1);
-}
-
-bool installSignals() {
-    if (pipe2(stopPipe, O_CLOEXEC) != 0) return false;
-    struct sigaction sa {};
-    sa.sa_handler = onSignal;
-    sigemptyset(&sa.sa_mask);
-    return sigaction(SIGINT, &sa, nullptr) == 0 && sigaction(SIGTERM, &sa, nullptr) == 0;
-}
-
 int fail(const QString& text) {
     QTextStream(stderr) << "tarvelix-avr-board: " << text << "\n";
     return 2;
@@ -90,7 +74,7 @@ int main(int argc, char* argv[]) {
     SimTrace trace;
     if (args.isSet("trace") && !trace.open(args.value("trace")))
         return fail("cannot write " + args.value("trace"));
-    if (!installSignals()) return fail("cannot install the signal handlers");
+    if (!SimStopSignal::install()) return fail("cannot install the signal handlers");
     if (args.isSet("exit-with-parent") && (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || getppid() != parent))
         return 0;
     SimPty pty;
@@ -98,7 +82,7 @@ int main(int argc, char* argv[]) {
     QTextStream(stdout) << args.value("link") << "\n" << Qt::flush;
 
     BoardSerial serial(mcu.avr(), pty.master(), trace);
-    const BoardMcu::End end = mcu.run(serial, pty.master(), stopPipe[0]);
+    const BoardMcu::End end = mcu.run(serial, pty.master(), SimStopSignal::readFd());
     pty.close();
     if (chip && !chip->saveImage(args.value("image"), error)) return fail(error);
     QTextStream(stdout) << QStringLiteral("simulated %1 s\n").arg(mcu.simulatedSeconds(), 0, 'f', 3)

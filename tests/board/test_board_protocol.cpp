@@ -1,6 +1,5 @@
 #include "BoardRun.h"
-
-#include "link/TSerialPort.h"
+#include "eeprom/ChipKit.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -19,13 +18,7 @@ class TestBoardProtocol : public QObject {
     int fd = -1;
 
     static QByteArray frame(unsigned char cmd, const QByteArray& payload) {
-        QByteArray f;
-        f.append(char(0xC0))
-            .append(char(cmd))
-            .append(char(payload.size() & 0xFF))
-            .append(char(payload.size() >> 8));
-        f += payload;
-        return f.append(char(TSerialPort::getCRC(f, static_cast<unsigned short>(f.size()))));
+        return QByteArray::fromHex(ChipKit::frame(cmd, payload).toLatin1());
     }
     static QByteArray error(unsigned short code) {
         return frame(0xFF, QByteArray(1, char(code)).append(char(code >> 8)));
