@@ -64,6 +64,7 @@ static int8_t select_eeprom(const uint8_t* p, uint16_t len) {
     write_delay_ms = p[8];
     DDRC |= _BV(I2C_WP_BIT);
     PORTC &= (uint8_t)~_BV(I2C_WP_BIT);
+    PORTC |= _BV(PC4) | _BV(PC5); /* the internal pull-ups, for short wires without resistors */
     set_clock(le32(p + 4));
     TWCR = _BV(TWEN);
     return 0;

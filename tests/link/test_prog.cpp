@@ -118,6 +118,21 @@ private slots:
                  (QStringList{"SDA - P1", "SCL - P2", "WP - P3", "P4", "P5", "P6"}));
     }
 
+    // The order of the [Pins] names is the order of the pin states the application sends; the Nano's
+    // firmware keeps its pin table in that order (firmware/pins.c).
+    void nanoDescription() {
+        TProg prog(TARVELIX_DATA_DIR "/progs/arduino-nano.cfg");
+        QCOMPARE(prog.getInterface(), 0x0A10);
+        QCOMPARE(prog.getPinsType(), QString("-IhLHoOZ"));
+        QCOMPARE(prog.getPinsConnect("SPI", 0),
+                 (QStringList{"A2", "A3", "A4", "A5", "D10 - CS", "D11 - MOSI", "D12 - MISO", "D13 - SCK",
+                              "D4", "D5", "D6", "D8 - HOLD", "D9 - WP"}));
+        QCOMPARE(prog.getPinsConnect("MW", 1),
+                 (QStringList{"DO - A2", "A3", "A4", "A5", "D10", "D11", "D12", "D13", "CS - D4", "SK - D5",
+                              "DI - D6", "D8", "D9"}));
+        QVERIFY(prog.supportCmd("fuse_write") && !prog.supportCmd("set_vcc") && !prog.supportCmd("gen"));
+    }
+
     void registriesInTheSettings() {
         const QString ini = dir.filePath("app.ini");
         TSettings::setFileNameIniOverride(ini);
