@@ -16,6 +16,7 @@
 #include <QCoreApplication>
 #include <QTextStream>
 
+#include <csignal>
 #include <memory>
 #include <sys/prctl.h>
 #include <unistd.h>
