@@ -1,16 +1,14 @@
 #include "BoardMcu.h"
 
 #include "BoardSerial.h"
+#include "BoardSimavrFixes.h"
 
 extern "C" {
-#include <avr_twi.h>
 #include <sim_avr.h>
 #include <sim_elf.h>
-#include <sim_io.h>
 }
 
 #include <cstdlib>
-#include <cstring>
 #include <poll.h>
 
 namespace {
@@ -40,17 +38,11 @@ bool BoardMcu::load(const QString& elfFile, QString& error) {
     core->log = LOG_ERROR;
     avr_load_firmware(core, &fw);
     core->frequency = ClockHz;
-    clearTwiFlagOnWrite();
+    if (!BoardSimavrFixes::install(core)) {
+        error = QStringLiteral("simavr's ATmega328P lacks its SPI, TWI or USART");
+        return false;
+    }
     return true;
-}
-
-// simavr 1.6 keeps the TWI's TWINT flag set when the firmware writes a one to it, as if it were an
-// interrupt flag that only its handler clears; the part clears it, which is what a polling driver waits
-// for.
-void BoardMcu::clearTwiFlagOnWrite() {
-    for (avr_io_t* io = core->io_port; io; io = io->next)
-        if (io->kind && std::strcmp(io->kind, "twi") == 0)
-            reinterpret_cast<avr_twi_t*>(io)->twi.raise_sticky = 0;
 }
 
 bool BoardMcu::idle(const BoardSerial& serial) const {

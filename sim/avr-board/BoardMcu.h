@@ -24,7 +24,6 @@ public:
 
 private:
     bool idle(const BoardSerial& serial) const;
-    void clearTwiFlagOnWrite();
 
     avr_t* core = nullptr;
 };

@@ -5,7 +5,6 @@
 #include "BoardMcu.h"
 #include "BoardMicrowire.h"
 #include "BoardSerial.h"
-#include "BoardSpiClock.h"
 #include "BoardSpiFlash.h"
 #include "SimDeviceReader.h"
 #include "SimPty.h"
@@ -68,7 +67,6 @@ int main(int argc, char* argv[]) {
     BoardMcu mcu;
     QString error;
     if (!mcu.load(args.value("firmware"), error)) return fail(error);
-    if (!BoardSpiClock::install(mcu.avr())) return fail("simavr's ATmega328P has no SPI port");
     std::unique_ptr<BoardChip> chip = makeChip(mcu.avr(), args, error);
     if (!error.isEmpty()) return fail(error);
     if (chip && !chip->loadImage(args.value("image"), error)) return fail(error);
