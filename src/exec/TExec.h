@@ -19,6 +19,9 @@ public:
     ~TExec() override;
 
     int getIdCfg() const { return idCfg; }
+    // Whether the run ended well because the user stopped it (final message 390). Read once the
+    // worker's thread has ended.
+    bool endedByStop() const { return stoppedEnd; }
 
 public slots:
     void slotStart();
@@ -50,4 +53,5 @@ private:
 
     const int idCfg;
     std::atomic<bool> stop{false};
+    bool stoppedEnd = false;
 };
