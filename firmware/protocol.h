@@ -1,5 +1,5 @@
-/* Numbers of the programmer protocol: frame layout, command bytes, error codes
- * (docs/programmer-errors.md). */
+/* Numbers of the programmer protocol (docs/protocol.md): frame layout, command bytes, error codes. The
+ * firmware keeps its own copy, as the simulator does. */
 #ifndef PROTOCOL_H
 #define PROTOCOL_H
 
