@@ -6,11 +6,8 @@
 #include "formats/ICRC.h"
 #include "formats/TCRC.h"
 #include "formats/TFormat.h"
-<<<<<<< HEAD
 #include "link/CProtocol.h"
-=======
 #include "link/TPortLock.h"
->>>>>>> runs
 #include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "misc/dev_misc.h"
