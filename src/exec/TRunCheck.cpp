@@ -9,6 +9,7 @@
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
@@ -59,8 +60,11 @@ bool TRunCheck::readsFile(const TData& data, FileUse& use) {
     use.format = data.value(format).toString().toLower();
     use.addrFile = use.addrDevice = data.value(addr).toLongLong();
     // A count of 0 sums the file from addr to its end.
+    // A hostile project may give values near the limits: the end saturates instead of wrapping.
     const qint64 n = data.value(count).toLongLong();
-    use.last = n > 0 ? use.addrDevice + n - 1 : std::numeric_limits<qint32>::max() + use.addrDevice;
+    const qint64 span = n > 0 ? n - 1 : std::numeric_limits<qint32>::max();
+    const qint64 top = std::numeric_limits<qint64>::max();
+    use.last = use.addrDevice > top - span ? top : use.addrDevice + span;
     return true;
 }
 
@@ -112,11 +116,12 @@ TRunCheck::Item TRunCheck::describe(TDataCmd* cmd, int pos, int cfg) const {
     item.idCmd = cmd->getUIN();
     item.where = Lang.get(text_where).arg(pos + 1).arg(name, ProjectData.getNameCfgFromIdCfg(cfg));
     if (!group || !cmd->getValidDev()) {
-        item.invalid = Lang.get(387).arg(name);
+        item.invalid = TCmdProblem::get(name, data, group);
     } else if (!cmd->getValidParam()) {
-        const QString key = wrongParam(group, data);
-        item.invalid =
-            Lang.get(388).arg(name) + (key.isEmpty() ? QString() : Lang.get(text_bad_param).arg(key));
+        // A value the project file cannot hold names its own key; otherwise find the wrong parameter.
+        item.invalid = TCmdProblem::get(name, data, group);
+        const QString key = item.invalid == Lang.get(388).arg(name) ? wrongParam(group, data) : QString();
+        if (!key.isEmpty()) item.invalid += Lang.get(text_bad_param).arg(key);
     }
     item.readsFile = readsFile(data, item.use);
     return item;
