@@ -99,6 +99,7 @@ void TAppData::loadData() {
     confirmQuit = s.value("/Confirmation/Quit", true).toBool();
     confirmSavePrj = s.value("/Confirmation/SavePrj", true).toBool();
     confirmProcess = s.value("/Confirmation/Process", true).toBool();
+    checkBeforeRun = s.value("/Main/CheckBeforeRun", true).toBool();
     loadProgs(s);
 }
 
@@ -173,6 +174,7 @@ void TAppData::saveData() const {
     s.setValue("/Confirmation/Quit", confirmQuit);
     s.setValue("/Confirmation/SavePrj", confirmSavePrj);
     s.setValue("/Confirmation/Process", confirmProcess);
+    s.setValue("/Main/CheckBeforeRun", checkBeforeRun);
     saveProgs(s);
     s.sync();
 }

@@ -7,6 +7,7 @@
 #include "formats/TCRC.h"
 #include "formats/TFormat.h"
 #include "link/CProtocol.h"
+#include "link/TPortLock.h"
 #include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "misc/dev_misc.h"
@@ -26,6 +27,11 @@
 #include <memory>
 
 std::atomic<bool> TDevToolsExec::processAllowed{true};
+
+namespace {
+// How often a run waiting for a port held by another run looks again.
+const unsigned long portPollMs = 10;
+} // namespace
 
 void TDevToolsExec::setProcessAllowed(bool allowed) {
     processAllowed = allowed;
@@ -240,6 +246,23 @@ bool TDevToolsExec::execCalcCRC() {
     return true;
 }
 
+// Runs that share a programmer take turns: a port another run holds is waited for, saying so once, until
+// it is free or the user stops this run.
+bool TDevToolsExec::waitForPort(TSerialPort& port, const QString& portName) {
+    const QString me = ProjectData.getNameCfgFromIdCfg(TAPP_PARAM(param, CTagCmd::id_cfg).toInt());
+    port.setOwnerName(me);
+    QString heldBy;
+    bool told = false;
+    while (!TPortLock::claim(portName, &port, me, &heldBy)) {
+        if (!told) emit signalEventText(ExecMessage, Lang.get(1302).arg(portName, heldBy), QString());
+        told = true;
+        QCoreApplication::processEvents();
+        if (isStop()) return false;
+        QThread::msleep(portPollMs);
+    }
+    return true;
+}
+
 bool TDevToolsExec::execSetProg(TSerialPort& port) {
     if (port.isOpen()) port.close();
     TProg* prog = nullptr;
@@ -256,6 +279,7 @@ bool TDevToolsExec::execSetProg(TSerialPort& port) {
     const QString portName = TAPP_PARAM(param, "alt_enabled").toBool()
                                  ? TAPP_PARAM(param, "alt_port").toString()
                                  : AppData.progName.getData(name).port;
+    if (!waitForPort(port, portName)) return false;
     if (!port.open(portName, TSerialPort::OpenMode(QIODevice::ReadWrite))) {
         setErrorText(port.getErrorText());
         return false;

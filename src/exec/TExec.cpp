@@ -1,9 +1,11 @@
 #include "exec/TExec.h"
 
+#include "app/TAppData.h"
 #include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "devices/IDeviceExec.h"
 #include "devices/TDevProgExec.h"
+#include "exec/TRunCheck.h"
 #include "exec/TThreadSync.h"
 #include "link/TSerialPort.h"
 #include "project/CTagCmdCode.h"
@@ -20,7 +22,7 @@ namespace {
 constexpr int LangSilentFailure = 1215;
 } // namespace
 
-TExec::TExec(int id, QObject* parent) : QObject(parent), idCfg(id) {}
+TExec::TExec(int id, QObject* parent) : QObject(parent), idCfg(id), checkBeforeRun(AppData.checkBeforeRun) {}
 
 TExec::~TExec() {
     emit signalDestroy(idCfg);
@@ -83,6 +85,11 @@ bool TExec::leaveProgrammer(TSerialPort& port) {
 bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QString& error) {
     bool finish = false;
     int idCmd = -1, current = idCfg;
+    TRunCheck check(idCfg);
+    if (checkBeforeRun && !check.checkRun()) {
+        error = Lang.get(1017) + QLatin1Char('\n') + check.getErrorText();
+        return false;
+    }
     for (;;) {
         if (finish || stop) return true;
         CmdInfo info;
@@ -110,6 +117,12 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
             error = Lang.get(388).arg(info.name);
             return false;
         }
+        if (checkBeforeRun && !check.checkCommand(info.data)) {
+            error = check.getErrorText();
+            return false;
+        }
+        const QString warning = TRunCheck::getWarning(info.data);
+        if (!warning.isEmpty()) relayEventText(ExecInfo, warning, QString());
         connectExec(exec, code);
         // A stop that came before the executor was connected still reaches it.
         if (stop) exec->slotStop();
@@ -162,7 +175,8 @@ void TExec::slotStart() {
         relayEventText(ExecFailed, error, QString());
     } else {
         if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
-        relayEventText(ExecSuccess, Lang.get(stop ? 390 : 391), QString());
+        stoppedEnd = stop;
+        relayEventText(ExecSuccess, Lang.get(stoppedEnd ? 390 : 391), QString());
     }
     if (port.isOpen()) port.close();
     delete exec;

@@ -2,6 +2,7 @@
 
 #include "app/TLang.h"
 #include "link/CProtocol.h"
+#include "link/TPortLock.h"
 
 #include <cerrno>
 #include <cstring>
@@ -22,6 +23,7 @@ TSerialPort::TSerialPort() : QObject(nullptr), port(new QSerialPort(this)) {
 
 TSerialPort::~TSerialPort() {
     delete port;
+    TPortLock::release(this);
 }
 
 int TSerialPort::LangErrorCode(unsigned int code) {
@@ -145,7 +147,7 @@ QString TSerialPort::getErrorText() const {
     const QString text = port->errorString();
     if (text == "No such file or directory") return Lang.get(393);
     if (port->error() == QSerialPort::PermissionError)
-        return text == "Permission denied" ? Lang.get(430) : Lang.get(432);
+        return text == "Permission denied" ? Lang.get(430) : Lang.get(1304).arg(port->portName());
     return text;
 }
 

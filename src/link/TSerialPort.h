@@ -56,6 +56,8 @@ public:
     void close();
     bool isOpen() const;
     void setPortName(const QString& name);
+    // Who uses the port (a configuration's name), told to a run that finds it taken.
+    void setOwnerName(const QString& name) { ownerName = name; }
     QString getPortName() const;
 
     bool setBaudRate(unsigned int baud);
@@ -112,5 +114,6 @@ private:
     bool timeOutFlag = false;
     bool lineLost = false; // the last exchange saw the line end
     QString errorText;
+    QString ownerName;
     QByteArray txFrame, rxFrame;
 };

@@ -150,6 +150,29 @@ private slots:
         w.closeProject();
     }
 
+    // The programmer check stopped at its pause: the stopped run's tab and status line.
+    void stoppedRun() {
+        SimFixture sim;
+        QVERIFY(sim.start());
+        AppData.progName.clear();
+        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        TMainWindow w;
+        w.resize(1280, 800);
+        w.show();
+        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        const int check = ProjectData.getIdCfgFromNameCfg("Programmer check");
+        QVERIFY(check >= 0);
+        QVERIFY(w.runThread(check));
+        QTRY_VERIFY_WITH_TIMEOUT(w.isPaused(check), 10000);
+        w.stopRun(check);
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
+        QCOMPARE(ProjectData.getCfgStatus(check), CfgStatusStopped);
+        w.cfgTabWidget()->setCurrentWidget(w.cfgView(check));
+        w.cfgView(check)->showLog();
+        save(w, "main_window_stopped", QSize(1280, 800));
+        w.closeProject();
+    }
+
     void settingsPages() {
         TDialogSettings dlg;
         dlg.resize(640, 560);
