@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/TTypes.h"
+#include "devices/TCmdTable.h"
 #include "devices/TMemorySpace.h"
 #include "formats/IFormat.h"
 
@@ -94,6 +95,8 @@ protected:
     bool forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& each);
 
     // ---- the range engine ----
+    // The range command of a row of a family's command table; false for the kinds that are none.
+    static bool rangeCmdOf(const TCmdRow& row, RangeCmd& cmd);
     // One of the commands above over the command's parameters, with its result line.
     bool runRange(const TMemorySpace& space, RangeCmd cmd);
     // Loops over [addr, end] in the space's chunks; a piece written, checked or read goes into report.

@@ -73,6 +73,29 @@ bool IDeviceExec::testEmptyRange(const TMemorySpace& space, qint64 begin, qint64
     return verifyRange(space, begin, end, blank);
 }
 
+bool IDeviceExec::rangeCmdOf(const TCmdRow& row, RangeCmd& cmd) {
+    static const struct {
+        TCmdKind kind;
+        TCmdOp op;
+        RangeCmd cmd;
+    } map[] = {
+        {TCmdKind::Char, TCmdOp::Write, RangeCmd::WriteChar},
+        {TCmdKind::Char, TCmdOp::Verify, RangeCmd::VerifyChar},
+        {TCmdKind::Data, TCmdOp::Write, RangeCmd::WriteData},
+        {TCmdKind::Data, TCmdOp::Verify, RangeCmd::VerifyData},
+        {TCmdKind::Data, TCmdOp::Read, RangeCmd::ReadData},
+        {TCmdKind::File, TCmdOp::Write, RangeCmd::WriteFile},
+        {TCmdKind::File, TCmdOp::Verify, RangeCmd::VerifyFile},
+        {TCmdKind::File, TCmdOp::Read, RangeCmd::ReadFile},
+    };
+    for (const auto& m : map)
+        if (m.kind == row.kind && m.op == row.op) {
+            cmd = m.cmd;
+            return true;
+        }
+    return false;
+}
+
 bool IDeviceExec::runRange(const TMemorySpace& space, RangeCmd cmd) {
     switch (cmd) {
     case RangeCmd::WriteFile:

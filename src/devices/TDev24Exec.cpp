@@ -1,7 +1,9 @@
 #include "devices/TDev24Exec.h"
 
 #include "app/TApp.h"
+#include "devices/TDev24.h"
 #include "devices/TDev24CAlg.h"
+#include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
@@ -11,23 +13,17 @@
 TDev24CExec::TDev24CExec(const TData& p, QObject* parent) : IDeviceExec(p, parent) {}
 
 bool TDev24CExec::execute(TSerialPort& port, bool&, int&, int&) {
+    const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
+    const TCmdRow* row = TCmdTable::find(TDev24::cmdTable(), code);
+    RangeCmd cmd;
+    if (row && rangeCmdOf(*row, cmd)) return range(port, cmd);
     using Op = bool (TDev24CExec::*)(TSerialPort&);
-    static const QHash<QString, Op> ops{
-        {CTagCmdCode::set_addr, &TDev24CExec::setAddress},
-        {CTagCmdCode::set_clk, &TDev24CExec::setCLK},
-        {CTagCmdCode::erase, &TDev24CExec::erase},
-        {CTagCmdCode::test_empty, &TDev24CExec::testEmpty},
-        {CTagCmdCode::char_write, &TDev24CExec::writeChar},
-        {CTagCmdCode::char_verify, &TDev24CExec::verifyChar},
-        {CTagCmdCode::data_read, &TDev24CExec::readData},
-        {CTagCmdCode::data_write, &TDev24CExec::writeData},
-        {CTagCmdCode::data_verify, &TDev24CExec::verifyData},
-        {CTagCmdCode::file_read, &TDev24CExec::readFile},
-        {CTagCmdCode::file_write, &TDev24CExec::writeFile},
-        {CTagCmdCode::file_verify, &TDev24CExec::verifyFile},
+    static const QHash<QString, Op> own{
+        {CTagCmdCode::set_addr, &TDev24CExec::setAddress}, {CTagCmdCode::set_clk, &TDev24CExec::setCLK},
+        {CTagCmdCode::erase, &TDev24CExec::erase},         {CTagCmdCode::test_empty, &TDev24CExec::testEmpty},
         {CTagCmdCode::leave, &TDev24CExec::leave},
     };
-    const Op op = ops.value(TAPP_PARAM(param, CTagCmd::cmd).toString(), nullptr);
+    const Op op = row ? own.value(code, nullptr) : nullptr;
     return op && (this->*op)(port);
 }
 
@@ -62,7 +58,7 @@ TMemorySpace TDev24CExec::memory(TSerialPort& port) {
         return TDev24CAlg::write(TAPP_PARAM(dev, "alg_write").toInt(), port, addr, addrSize, data, err) ||
                failAlg(err, "alg_write");
     };
-    s.readChunk = qMin(maxData, 0xFFFF);
+    s.readChunk = qMin(maxData, CProtocol::MaxPayload);
     s.writeChunk = page;
     s.progress = TMemorySpace::Progress::OnChange;
     return s;

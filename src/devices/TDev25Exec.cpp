@@ -2,6 +2,7 @@
 
 #include "app/TApp.h"
 #include "app/TLang.h"
+#include "devices/TDev25.h"
 #include "devices/TDev25Alg.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
@@ -22,42 +23,34 @@ bool TDev25Exec::execute(TSerialPort& port, bool&, int&, int&) {
     static const struct {
         const char* code;
         Op op;
-    } ops[] = {
+    } own[] = {
         {C::set_clk, &TDev25Exec::setCLK},
         {C::ident, &TDev25Exec::ident},
         {C::erase, &TDev25Exec::erase},
         {C::test_empty, &TDev25Exec::testEmpty},
         {C::erase_blocks, &TDev25Exec::eraseBlocks},
         {C::test_empty_blocks, &TDev25Exec::testEmptyBlocks},
-        {C::char_write, &TDev25Exec::writeChar},
-        {C::char_verify, &TDev25Exec::verifyChar},
-        {C::data_read, &TDev25Exec::readData},
-        {C::data_write, &TDev25Exec::writeData},
-        {C::data_verify, &TDev25Exec::verifyData},
-        {C::file_read, &TDev25Exec::readFile},
-        {C::file_write, &TDev25Exec::writeFile},
-        {C::file_verify, &TDev25Exec::verifyFile},
         {C::status_reg_read, &TDev25Exec::readStatusReg},
         {C::status_reg_write, &TDev25Exec::writeStatusReg},
         {C::status_reg_verify, &TDev25Exec::verifyStatusReg},
         {C::security_reg_erase, &TDev25Exec::eraseSecurityReg},
         {C::security_reg_test_empty, &TDev25Exec::testEmptySecurityReg},
-        {C::security_reg_read, &TDev25Exec::readSecurityReg},
-        {C::security_reg_write, &TDev25Exec::writeSecurityReg},
-        {C::security_reg_verify, &TDev25Exec::verifySecurityReg},
         {C::unique_id_read, &TDev25Exec::readUniqueID},
-        {C::sfdp_reg_read, &TDev25Exec::readSFDPReg},
         {C::leave, &TDev25Exec::leave},
     };
     const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
-    for (const auto& entry : ops)
-        if (code == QLatin1String(entry.code)) {
-            // An operation abandoned on the user's request is no failure of the run: the worker sees its
-            // stop flag next and ends the run as stopped.
-            const bool ok = (this->*entry.op)(port);
-            return ok || isStop();
-        }
-    return false;
+    const TCmdRow* row = TCmdTable::find(TDev25::cmdTable(), code);
+    if (!row) return false;
+    bool ok = false;
+    RangeCmd cmd;
+    if (rangeCmdOf(*row, cmd))
+        ok = range(port, Space(row->space), cmd);
+    else
+        for (const auto& entry : own)
+            if (code == QLatin1String(entry.code)) ok = (this->*entry.op)(port);
+    // An operation abandoned on the user's request is no failure of the run: the worker sees its stop
+    // flag next and ends the run as stopped.
+    return ok || isStop();
 }
 
 // ---- shared steps ----

@@ -2,6 +2,7 @@
 
 #include "app/TApp.h"
 #include "app/TLang.h"
+#include "devices/TDevAVR8_SPI.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
@@ -20,29 +21,13 @@ bool TDevAVR8Exec::execute(TSerialPort& port, bool&, int&, int&) {
     static const struct {
         const char* code;
         bool (TDevAVR8Exec::*op)(TSerialPort&);
-    } ops[] = {
+    } own[] = {
         {C::set_clk, &E::setCLK},
         {C::leave, &E::leave},
         {C::ident, &E::ident},
         {C::erase, &E::erase},
         {C::test_empty_flash, &E::testEmptyFlash},
         {C::test_empty_eeprom, &E::testEmptyEEPROM},
-        {C::flash_char_write, &E::writeFlashChar},
-        {C::flash_char_verify, &E::verifyFlashChar},
-        {C::flash_data_write, &E::writeFlashData},
-        {C::flash_data_verify, &E::verifyFlashData},
-        {C::flash_data_read, &E::readFlashData},
-        {C::eeprom_char_write, &E::writeEepromChar},
-        {C::eeprom_char_verify, &E::verifyEepromChar},
-        {C::eeprom_data_write, &E::writeEepromData},
-        {C::eeprom_data_verify, &E::verifyEepromData},
-        {C::eeprom_data_read, &E::readEepromData},
-        {C::flash_file_read, &E::readFlashFile},
-        {C::flash_file_write, &E::writeFlashFile},
-        {C::flash_file_verify, &E::verifyFlashFile},
-        {C::eeprom_file_read, &E::readEepromFile},
-        {C::eeprom_file_write, &E::writeEepromFile},
-        {C::eeprom_file_verify, &E::verifyEepromFile},
         {C::fuse_read, &E::readFuse},
         {C::fuse_write, &E::writeFuse},
         {C::fuse_verify, &E::verifyFuse},
@@ -52,13 +37,17 @@ bool TDevAVR8Exec::execute(TSerialPort& port, bool&, int&, int&) {
         {C::osccal_read, &E::readOscCal},
     };
     const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
-    for (const auto& entry : ops)
-        if (code == QLatin1String(entry.code)) {
-            // A stop on the user's request is no failure: the worker sees its stop flag and ends as stopped.
-            const bool ok = (this->*entry.op)(port);
-            return ok || isStop();
-        }
-    return false;
+    const TCmdRow* row = TCmdTable::find(TDevAVR8_SPI::cmdTable(), code);
+    if (!row) return false;
+    bool ok = false;
+    RangeCmd cmd;
+    if (rangeCmdOf(*row, cmd))
+        ok = range(port, row->space == 1 ? Space::Eeprom : Space::Flash, cmd);
+    else
+        for (const auto& entry : own)
+            if (code == QLatin1String(entry.code)) ok = (this->*entry.op)(port);
+    // A stop on the user's request is no failure: the worker sees its stop flag and ends as stopped.
+    return ok || isStop();
 }
 
 // ---- shared steps ----

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "devices/IDevice.h"
+#include "devices/TCmdTable.h"
 
 // The editing side of the AVR family (serial programming over SPI): flash and EEPROM spaces, fuse and
 // lock bytes, calibration bytes, and the set-device payload.
@@ -11,6 +12,9 @@ public:
     static IDevice* Instance(const QString& code, const TData& param);
 
     static QStringList getCmdList();
+    // The family's commands in the order offered; the editing side and the executor both follow it.
+    // Memory spaces: 0 flash, 1 EEPROM.
+    static const TCmdRows& cmdTable();
 
     bool supportCmd(const QString& code) const override;
     QStringList getSupportCmdList() const override;
@@ -28,6 +32,7 @@ public:
     IDeviceExec* createExecObject(const TData& param) override;
 
 private:
+    void spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const;
     // The catalogue default of the byte group a command edits (fuses, lock bits, calibration); empty for
     // other commands.
     static QString bytesGroup(const QString& code);
