@@ -18,6 +18,17 @@ class TestContract25 : public FamilyContract {
         s.unknownAlgText = Lang.get(1215).arg("File Write");
         return s;
     }
+
+private slots:
+    // An erase key without its block size erases nothing, and the log names the command that failed.
+    void malformedEraseKeyIsNamed() {
+        QVERIFY(patchDescription("\nerase=s|C7|1048576", "\nerase=s|C7"));
+        const Run r = run({cmd("erase")}, blankImage());
+        devices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.output.contains(Lang.get(1215).arg("Erase")), qPrintable(r.output));
+        QCOMPARE(r.frames.filter(QRegularExpression("^C0 04 ")), QStringList());
+    }
 };
 
 QTEST_GUILESS_MAIN(TestContract25)

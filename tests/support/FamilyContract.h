@@ -118,6 +118,23 @@ protected:
     }
     static QString cmdByte(const QString& frame) { return frame.section(' ', 1, 1); }
 
+    // Runs that follow read a copy of the catalogue holding the space's chip alone, its description with
+    // from changed to to; false when the description has no from.
+    bool patchDescription(const QByteArray& from, const QByteArray& to) {
+        const Space s = space();
+        const QString copy = scratch.filePath("devices");
+        const QString base = QStringLiteral(TARVELIX_DATA_DIR "/devices/");
+        QDir().mkpath(copy + "/" + QFileInfo(s.description).path());
+        QFile::remove(copy + "/types.lst");
+        QFile::copy(base + "types.lst", copy + "/types.lst");
+        writeBytes(copy + "/devices.lst", (s.chip + "=" + s.description + "\n").toUtf8());
+        QByteArray desc = readBytes(base + s.description);
+        if (!desc.contains(from)) return false;
+        writeBytes(copy + "/" + s.description, desc.replace(from, to));
+        devices = copy;
+        return true;
+    }
+
     // The folder the application and the simulator read the catalogue from; a test may swap in a copy.
     QString devices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
     QTemporaryDir scratch;
@@ -229,15 +246,7 @@ private slots:
     // failure says why.
     void unknownAlgorithmSendsNothingAndSaysWhy() {
         const Space s = space();
-        const QString copy = scratch.filePath("devices");
-        QDir().mkpath(copy + "/" + QFileInfo(s.description).path());
-        const QString base = QStringLiteral(TARVELIX_DATA_DIR "/devices/");
-        QVERIFY(QFile::copy(base + "types.lst", copy + "/types.lst"));
-        writeBytes(copy + "/devices.lst", (s.chip + "=" + s.description + "\n").toUtf8());
-        QByteArray desc = readBytes(base + s.description);
-        desc.replace(QByteArray("\n" + s.algWrite.toUtf8() + "=u|0"), "\n" + s.algWrite.toUtf8() + "=u|9");
-        writeBytes(copy + "/" + s.description, desc);
-        devices = copy;
+        QVERIFY(patchDescription("\n" + s.algWrite.toUtf8() + "=u|0", "\n" + s.algWrite.toUtf8() + "=u|9"));
         const QString in = scratch.filePath("in.bin");
         const int count = int(qMin<qint64>(s.size, s.writeChunk));
         writeBytes(in, pattern(count, 4));
