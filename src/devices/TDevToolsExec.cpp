@@ -260,7 +260,7 @@ bool TDevToolsExec::waitForPort(TSerialPort& port, const QString& portName) {
     QString heldBy;
     bool told = false;
     while (!TPortLock::claim(portName, &port, me, &heldBy)) {
-        if (!told) emit signalEventText(2, Lang.get(1302).arg(portName, heldBy), QString());
+        if (!told) emit signalEventText(ExecMessage, Lang.get(1302).arg(portName, heldBy), QString());
         told = true;
         QCoreApplication::processEvents();
         if (isStop()) return false;
