@@ -1,6 +1,9 @@
 #include "SimChipAvr.h"
 
 #include "SimChipRegistry.h"
+#include "SimProtocol.h"
+
+using namespace SimProtocol;
 
 namespace {
 SimChipRegistrar registrar("DevAVR8_SPI",
@@ -92,14 +95,14 @@ void SimChipAvr::chipErase() {
 }
 
 int SimChipAvr::readInstruction(unsigned char b0, unsigned char b1, unsigned char b2) const {
-    if (b0 == 0x30 && b1 == 0x00)
+    if (b0 == AvrInReadSignature && b1 == 0x00)
         return b2 < signature.size() ? static_cast<unsigned char>(signature.at(b2)) : 0;
     // Factory-trimmed calibration: A0, A1, ... for as many bytes as the part has.
-    if (b0 == 0x38 && b1 == 0x00) return b2 < osccalCount ? 0xA0 + b2 : 0xFF;
-    if (b0 == 0x50 && b1 == 0x00) return fuse(0);
-    if (b0 == 0x50 && b1 == 0x08) return fuse(2);
-    if (b0 == 0x58 && b1 == 0x08) return fuse(1);
-    if (b0 == 0x58 && b1 == 0x00) {
+    if (b0 == AvrInReadCalibration && b1 == 0x00) return b2 < osccalCount ? 0xA0 + b2 : 0xFF;
+    if (b0 == AvrInReadFuseLow && b1 == 0x00) return fuse(0);
+    if (b0 == AvrInReadFuseLow && b1 == AvrInSelectHigh) return fuse(2);
+    if (b0 == AvrInReadLockHigh && b1 == AvrInSelectHigh) return fuse(1);
+    if (b0 == AvrInReadLockHigh && b1 == 0x00) {
         // The oldest parts show their lock bits in bits 6 and 5 beside fuse bits 5 and 0.
         if (algLockWrite == 0) return (lock() & 0x06) << 4 | (algFuseRead == 0 ? fuse(0) & 0x21 : 0);
         return lock();
@@ -108,14 +111,15 @@ int SimChipAvr::readInstruction(unsigned char b0, unsigned char b1, unsigned cha
 }
 
 void SimChipAvr::writeInstruction(unsigned char b1, unsigned char b3) {
-    if (b1 == 0x80) return chipErase();
-    if (algFuseWrite == 0 && (b1 & 0xFE) == 0xBE) {
+    if (b1 == AvrInChipErase) return chipErase();
+    if (algFuseWrite == 0 && (b1 & 0xFE) == AvrInWriteFuseOld) {
         fuse(0) = static_cast<unsigned char>((fuse(0) & ~1) | (b1 & 1));
-    } else if (algFuseWrite == 1 && (b1 & 0xE0) == 0xA0) {
+    } else if (algFuseWrite == 1 && (b1 & 0xE0) == AvrInWriteFuseLow) {
         fuse(0) = static_cast<unsigned char>((fuse(0) & 0xE0) | (b1 & 0x1F));
-    } else if (algFuseWrite == 2 && (b1 == 0xA0 || b1 == 0xA8 || b1 == 0xA4)) {
-        fuse(b1 == 0xA0 ? 0 : b1 == 0xA8 ? 1 : 2) = b3;
-    } else if (algLockWrite == 1 && b1 == 0xE0) {
+    } else if (algFuseWrite == 2 &&
+               (b1 == AvrInWriteFuseLow || b1 == AvrInWriteFuseHigh || b1 == AvrInWriteFuseExt)) {
+        fuse(b1 == AvrInWriteFuseLow ? 0 : b1 == AvrInWriteFuseHigh ? 1 : 2) = b3;
+    } else if (algLockWrite == 1 && b1 == AvrInWriteLock) {
         lock() &= b3; // lock bits are only programmed; the chip erase clears them
     } else if (algLockWrite == 0) {
         lock() &= static_cast<unsigned char>(b1 | ~0x06);
@@ -133,26 +137,26 @@ SimReply SimChipAvr::instruction(const QByteArray& data) {
     const int read = readInstruction(b(0), b(1), b(2));
     if (read >= 0)
         reply[3] = char(read);
-    else if (b(0) == 0x4D)
+    else if (b(0) == AvrInExtendedAddress)
         extended = b(2);
-    else if (b(0) == 0x4C)
+    else if (b(0) == AvrInWritePage)
         commitPage(qint64(extended >> 1) << 17 | (b(1) << 8 | b(2)) << 1);
-    else if (b(0) == 0xAC)
+    else if (b(0) == AvrInProgram)
         writeInstruction(b(1), b(3));
     return SimReply::ok(reply);
 }
 
 SimReply SimChipAvr::request(unsigned char cmd, const QByteArray& data) {
     switch (cmd) {
-    case 3:
+    case AvrReadFlash:
         return readSpace(data, 0, flashSize, extended);
-    case 4:
+    case AvrWriteFlash:
         return loadPage(data);
-    case 5:
+    case AvrReadEeprom:
         return readSpace(data, flashSize, eepromSize, 0);
-    case 6:
+    case AvrWriteEeprom:
         return writeEeprom(data);
-    case 7:
+    case AvrInstr:
         return instruction(data);
     default:
         return SimReply::fail(ErrUnknownCommand);

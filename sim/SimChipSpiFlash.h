@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SimChip.h"
+#include "SimProtocol.h"
 
 #include <QHash>
 
@@ -37,7 +38,7 @@ private:
     QByteArray flash, security, sfdp, jedec, uniqueId;
     unsigned char status[3] = {0, 0, 0};
     int pageSize;
-    unsigned char chipErase = 0xC7;
+    unsigned char chipErase = SimProtocol::OpChipEraseC7;
     QHash<unsigned char, qint64> blockErase; // opcode to block size
     bool timing;
 };

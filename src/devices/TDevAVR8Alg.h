@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/CProtocol.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -13,16 +15,16 @@ class TSerialPort;
 class TDevAVR8Alg {
 public:
     enum Cmd : unsigned char {
-        CmdLeave = 1,
-        CmdClk = 2,
-        CmdReadFlash = 3,
-        CmdWriteFlash = 4,
-        CmdReadEeprom = 5,
-        CmdWriteEeprom = 6,
-        CmdInstr = 7
+        CmdLeave = CProtocol::Family::Leave,
+        CmdClk = CProtocol::Family::SetClk,
+        CmdReadFlash = CProtocol::Avr::ReadFlash,
+        CmdWriteFlash = CProtocol::Avr::WriteFlash,
+        CmdReadEeprom = CProtocol::Avr::ReadEeprom,
+        CmdWriteEeprom = CProtocol::Avr::WriteEeprom,
+        CmdInstr = CProtocol::Avr::Instr
     };
     // 0xFF asks the programmer to poll the part until it is ready; other values are a fixed delay.
-    static constexpr unsigned char waitPoll = 0xFF;
+    static constexpr unsigned char waitPoll = CProtocol::Avr::WaitPoll;
 
     // Upper address bits last sent with the extended address instruction; -1: none yet.
     struct FlashState {

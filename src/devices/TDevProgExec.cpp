@@ -133,13 +133,13 @@ bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {
     for (const auto& pair : TSignature::getSignatureListFromName(family))
         if (pair.first == signature) {
             matches.append(pair.second);
-            emit signalEventText(4, Lang.get(401).arg(QStringLiteral("%1 (%2)").arg(pair.second, signature)),
+            emit signalEventText(ExecResult, Lang.get(401).arg(QStringLiteral("%1 (%2)").arg(pair.second, signature)),
                                  QString());
         }
     if (matches.isEmpty()) {
         const QString text = Lang.get(402) + QStringLiteral(" (%1)").arg(signature);
         if (!TAPP_PARAM(param, "stop").toBool()) {
-            emit signalEventText(3, text, QString());
+            emit signalEventText(ExecInfo, text, QString());
             return true;
         }
         setErrorText(text);
@@ -157,12 +157,12 @@ bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {
             }
             // The routed configuration takes the programmer over: this run lets go of the port and ends.
             port.close();
-            emit signalEventText(3, Lang.get(403).arg(ProjectData.getNameCfgFromIdCfg(target)), QString());
+            emit signalEventText(ExecInfo, Lang.get(403).arg(ProjectData.getNameCfgFromIdCfg(target)), QString());
             if (TAPP_PARAM(param, "execute").toBool()) emit signalExecuteFromCmd(target);
             finish = true;
             return true;
         }
     const QString here = ProjectData.getNameCfgFromIdCfg(ProjectData.getIdCfgFromIdCmd(idCmd));
-    emit signalEventText(3, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), here), QString());
+    emit signalEventText(ExecInfo, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), here), QString());
     return true;
 }

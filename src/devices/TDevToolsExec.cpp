@@ -6,7 +6,11 @@
 #include "formats/ICRC.h"
 #include "formats/TCRC.h"
 #include "formats/TFormat.h"
+<<<<<<< HEAD
+#include "link/CProtocol.h"
+=======
 #include "link/TPortLock.h"
+>>>>>>> runs
 #include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "misc/dev_misc.h"
@@ -89,7 +93,7 @@ bool TDevToolsExec::execPause() {
     const int idCfg = TAPP_PARAM(param, CTagCmd::id_cfg).toInt();
     pause = true;
     emit signalPauseFromCmd(idCfg);
-    emit signalEventText(3, Lang.get(396), QString());
+    emit signalEventText(ExecInfo, Lang.get(396), QString());
     while (pause && !isStop()) {
         QThread::msleep(100);
         QCoreApplication::processEvents();
@@ -117,7 +121,7 @@ bool TDevToolsExec::execJamp(int& idCfg, int& idCmd) {
     }
     if (idCfg != from)
         emit signalEventText(
-            3, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), ProjectData.getNameCfgFromIdCfg(idCfg)),
+            ExecInfo, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), ProjectData.getNameCfgFromIdCfg(idCfg)),
             QString());
     return true;
 }
@@ -241,7 +245,7 @@ bool TDevToolsExec::execCalcCRC() {
     data.close();
     if (isStop()) return true;
     emit signalEventText(
-        4, QStringLiteral("%1: %2").arg(name, TMiscDev::getHexFromByteArray(crc->getResult())), QString());
+        ExecResult, QStringLiteral("%1: %2").arg(name, TMiscDev::getHexFromByteArray(crc->getResult())), QString());
     return true;
 }
 
@@ -286,12 +290,12 @@ bool TDevToolsExec::execSetProg(TSerialPort& port) {
     port.applySettings(*prog);
 
     QByteArray data;
-    if (!sendPackage(port, 0x80, data)) return false;
+    if (!sendPackage(port, CProtocol::Prog::Interface, data)) return false;
     const quint16 iface = data.size() < 2 ? 0 : quint16(quint8(data.at(0)) | (quint8(data.at(1)) << 8));
     data.clear();
-    if (!sendPackage(port, 0x81, data)) return false;
+    if (!sendPackage(port, CProtocol::Prog::Ident, data)) return false;
     const int zero = data.indexOf('\0');
-    emit signalEventText(3, QString::fromLatin1(zero < 0 ? data : data.left(zero)), QString());
+    emit signalEventText(ExecInfo, QString::fromLatin1(zero < 0 ? data : data.left(zero)), QString());
     if (iface != prog->getInterface()) {
         setErrorText(Lang.get(399));
         return false;

@@ -94,7 +94,7 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         exec = info.group ? info.group->createExecObject(info.data) : nullptr;
 
         processEvents();
-        relayEventText(0, info.name, info.params);
+        relayEventText(ExecCmdStart, info.name, info.params);
         processEvents();
 
         if (!info.data.value(CTagCmd::valid_dev).toBool() || !exec) {
@@ -148,11 +148,15 @@ void TExec::slotStart() {
     TDevProgExec led{TData()};
     if (!verdict) {
         if (!timeout && port.isOpen()) led.showLED(port, TDevProgExec::LedError);
-        relayEventText(6, error, QString());
+        relayEventText(ExecFailed, error, QString());
     } else {
         if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
+<<<<<<< HEAD
+        relayEventText(ExecSuccess, Lang.get(stop ? 390 : 391), QString());
+=======
         stoppedEnd = stop;
         relayEventText(5, Lang.get(stoppedEnd ? 390 : 391), QString());
+>>>>>>> runs
     }
     if (port.isOpen()) port.close();
     delete exec;

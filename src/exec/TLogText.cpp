@@ -59,29 +59,29 @@ QList<TLogPiece> TLogText::event(TCodeExec code, const QString& rawText, const Q
         if (showTime) pieces.append({TLogPiece::Time, stamp(now)});
     };
     switch (code) {
-    case 0:
+    case ExecCmdStart:
         timed();
         pieces.append({TLogPiece::Cmd, text});
         if (!param.isEmpty()) pieces.append({TLogPiece::Param, QStringLiteral(" (%1)").arg(param)});
         break;
-    case 1:
+    case ExecText:
         timed();
         pieces.append({TLogPiece::Text, text});
         break;
-    case 2:
+    case ExecMessage:
         pieces.append({TLogPiece::Text, indent() + text});
         break;
-    case 3:
+    case ExecInfo:
         pieces.append({TLogPiece::Work, text});
         break;
-    case 4:
+    case ExecResult:
         pieces.append({TLogPiece::Result, indent() + text});
         break;
-    case 5:
+    case ExecSuccess:
         timed();
         pieces.append({TLogPiece::Success, text});
         break;
-    case 6:
+    case ExecFailed:
         timed();
         pieces.append({TLogPiece::Failed, failureBlock(text)});
         break;

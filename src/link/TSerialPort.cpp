@@ -1,6 +1,7 @@
 #include "link/TSerialPort.h"
 
 #include "app/TLang.h"
+#include "link/CProtocol.h"
 #include "link/TPortLock.h"
 
 #include <cerrno>
@@ -9,10 +10,10 @@
 #include <unistd.h>
 
 namespace {
-const unsigned char frameStart = 0xC0;
-const unsigned char errorReply = 0xFF;
-const int maxFrame = 0xFFFF + 5;
-const int langErrorCodes[12] = {405, 406, 407, 408, 409, 410, 411, 412, 413, 414, 415, 416};
+const unsigned char frameStart = CProtocol::FrameStart;
+const unsigned char errorReply = CProtocol::ErrorReply;
+const int maxFrame = CProtocol::MaxPayload + CProtocol::FrameOverhead;
+const int langErrorCodes[CProtocol::ErrCount] = {405, 406, 407, 408, 409, 410, 411, 412, 413, 414, 415, 416};
 } // namespace
 
 TSerialPort::TSerialPort() : QObject(nullptr), port(new QSerialPort(this)) {
@@ -26,7 +27,7 @@ TSerialPort::~TSerialPort() {
 }
 
 int TSerialPort::LangErrorCode(unsigned int code) {
-    return code < 12 ? langErrorCodes[code] : 421;
+    return code < CProtocol::ErrCount ? langErrorCodes[code] : 421;
 }
 
 unsigned char TSerialPort::getCRC(const QByteArray& bytes, unsigned short count) {
@@ -64,7 +65,7 @@ bool TSerialPort::sendPackage(unsigned char cmd, QByteArray& data) {
         if (replyLen < 2) return fail();
         const unsigned int code =
             static_cast<unsigned char>(rxFrame.at(4)) | static_cast<unsigned char>(rxFrame.at(5)) << 8;
-        errorText = code < 12 ? Lang.get(LangErrorCode(code)) : Lang.get(421).arg(code);
+        errorText = code < CProtocol::ErrCount ? Lang.get(LangErrorCode(code)) : Lang.get(421).arg(code);
         return false;
     }
     data.resize(replyLen);
