@@ -151,12 +151,8 @@ void TExec::slotStart() {
         relayEventText(ExecFailed, error, QString());
     } else {
         if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
-<<<<<<< HEAD
-        relayEventText(ExecSuccess, Lang.get(stop ? 390 : 391), QString());
-=======
         stoppedEnd = stop;
-        relayEventText(5, Lang.get(stoppedEnd ? 390 : 391), QString());
->>>>>>> runs
+        relayEventText(ExecSuccess, Lang.get(stoppedEnd ? 390 : 391), QString());
     }
     if (port.isOpen()) port.close();
     delete exec;

@@ -8,14 +8,6 @@
 #include <QCoreApplication>
 #include <QThread>
 
-namespace {
-// Log event codes of the worker (the run's start of a command, a text line, its two ends).
-constexpr TCodeExec EventCmd = 0;
-constexpr TCodeExec EventText = 2;
-constexpr TCodeExec EventEndOk = 5;
-constexpr TCodeExec EventEndFailed = 6;
-} // namespace
-
 TRunControl::TRunControl(QObject* parent) : QObject(parent) {}
 
 TRunControl::~TRunControl() {
@@ -61,7 +53,7 @@ bool TRunControl::start(int idCfg) {
     connect(run.thread, &QThread::started, exec, &TExec::slotStart);
     connect(exec, &TExec::signalFinished, run.thread, &QThread::quit);
     const auto blocking = Qt::BlockingQueuedConnection;
-    connect(exec, &TExec::signalEventText, this, &TRunControl::slotEventText, blocking);
+    connect(exec, &TExec::signalExecMessage, this, &TRunControl::slotExecMessage, blocking);
     connect(exec, &TExec::signalEventProc, this, &TRunControl::slotEventProc, blocking);
     connect(exec, &TExec::signalExecuteFromCmd, this, &TRunControl::slotExecuteFromCmd, blocking);
     connect(exec, &TExec::signalPauseFromCmd, this, &TRunControl::slotPauseFromCmd, blocking);
@@ -113,24 +105,26 @@ void TRunControl::closeCommand(int idCfg, Run& run) {
     if (!run.commandOpen) return;
     run.commandOpen = false;
     if (showDurations && showDurations())
-        emit signalEventText(idCfg, EventText, Lang.get(1300).arg(seconds(run.command.elapsed())), QString());
+        emit signalExecMessage(idCfg, ExecMessage, Lang.get(1300).arg(seconds(run.command.elapsed())),
+                               QString());
 }
 
-void TRunControl::slotEventText(TCodeExec code, QString text, QString param) {
+void TRunControl::slotExecMessage(TCodeExec code, QString text, QString param) {
     TThreadSync::Receiver sync;
     const int idCfg = senderCfg();
     auto it = runs.find(idCfg);
     if (it == runs.end()) return;
-    const bool end = code == EventEndOk || code == EventEndFailed;
-    if (code == EventCmd || end) closeCommand(idCfg, *it);
+    const bool end = code == ExecSuccess || code == ExecFailed;
+    if (code == ExecCmdStart || end) closeCommand(idCfg, *it);
     if (end) it->finalCode = code;
-    emit signalEventText(idCfg, code, text, param);
-    if (code == EventCmd) {
+    emit signalExecMessage(idCfg, code, text, param);
+    if (code == ExecCmdStart) {
         it->commandOpen = true;
         it->command.start();
     }
     if (end && showDurations && showDurations())
-        emit signalEventText(idCfg, EventText, Lang.get(1301).arg(seconds(it->total.elapsed())), QString());
+        emit signalExecMessage(idCfg, ExecMessage, Lang.get(1301).arg(seconds(it->total.elapsed())),
+                               QString());
 }
 
 void TRunControl::slotEventProc(int percent) {
@@ -162,9 +156,9 @@ void TRunControl::runFinished(int idCfg) {
     if (it == runs.end()) return;
     const Run run = *it;
     run.thread->wait();
-    const TCodeCfgStatus outcome = run.finalCode != EventEndOk ? CfgStatusError
-                                   : run.exec->endedByStop()   ? CfgStatusStopped
-                                                               : CfgStatusOk;
+    const TCodeCfgStatus outcome = run.finalCode != ExecSuccess ? CfgStatusError
+                                   : run.exec->endedByStop()    ? CfgStatusStopped
+                                                                : CfgStatusOk;
     delete run.exec;
     delete run.thread;
     runs.erase(it);
