@@ -53,7 +53,7 @@ bool TRunControl::start(int idCfg) {
     connect(run.thread, &QThread::started, exec, &TExec::slotStart);
     connect(exec, &TExec::signalFinished, run.thread, &QThread::quit);
     const auto blocking = Qt::BlockingQueuedConnection;
-    connect(exec, &TExec::signalExecMessage, this, &TRunControl::slotExecMessage, blocking);
+    connect(exec, &TExec::signalEventText, this, &TRunControl::slotEventText, blocking);
     connect(exec, &TExec::signalEventProc, this, &TRunControl::slotEventProc, blocking);
     connect(exec, &TExec::signalExecuteFromCmd, this, &TRunControl::slotExecuteFromCmd, blocking);
     connect(exec, &TExec::signalPauseFromCmd, this, &TRunControl::slotPauseFromCmd, blocking);
@@ -105,11 +105,11 @@ void TRunControl::closeCommand(int idCfg, Run& run) {
     if (!run.commandOpen) return;
     run.commandOpen = false;
     if (showDurations && showDurations())
-        emit signalExecMessage(idCfg, ExecMessage, Lang.get(1300).arg(seconds(run.command.elapsed())),
+        emit signalEventText(idCfg, ExecMessage, Lang.get(1300).arg(seconds(run.command.elapsed())),
                                QString());
 }
 
-void TRunControl::slotExecMessage(TCodeExec code, QString text, QString param) {
+void TRunControl::slotEventText(TCodeExec code, QString text, QString param) {
     TThreadSync::Receiver sync;
     const int idCfg = senderCfg();
     auto it = runs.find(idCfg);
@@ -117,13 +117,13 @@ void TRunControl::slotExecMessage(TCodeExec code, QString text, QString param) {
     const bool end = code == ExecSuccess || code == ExecFailed;
     if (code == ExecCmdStart || end) closeCommand(idCfg, *it);
     if (end) it->finalCode = code;
-    emit signalExecMessage(idCfg, code, text, param);
+    emit signalEventText(idCfg, code, text, param);
     if (code == ExecCmdStart) {
         it->commandOpen = true;
         it->command.start();
     }
     if (end && showDurations && showDurations())
-        emit signalExecMessage(idCfg, ExecMessage, Lang.get(1301).arg(seconds(it->total.elapsed())),
+        emit signalEventText(idCfg, ExecMessage, Lang.get(1301).arg(seconds(it->total.elapsed())),
                                QString());
 }
 
