@@ -87,7 +87,7 @@ private:
     };
 
     int senderCfg() const;
-    void closeCommand(int idCfg, Run& run);
+    void closeCommand(int idCfg);
     void runFinished(int idCfg);
 
     QHash<int, Run> runs;
