@@ -59,6 +59,29 @@ private slots:
                 QVERIFY2(frames.at(i - 1).startsWith("C0 83 "), qPrintable(frames.mid(i - 3, 4).join('|')));
     }
 
+    // With time stamps each command is followed by its duration and the run by its total.
+    void durationsFollowCommandsAndRun() {
+        WorkerFixture w;
+        AppData.logShowTime = true;
+        AppData.logShowMSec = false;
+        TRunner::Options o;
+        o.project = w.writeProject(project({{"Main", {cmd("delay", R"("value": "30")"), cmd("stop")}}}));
+        const int status = w.run(o);
+        AppData.logShowTime = false;
+        QCOMPARE(status, 0);
+        const QString stamp = "\\d\\d:\\d\\d:\\d\\d ",
+                      took = " {9}" + Lang.get(1300).arg("(\\d+\\.\\d\\d)") + "\n";
+        const QRegularExpression log("^" + stamp + "Delay \\(30 ms\\)\n" + took + stamp + "Stop\n" + took +
+                                     stamp + Lang.get(391) + "\n {9}" +
+                                     Lang.get(1301).arg("(\\d+\\.\\d\\d)") + "\n$");
+        const QRegularExpressionMatch m = log.match(w.output);
+        QVERIFY2(m.hasMatch(), qPrintable(w.output));
+        QVERIFY(m.captured(1).toDouble() >= 0.03);
+        QVERIFY(m.captured(3).toDouble() >= m.captured(1).toDouble());
+        QCOMPARE(TRunControl::seconds(12449), QString("12.4"));
+        QCOMPARE(TRunControl::seconds(410), QString("0.41"));
+    }
+
     // A run waiting for the port says whose it is; stop ends the wait, and the holder is not disturbed.
     void stopEndsTheWaitForAPort() {
         SimFixture sim;

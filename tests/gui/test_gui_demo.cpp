@@ -50,8 +50,7 @@ class TestGuiDemo : public QObject {
     int runToEnd(TMainWindow& w, const QString& cfg) {
         const int id = ProjectData.getIdCfgFromNameCfg(cfg);
         if (id < 0 || !w.runThread(id)) return -1;
-        QTest::qWaitFor([&] { return w.runCount() == 0; }, 120000);
-        return w.runCount() == 0 ? id : -1;
+        return QTest::qWaitFor([&] { return w.runCount() == 0; }, 120000) ? id : -1;
     }
 
 private slots:
