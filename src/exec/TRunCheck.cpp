@@ -4,6 +4,7 @@
 #include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "devices/TDevTools.h"
+#include "exec/TLogText.h"
 #include "formats/TDataFileCheck.h"
 #include "formats/TFormat.h"
 #include "misc/dev_misc.h"
@@ -109,8 +110,11 @@ TRunCheck::Item TRunCheck::describe(TDataCmd* cmd, int pos, int cfg) const {
     IDevice* group = cmd->getGroupObject();
     QString name = group ? group->getViewCmdName(data) : QString();
     if (name.isEmpty()) name = cmd->getCmdCode();
+    // Names come from the project, which may come from anyone: none may start a line of its own in the log.
+    name = TLogText::escape(name);
     item.idCmd = cmd->getUIN();
-    item.where = Lang.get(text_where).arg(pos + 1).arg(name, ProjectData.getNameCfgFromIdCfg(cfg));
+    item.where =
+        Lang.get(text_where).arg(pos + 1).arg(name, TLogText::escape(ProjectData.getNameCfgFromIdCfg(cfg)));
     if (!group || !cmd->getValidDev()) {
         item.invalid = Lang.get(387).arg(name);
     } else if (!cmd->getValidParam()) {
@@ -165,7 +169,7 @@ bool TRunCheck::checkFile(const Item& item) {
     if (TDataFileCheck::check(item.use.format, item.use.file, item.use.addrFile, item.use.addrDevice,
                               item.use.last, fault))
         return true;
-    error = item.where.arg(fault);
+    error = item.where.arg(fault.replace(item.use.file, TLogText::escape(item.use.file)));
     return false;
 }
 
