@@ -51,6 +51,10 @@ struct Options {
                               QStringLiteral("Continue every pause at once.")};
     QCommandLineOption process{QStringLiteral("allow-process"),
                                QStringLiteral("Let the project's process commands start programs.")};
+    QCommandLineOption lockOut{
+        QStringLiteral("allow-lockout"),
+        QStringLiteral(
+            "Let fuse writes turn off serial programming of the part (SPIEN, RSTDISBL, DWEN, clock).")};
     QCommandLineOption list{QStringLiteral("list"),
                             QStringLiteral("List the configurations and commands of PROJECT."),
                             QStringLiteral("PROJECT")};
@@ -63,7 +67,7 @@ struct Options {
             QStringLiteral("Tarvelix: memory chip and microcontroller programmer"));
         parser.addHelpOption();
         parser.addVersionOption();
-        parser.addOptions({settings, run, config, save, pauses, process, list, noCheck});
+        parser.addOptions({settings, run, config, save, pauses, process, lockOut, list, noCheck});
         parser.addPositionalArgument(QStringLiteral("project"),
                                      QStringLiteral("Project file to open in the window."),
                                      QStringLiteral("[PROJECT.prj]"));
@@ -128,6 +132,7 @@ int main(int argc, char** argv) {
         opt.allowProcess = parser.isSet(options.process);
         // For this run only: the settings file keeps its value.
         if (parser.isSet(options.noCheck)) AppData.checkBeforeRun = false;
+        opt.allowLockout = parser.isSet(options.lockOut);
         return TRunner().run(opt);
     }
 

@@ -10,6 +10,7 @@
 #include "link/TSerialPort.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
@@ -115,14 +116,12 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         relayEventText(ExecCmdStart, info.name, info.params);
         processEvents();
 
-        if (!info.data.value(CTagCmd::valid_dev).toBool() || !exec) {
-            error = Lang.get(387).arg(info.name);
+        if (!exec) {
+            error = IDevice::notSupportedText(info.group, code, info.name);
             return false;
         }
-        if (!info.data.value(CTagCmd::valid_param).toBool()) {
-            error = Lang.get(388).arg(info.name);
-            return false;
-        }
+        error = TCmdProblem::get(info.name, info.data, info.group);
+        if (!error.isEmpty()) return false;
         if (!checkCommand(check, info.data, error)) return false;
         connectExec(exec, code);
         // A stop that came before the executor was connected still reaches it.

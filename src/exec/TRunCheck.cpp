@@ -10,6 +10,7 @@
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
@@ -115,12 +116,13 @@ TRunCheck::Item TRunCheck::describe(TDataCmd* cmd, int pos, int cfg) const {
     item.idCmd = cmd->getUIN();
     item.where =
         Lang.get(text_where).arg(pos + 1).arg(name, TLogText::escape(ProjectData.getNameCfgFromIdCfg(cfg)));
-    if (!group || !cmd->getValidDev()) {
-        item.invalid = Lang.get(387).arg(name);
-    } else if (!cmd->getValidParam()) {
+    item.invalid = TCmdProblem::get(name, data, group);
+    if (item.invalid.isEmpty() && !group)
+        item.invalid = IDevice::notSupportedText(group, cmd->getCmdCode(), name);
+    // The plain "invalid parameters" text gains the parameter, where the family's check can tell it.
+    if (group && item.invalid == Lang.get(388).arg(name)) {
         const QString key = wrongParam(group, data);
-        item.invalid =
-            Lang.get(388).arg(name) + (key.isEmpty() ? QString() : Lang.get(text_bad_param).arg(key));
+        if (!key.isEmpty()) item.invalid += Lang.get(text_bad_param).arg(key);
     }
     item.readsFile = readsFile(data, item.use);
     return item;
