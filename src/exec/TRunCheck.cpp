@@ -4,6 +4,7 @@
 #include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "devices/TDevTools.h"
+#include "exec/TLogText.h"
 #include "formats/TDataFileCheck.h"
 #include "formats/TFormat.h"
 #include "misc/dev_misc.h"
@@ -113,14 +114,17 @@ TRunCheck::Item TRunCheck::describe(TDataCmd* cmd, int pos, int cfg) const {
     IDevice* group = cmd->getGroupObject();
     QString name = group ? group->getViewCmdName(data) : QString();
     if (name.isEmpty()) name = cmd->getCmdCode();
+    // Names come from the project, which may come from anyone: none may start a line of its own in the log.
+    name = TLogText::escape(name);
     item.idCmd = cmd->getUIN();
-    item.where = Lang.get(text_where).arg(pos + 1).arg(name, ProjectData.getNameCfgFromIdCfg(cfg));
-    if (!group || !cmd->getValidDev()) {
-        item.invalid = TCmdProblem::get(name, data, group);
-    } else if (!cmd->getValidParam()) {
-        // A value the project file cannot hold names its own key; otherwise find the wrong parameter.
-        item.invalid = TCmdProblem::get(name, data, group);
-        const QString key = item.invalid == Lang.get(388).arg(name) ? wrongParam(group, data) : QString();
+    item.where =
+        Lang.get(text_where).arg(pos + 1).arg(name, TLogText::escape(ProjectData.getNameCfgFromIdCfg(cfg)));
+    item.invalid = TCmdProblem::get(name, data, group);
+    if (item.invalid.isEmpty() && !group)
+        item.invalid = IDevice::notSupportedText(group, cmd->getCmdCode(), name);
+    // The plain "invalid parameters" text gains the parameter, where the family's check can tell it.
+    if (group && item.invalid == Lang.get(388).arg(name)) {
+        const QString key = wrongParam(group, data);
         if (!key.isEmpty()) item.invalid += Lang.get(text_bad_param).arg(key);
     }
     item.readsFile = readsFile(data, item.use);
@@ -170,7 +174,7 @@ bool TRunCheck::checkFile(const Item& item) {
     if (TDataFileCheck::check(item.use.format, item.use.file, item.use.addrFile, item.use.addrDevice,
                               item.use.last, fault))
         return true;
-    error = item.where.arg(fault);
+    error = item.where.arg(fault.replace(item.use.file, TLogText::escape(item.use.file)));
     return false;
 }
 
