@@ -114,7 +114,7 @@ QString TDevTools::getViewCmdParam(const TData& p, QWidget*) const {
     if (code == calc_crc)
         return QStringLiteral("%1: %2 (%3)")
             .arg(p.value("crc_name").toString(), p.value("file").toString(),
-                 p.value("format").toString().toUpper());
+                 TFormat::getViewFormat(p.value("format").toString()));
     if (code == set_prog) {
         QString view = p.value("prog").toString();
         if (p.value("alt_enabled").toBool())

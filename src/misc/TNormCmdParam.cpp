@@ -126,7 +126,7 @@ bool TNormCmdParam::checkParamRWVData(const TData& p, qint64 begin, qint64 size)
 
 bool TNormCmdParam::checkParamRWVFile(const TData& p, qint64 begin, qint64 size) {
     if (p.value(kFile).toString().isEmpty()) return false;
-    if (!TFormat::getViewFormats().contains(p.value(kFormat).toString(), Qt::CaseInsensitive)) return false;
+    if (!TFormat::isFormat(p.value(kFormat).toString())) return false;
     if (!isInt64(p.value(kAddrFile)) || p.value(kAddrFile).toLongLong() < 0) return false;
     if (!isInt64(p.value(kAddrDevice)) || !isInt64(p.value(kCount))) return false;
     return TMiscDev::isRangeInside(p.value(kAddrDevice).toLongLong(), p.value(kCount).toLongLong(), begin,

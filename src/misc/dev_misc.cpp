@@ -3,6 +3,7 @@
 #include "app/TApp.h"
 #include "app/TLang.h"
 #include "devices/IDevice.h"
+#include "formats/TFormat.h"
 #include "link/TProg.h"
 #include "project/CTagPrj.h"
 #include "project/TDataCmd.h"
@@ -169,7 +170,7 @@ QString TMiscDev::getViewParamRWVData(qint64 addr, const QString& text) {
 }
 
 QString TMiscDev::getViewParamRWVFile(const QString& file, const QString& format) {
-    return QStringLiteral("%1 (%2)").arg(file, format.toUpper());
+    return QStringLiteral("%1 (%2)").arg(file, TFormat::getViewFormat(format));
 }
 
 unsigned int TMiscDev::getCLK(const TData& p) {

@@ -88,7 +88,7 @@ void TWgtCmdList::fillItem(QTreeWidgetItem* item, TDataCmd* cmd) {
     item->setCheckState(0, cmd->getEnable() ? Qt::Checked : Qt::Unchecked);
     item->setText(0, shown);
     item->setText(1, group ? group->getViewCmdParam(data, nullptr) : QString());
-    const QString reason = TCmdProblem::get(shown, data);
+    const QString reason = TCmdProblem::get(shown, data, group);
     for (int c = 0; c < 2; ++c) {
         item->setToolTip(c, reason);
         item->setForeground(c, reason.isEmpty() ? QBrush() : QBrush(TApp::getErrorColorText()));
