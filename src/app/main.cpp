@@ -58,13 +58,16 @@ struct Options {
     QCommandLineOption list{QStringLiteral("list"),
                             QStringLiteral("List the configurations and commands of PROJECT."),
                             QStringLiteral("PROJECT")};
+    QCommandLineOption noCheck{
+        QStringLiteral("no-check"),
+        QStringLiteral("Do not check commands and data files before the chip is touched.")};
 
     void addTo(QCommandLineParser& parser) const {
         parser.setApplicationDescription(
             QStringLiteral("Tarvelix: memory chip and microcontroller programmer"));
         parser.addHelpOption();
         parser.addVersionOption();
-        parser.addOptions({settings, run, config, save, pauses, process, lockOut, list});
+        parser.addOptions({settings, run, config, save, pauses, process, lockOut, list, noCheck});
         parser.addPositionalArgument(QStringLiteral("project"),
                                      QStringLiteral("Project file to open in the window."),
                                      QStringLiteral("[PROJECT.prj]"));
@@ -127,6 +130,8 @@ int main(int argc, char** argv) {
         opt.save = parser.isSet(options.save);
         opt.continuePauses = parser.isSet(options.pauses);
         opt.allowProcess = parser.isSet(options.process);
+        // For this run only: the settings file keeps its value.
+        if (parser.isSet(options.noCheck)) AppData.checkBeforeRun = false;
         opt.allowLockout = parser.isSet(options.lockOut);
         return TRunner().run(opt);
     }

@@ -8,6 +8,7 @@
 #include "exec/TRunControl.h"
 #include "misc/TLockOut.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TCtrlProject.h"
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
@@ -72,10 +73,7 @@ int TRunner::list(const QString& project) {
             const QString name = TLogText::escape(group ? group->getViewCmdName(data) : cmd->getCmdCode());
             const QString params =
                 TLogText::escape(group ? group->getViewCmdParam(data, nullptr) : QString());
-            const QString state = !cmd->getValidDev()
-                                      ? IDevice::notSupportedText(group, cmd->getCmdCode(), name)
-                                  : !cmd->getValidParam() ? Lang.get(388).arg(name)
-                                                          : QString();
+            const QString state = TLogText::escape(TCmdProblem::get(name, data, group));
             print(QStringLiteral("  [%1] %2%3%4\n")
                       .arg(cmd->getEnable() ? QLatin1Char('x') : QLatin1Char(' '))
                       .arg(name.isEmpty() ? TLogText::escape(cmd->getCmdCode()) : name)
