@@ -197,8 +197,8 @@ TBridgeReply TBridgeStk500v1::leave(IBridgeWire& wire) {
 }
 
 TBridgeReply TBridgeStk500v1::family(IBridgeWire& wire, unsigned char cmd, const QByteArray& data) {
-    const bool commit =
-        cmd == CProtocol::Avr::Instr && data.size() == instructionSize && uchar(data.at(1)) == CProtocol::Avr::InWritePage;
+    const bool commit = cmd == CProtocol::Avr::Instr && data.size() == instructionSize &&
+                        uchar(data.at(1)) == CProtocol::Avr::InWritePage;
     // A page load stays on the host until its commit; anything else first writes what is kept.
     if (cmd != CProtocol::Avr::WriteFlash && !commit) {
         TBridgeReply r = flushPage(wire);
