@@ -14,5 +14,6 @@ struct TypeEntry {
     const char* name;
     const char* file;
 };
-const TypeEntry bridgeTypes[] = {{"serprog", "serprog.cfg"}, {"Arduino as ISP", "arduino-isp.cfg"}};
+const TypeEntry bridgeTypes[] = {{"serprog", "serprog.cfg"}, {"Arduino as ISP", "arduino-isp.cfg"},
+                                   {"Bus Pirate", "buspirate.cfg"}};
 } // namespace CLink
