@@ -7,6 +7,7 @@
 #include "SimProgrammer.h"
 #include "SimPty.h"
 #include "SimServer.h"
+#include "SimStopSignal.h"
 #include "SimStreamServer.h"
 #include "SimTrace.h"
 
@@ -14,27 +15,11 @@
 #include <QTextStream>
 
 #include <csignal>
-#include <fcntl.h>
 #include <malloc.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
 namespace {
-int stopPipe[2] = {-1, -1};
-
-void onSignal(int) {
-    const char c = 's';
-    (void)!write(stopPipe[1], &c, 1);
-}
-
-bool installSignals() {
-    if (pipe2(stopPipe, O_CLOEXEC) != 0) return false;
-    struct sigaction sa {};
-    sa.sa_handler = onSignal;
-    sigemptyset(&sa.sa_mask);
-    return sigaction(SIGINT, &sa, nullptr) == 0 && sigaction(SIGTERM, &sa, nullptr) == 0;
-}
-
 std::unique_ptr<SimChip> makeChip(const SimOptions& o, QString& error) {
     SimChipInfo info{o.chip, {}, o.image};
     SimBus bus = SimBus::SPI;
@@ -58,8 +43,8 @@ using End = SimServer::End;
 
 End serve(const SimOptions& options, SimProgrammer& programmer, SimPty& pty, SimTrace& trace) {
     std::unique_ptr<SimStreamProtocol> stream = SimStreamProtocol::create(options.protocol, programmer);
-    if (!stream) return SimServer(options, programmer, pty, trace).run(stopPipe[0]);
-    return SimStreamServer(options, *stream, pty, trace).run(stopPipe[0]);
+    if (!stream) return SimServer(options, programmer, pty, trace).run(SimStopSignal::readFd());
+    return SimStreamServer(options, *stream, pty, trace).run(SimStopSignal::readFd());
 }
 
 int fail(const QString& text) {
@@ -83,7 +68,7 @@ int main(int argc, char* argv[]) {
     SimProgrammer programmer(std::move(chip), options.interfaceCode);
     SimTrace trace;
     if (!options.trace.isEmpty() && !trace.open(options.trace)) return fail("cannot write " + options.trace);
-    if (!installSignals()) return fail("cannot install the signal handlers");
+    if (!SimStopSignal::install()) return fail("cannot install the signal handlers");
     // The parent may have gone before the request was made; then no signal would ever come.
     if (options.exitWithParent && (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || getppid() != parent)) return 0;
     SimPty pty;

@@ -16,4 +16,9 @@ struct TypeEntry {
 };
 const TypeEntry bridgeTypes[] = {{"serprog", "serprog.cfg"}, {"Arduino as ISP", "arduino-isp.cfg"},
                                    {"Bus Pirate", "buspirate.cfg"}};
+// Beside it, an Arduino Nano or Uno with the Tarvelix firmware on the usual port of its USB bridge.
+const char* const nanoTypeName = "Arduino Nano";
+const char* const nanoTypeFile = "arduino-nano.cfg";
+const char* const nanoProgName = "Arduino Nano";
+const char* const nanoPortDefault = "/dev/ttyUSB0";
 } // namespace CLink
