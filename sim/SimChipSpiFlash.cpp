@@ -41,7 +41,9 @@ bool eraseEntry(const QString& text, unsigned char& op, qint64& size) {
 
 SimChipSpiFlash::SimChipSpiFlash(const SimChipInfo& info)
     : SimChip(info), pageSize(qMax(1, info.params.value("page_size").toInt())),
-      timing(info.params.value("sim_timing").toBool()) {
+      timing(info.params.value("sim_timing").toBool()),
+      byteProgram(info.params.value("program_mode").toString() != QLatin1String("page") &&
+                  info.params.contains("program_mode")) {
     const QVariantMap& p = info.params;
     flash = QByteArray(int(qMax<qint64>(1, p.value("size").toLongLong())), char(0xFF));
     security = QByteArray(kSecurityCount * kRegister, char(0xFF));
@@ -148,15 +150,21 @@ void SimChipSpiFlash::write(const QByteArray& tx) {
         eraseSecurity(addr);
 }
 
-// Within the page, the address wraps; a programmed bit can only go from 1 to 0.
+// Within the page, the address wraps; a programmed bit can only go from 1 to 0. A part whose program
+// instruction writes one byte takes the first and ignores the rest.
 void SimChipSpiFlash::program(qint64 addr, const QByteArray& data) {
+    if (byteProgram) return program(addr, data.left(1), 1);
+    program(addr, data, pageSize);
+}
+
+void SimChipSpiFlash::program(qint64 addr, const QByteArray& data, int span) {
     addr %= flash.size();
-    const qint64 page = addr / pageSize * pageSize;
-    const int n = int(qMin<qint64>(data.size(), pageSize));
+    const qint64 page = addr / span * span;
+    const int n = int(qMin<qint64>(data.size(), span));
     const QByteArray bytes = data.right(n); // a longer burst keeps only its last page of bytes
-    if (!isProtected(page, pageSize))
+    if (!isProtected(page, span))
         for (int i = 0; i < n; ++i) {
-            const qint64 at = page + (addr - page + i) % pageSize;
+            const qint64 at = page + (addr - page + i) % span;
             if (at < flash.size()) flash[int(at)] = char(flash.at(int(at)) & bytes.at(i));
         }
     wait(timing ? kPageProgramUs / 1000 + 1 : 0);

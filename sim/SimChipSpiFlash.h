@@ -27,6 +27,7 @@ private:
     QByteArray readSecurity(qint64 addr, int len) const;
     void write(const QByteArray& tx);
     void program(qint64 addr, const QByteArray& data);
+    void program(qint64 addr, const QByteArray& data, int span);
     void eraseRange(qint64 begin, qint64 size, int typicalMs);
     void programSecurity(qint64 addr, const QByteArray& data);
     void eraseSecurity(qint64 addr);
@@ -41,4 +42,5 @@ private:
     unsigned char chipErase = SimProtocol::OpChipEraseC7;
     QHash<unsigned char, qint64> blockErase; // opcode to block size
     bool timing;
+    bool byteProgram; // 0x02 programs one byte (SST AAI parts, some Atmel and ESMT parts)
 };

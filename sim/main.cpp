@@ -8,6 +8,7 @@
 #include "SimPty.h"
 #include "SimServer.h"
 #include "SimStopSignal.h"
+#include "SimStreamServer.h"
 #include "SimTrace.h"
 
 #include <QCoreApplication>
@@ -38,6 +39,14 @@ std::unique_ptr<SimChip> makeChip(const SimOptions& o, QString& error) {
     return nullptr;
 }
 
+using End = SimServer::End;
+
+End serve(const SimOptions& options, SimProgrammer& programmer, SimPty& pty, SimTrace& trace) {
+    std::unique_ptr<SimStreamProtocol> stream = SimStreamProtocol::create(options.protocol, programmer);
+    if (!stream) return SimServer(options, programmer, pty, trace).run(SimStopSignal::readFd());
+    return SimStreamServer(options, *stream, pty, trace).run(SimStopSignal::readFd());
+}
+
 int fail(const QString& text) {
     QTextStream(stderr) << "tarvelix-progsim: " << text << "\n";
     return 2;
@@ -66,9 +75,9 @@ int main(int argc, char* argv[]) {
     if (!pty.open(options.link, error)) return fail(error);
     QTextStream(stdout) << options.link << "\n" << Qt::flush;
 
-    const SimServer::End end = SimServer(options, programmer, pty, trace).run(SimStopSignal::readFd());
+    const End end = serve(options, programmer, pty, trace);
     pty.close();
     if (!programmer.socket().chip().saveImage(error)) return fail(error);
-    if (end == SimServer::End::Unplugged) QTextStream(stdout) << "unplugged\n" << Qt::flush;
-    return end == SimServer::End::Failed ? fail("the pseudo-terminal failed") : 0;
+    if (end == End::Unplugged) QTextStream(stdout) << "unplugged\n" << Qt::flush;
+    return end == End::Failed ? fail("the pseudo-terminal failed") : 0;
 }

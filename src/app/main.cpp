@@ -51,16 +51,23 @@ struct Options {
                               QStringLiteral("Continue every pause at once.")};
     QCommandLineOption process{QStringLiteral("allow-process"),
                                QStringLiteral("Let the project's process commands start programs.")};
+    QCommandLineOption lockOut{
+        QStringLiteral("allow-lockout"),
+        QStringLiteral(
+            "Let fuse writes turn off serial programming of the part (SPIEN, RSTDISBL, DWEN, clock).")};
     QCommandLineOption list{QStringLiteral("list"),
                             QStringLiteral("List the configurations and commands of PROJECT."),
                             QStringLiteral("PROJECT")};
+    QCommandLineOption noCheck{
+        QStringLiteral("no-check"),
+        QStringLiteral("Do not check commands and data files before the chip is touched.")};
 
     void addTo(QCommandLineParser& parser) const {
         parser.setApplicationDescription(
             QStringLiteral("Tarvelix: memory chip and microcontroller programmer"));
         parser.addHelpOption();
         parser.addVersionOption();
-        parser.addOptions({settings, run, config, save, pauses, process, list});
+        parser.addOptions({settings, run, config, save, pauses, process, lockOut, list, noCheck});
         parser.addPositionalArgument(QStringLiteral("project"),
                                      QStringLiteral("Project file to open in the window."),
                                      QStringLiteral("[PROJECT.prj]"));
@@ -123,6 +130,9 @@ int main(int argc, char** argv) {
         opt.save = parser.isSet(options.save);
         opt.continuePauses = parser.isSet(options.pauses);
         opt.allowProcess = parser.isSet(options.process);
+        // For this run only: the settings file keeps its value.
+        if (parser.isSet(options.noCheck)) AppData.checkBeforeRun = false;
+        opt.allowLockout = parser.isSet(options.lockOut);
         return TRunner().run(opt);
     }
 

@@ -75,6 +75,30 @@ QByteArray TDevAVR8Alg::payloadWriteLock(int alg, unsigned char wait, unsigned c
     return QByteArray();
 }
 
+QByteArray TDevAVR8Alg::payloadIdent(unsigned char i) {
+    return payloadInstr(0, {A::InReadSignature, 0x00, i, 0x00});
+}
+
+QByteArray TDevAVR8Alg::payloadErase(unsigned char wait) {
+    return payloadInstr(wait, {A::InProgram, A::InChipErase, 0x00, 0x00});
+}
+
+QByteArray TDevAVR8Alg::payloadReadLock() {
+    return payloadInstr(0, {A::InReadLockHigh, 0x00, 0x00, 0x00});
+}
+
+QByteArray TDevAVR8Alg::payloadReadOscCal(unsigned char i) {
+    return payloadInstr(0, {A::InReadCalibration, 0x00, i, 0x00});
+}
+
+unsigned char TDevAVR8Alg::fuseFromReply(int alg, unsigned char r3) {
+    return alg == 0 ? r3 & 0x21 : r3;
+}
+
+unsigned char TDevAVR8Alg::lockFromReply(int alg, unsigned char r3) {
+    return alg == 0 ? (r3 >> 4) & 6 : r3;
+}
+
 void TDevAVR8Alg::alignDataToWord(qint64& addr, QByteArray& data) {
     if (addr & 1) {
         data.prepend(char(0xFF));
@@ -109,9 +133,7 @@ bool TDevAVR8Alg::ident(int alg, TSerialPort& port, QByteArray& signature, QStri
     signature.clear();
     for (unsigned char i = 0; i < 3; ++i) {
         QByteArray r;
-        if (!instr(port, payloadInstr(0, {A::InReadSignature, 0x00, i, 0x00}), r, err, A::InReadSignature,
-                   0x00))
-            return false;
+        if (!instr(port, payloadIdent(i), r, err, A::InReadSignature, 0x00)) return false;
         signature.append(r.at(3));
     }
     return true;
@@ -120,8 +142,7 @@ bool TDevAVR8Alg::ident(int alg, TSerialPort& port, QByteArray& signature, QStri
 bool TDevAVR8Alg::erase(int alg, TSerialPort& port, unsigned char wait, QString& err) {
     if (alg != 0) return false;
     QByteArray r;
-    return instr(port, payloadInstr(wait, {A::InProgram, A::InChipErase, 0x00, 0x00}), r, err, A::InProgram,
-                 A::InChipErase, 0x00);
+    return instr(port, payloadErase(wait), r, err, A::InProgram, A::InChipErase, 0x00);
 }
 
 bool TDevAVR8Alg::extendedAddress(TSerialPort& port, FlashState& st, qint64 addr, QString& err) {
@@ -178,7 +199,7 @@ bool TDevAVR8Alg::readFuseBits(int alg, TSerialPort& port, int count, QByteArray
         QByteArray r;
         // The single-byte read of the oldest parts has no echo to check.
         if (!instr(port, p, r, err, alg == 0 ? -1 : u8(p.at(1)))) return false;
-        out.append(alg == 0 ? char(r.at(3) & 0x21) : r.at(3));
+        out.append(char(fuseFromReply(alg, u8(r.at(3)))));
     }
     return true;
 }
@@ -198,10 +219,8 @@ bool TDevAVR8Alg::writeFuse(int alg, TSerialPort& port, unsigned char wait, cons
 bool TDevAVR8Alg::readLockBits(int alg, TSerialPort& port, unsigned char& out, QString& err) {
     if (alg != 0 && alg != 1) return false;
     QByteArray r;
-    if (!instr(port, payloadInstr(0, {A::InReadLockHigh, 0x00, 0x00, 0x00}), r, err, A::InReadLockHigh, 0x00))
-        return false;
-    const unsigned char v = u8(r.at(3));
-    out = alg == 0 ? (v >> 4) & 6 : v;
+    if (!instr(port, payloadReadLock(), r, err, A::InReadLockHigh, 0x00)) return false;
+    out = lockFromReply(alg, u8(r.at(3)));
     return true;
 }
 
@@ -218,9 +237,7 @@ bool TDevAVR8Alg::readOscCal(int alg, TSerialPort& port, int count, QByteArray& 
     out.clear();
     for (int i = 0; i < count; ++i) {
         QByteArray r;
-        if (!instr(port, payloadInstr(0, {A::InReadCalibration, 0x00, u8(i), 0x00}), r, err,
-                   A::InReadCalibration, 0x00))
-            return false;
+        if (!instr(port, payloadReadOscCal(u8(i)), r, err, A::InReadCalibration, 0x00)) return false;
         out.append(r.at(3));
     }
     return true;

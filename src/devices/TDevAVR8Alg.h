@@ -63,6 +63,13 @@ public:
     static QList<QByteArray> payloadReadFuse(int alg, int count);
     static QList<QByteArray> payloadWriteFuse(int alg, unsigned char wait, const QByteArray& fuses);
     static QByteArray payloadWriteLock(int alg, unsigned char wait, unsigned char v);
+    static QByteArray payloadIdent(unsigned char i);
+    static QByteArray payloadErase(unsigned char wait);
+    static QByteArray payloadReadLock();
+    static QByteArray payloadReadOscCal(unsigned char i);
+    // The value a read takes from the fourth byte shifted in.
+    static unsigned char fuseFromReply(int alg, unsigned char r3);
+    static unsigned char lockFromReply(int alg, unsigned char r3);
 
 private:
     // One instruction; echo lists the reply bytes r1, r2, r3 to check (-1: not checked).

@@ -115,6 +115,7 @@ bool TDevProgExec::execSetDevice(TSerialPort& port) {
         setErrorText(Lang.get(387).arg(CmdCode.getName(CTagCmdCode::set_device)));
         return false;
     }
+    port.describeTarget(dev->getDevParam());
     return send(port, CmdSetDevice, dev->getCmdSetDeviceExec(param));
 }
 

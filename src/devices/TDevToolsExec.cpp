@@ -167,6 +167,12 @@ bool TDevToolsExec::execProcess() {
     if (args.isEmpty()) return true;
     QProcess proc;
     proc.setProcessChannelMode(QProcess::ForwardedChannels);
+    // Relative names in the command line mean files beside the project, wherever Tarvelix was started.
+    const QString folder = ProjectData.getPrjWorkPath();
+    if (!folder.isEmpty()) {
+        proc.setWorkingDirectory(folder);
+        emit signalEventText(ExecInfo, Lang.get(1420).arg(folder), QString());
+    }
     proc.start(args.takeFirst(), args, QIODevice::ReadWrite);
     proc.waitForFinished(30000);
     return true;
@@ -207,7 +213,7 @@ bool TDevToolsExec::execCalcCRC() {
     if (count == 0) count = QFileInfo(file).size() - addr;
     const qint64 piece = 0x1000000;
     // File and device addresses coincide: the range starts at addr in both.
-    TFormat data(format, file, addr, addr, addr + count - 1, piece);
+    TFormat data(format, file, addr, addr, TMiscDev::getLastAddr(addr, count), piece);
     if (!openFile(data, FormatModeRead)) return false;
     // The CRC runs over exactly count bytes: gaps in the file are filled with the fill byte.
     qint64 at = addr;

@@ -52,6 +52,8 @@ private:
     void connectExec(IDeviceExec* exec, const QString& code);
 
     const int idCfg;
+    // Taken from the settings when the run is made, in the interface thread.
+    const bool checkBeforeRun;
     std::atomic<bool> stop{false};
     bool stoppedEnd = false;
 };

@@ -6,7 +6,9 @@
 #include "devices/TDevToolsExec.h"
 #include "exec/TLogText.h"
 #include "exec/TRunControl.h"
+#include "misc/TLockOut.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TCtrlProject.h"
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
@@ -71,9 +73,7 @@ int TRunner::list(const QString& project) {
             const QString name = TLogText::escape(group ? group->getViewCmdName(data) : cmd->getCmdCode());
             const QString params =
                 TLogText::escape(group ? group->getViewCmdParam(data, nullptr) : QString());
-            const QString state = !cmd->getValidDev()     ? Lang.get(387).arg(name)
-                                  : !cmd->getValidParam() ? Lang.get(388).arg(name)
-                                                          : QString();
+            const QString state = TLogText::escape(TCmdProblem::get(name, data, group));
             print(QStringLiteral("  [%1] %2%3%4\n")
                       .arg(cmd->getEnable() ? QLatin1Char('x') : QLatin1Char(' '))
                       .arg(name.isEmpty() ? TLogText::escape(cmd->getCmdCode()) : name)
@@ -117,6 +117,7 @@ int TRunner::run(const Options& options) {
         ids.append(ProjectData.getIdCfgFromPosCfg(0));
     }
     TDevToolsExec::setProcessAllowed(opt.allowProcess);
+    TLockOut::setAllowedAll(opt.allowLockout);
     log = new TLogText(AppData.logShowTime, AppData.logShowMSec);
     control = new TRunControl(this);
     control->setShowDurations([] { return AppData.logShowTime; });

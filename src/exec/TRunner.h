@@ -22,6 +22,7 @@ public:
         bool save = false;   // write the project back after the runs (counters change)
         bool continuePauses = false;
         bool allowProcess = false;
+        bool allowLockout = false; // fuse writes that turn off serial programming
     };
     // A run stopped by the user is no success, but no failure of the chip either.
     enum ExitCode { ExitOk = 0, ExitFailed = 1, ExitUsage = 2, ExitStopped = 3 };

@@ -3,6 +3,7 @@
 #include "app/TLang.h"
 #include "link/CProtocol.h"
 #include "link/TPortLock.h"
+#include "link/bridge/IBridge.h"
 
 #include <cerrno>
 #include <cstring>
@@ -55,6 +56,7 @@ bool TSerialPort::sendPackage(unsigned char cmd, QByteArray& data) {
         return false;
     }
     port->clear(QSerialPort::AllDirections);
+    if (bridge || !unknownProtocol.isEmpty()) return bridgeExchange(cmd, data);
     buildRequest(cmd, data);
     if (!writeData(txFrame)) return fail();
     rxFrame.resize(0);

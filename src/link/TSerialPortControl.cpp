@@ -5,12 +5,14 @@
 #include "app/TLang.h"
 #include "link/TPortLock.h"
 #include "link/TProg.h"
+#include "link/bridge/IBridge.h"
 
 // The text of an earlier exchange must not stand for a failed open. A port another run of this
 // application holds is refused before the system is asked, naming that run.
 bool TSerialPort::open(OpenMode mode) {
     errorText.clear();
     timeOutFlag = false;
+    if (bridge) bridge->restart();
     QString heldBy;
     if (!TPortLock::claim(port->portName(), this, ownerName, &heldBy)) {
         errorText = Lang.get(1303).arg(port->portName(), heldBy);
@@ -138,4 +140,5 @@ void TSerialPort::applySettings(const TProg& prog) {
     setFlowControl(flow);
     setTimeOut(timeOut);
     setProtocolParam(maxData);
+    setProtocol(prog.getProtocol());
 }

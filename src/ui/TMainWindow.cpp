@@ -549,7 +549,7 @@ int TMainWindow::runCount() const {
 }
 
 void TMainWindow::connectRunControl() {
-    control->setStartGate([this](int idCfg) { return cfgViews.contains(idCfg) && confirmProcess(idCfg); });
+    control->setStartGate([this](int idCfg) { return cfgViews.contains(idCfg) && confirmProcess(idCfg) && confirmLockOut(idCfg); });
     control->setShowDurations([] { return AppData.logShowTime; });
     connect(control, &TRunControl::signalStarted, this, &TMainWindow::runStarted);
     connect(control, &TRunControl::signalEventText, this, &TMainWindow::runEventText);

@@ -114,6 +114,8 @@ private:
     void updateActions();
     void updateTitle();
     bool confirmProcess(int idCfg);
+    // Fuse writes of the run that would lock the part out of serial programming are asked about once.
+    bool confirmLockOut(int idCfg);
     void connectRunControl();
     void runStarted(int idCfg);
     void runEventText(int idCfg, TCodeExec code, const QString& text, const QString& param);

@@ -75,7 +75,19 @@ private slots:
                             .arg(Lang.get(391)));
         r = run({"--run", project({setProg, cmd("set_vcc", R"("vcc": "7.0")")})});
         QCOMPARE(r.status, 1);
-        QVERIFY(r.out.contains(Lang.get(388).arg("Set Vcc")));
+        QVERIFY2(r.out.contains(Lang.get(388).arg("Set Vcc")), qPrintable(r.out));
+    }
+
+    // The check before running refuses the invalid command before the programmer is opened; --no-check
+    // runs up to it.
+    void noCheckRunsUpToTheInvalidCommand() {
+        const QString prj = project({cmd("set_prog", R"("prog": "Sim")"), cmd("set_vcc", R"("vcc": "7.0")")});
+        Result r = run({"--run", prj});
+        QCOMPARE(r.status, 1);
+        QVERIFY(r.out.contains(Lang.get(1017) + "\n") && !r.out.contains("Set Prog"));
+        r = run({"--run", prj, "--no-check"});
+        QCOMPARE(r.status, 1);
+        QVERIFY(r.out.startsWith("Set Prog (Sim)\nTarvelix programmer simulator 1.0\nSet Vcc (7.0 V)\n"));
     }
 
     void wrongProjectOrArgumentsExitWithTwo() {

@@ -110,10 +110,15 @@ private slots:
         SimFixture sim;
         QVERIFY(sim.start({"--trace", sim.path("trace.txt")}));
         w.addProgrammer("Sim", sim);
-        // 9.9 V is beyond the simulator's supply range.
-        QCOMPARE(
-            w.run(options(w.writeProject(project({{"Main", {setProg, cmd("set_vcc", R"("vcc": "9.9")")}}})))),
-            1);
+        // 9.9 V is beyond the simulator's supply range. Checked before running, nothing is sent at all;
+        // without the check the run opens the programmer and fails when it reaches the command.
+        const QString prj = w.writeProject(project({{"Main", {setProg, cmd("set_vcc", R"("vcc": "9.9")")}}}));
+        QCOMPARE(w.run(options(prj)), 1);
+        QVERIFY(w.output.contains(Lang.get(388).arg("Set Vcc")));
+        QCOMPARE(WorkerFixture::requests(sim.path("trace.txt")), QStringList());
+        AppData.checkBeforeRun = false;
+        QCOMPARE(w.run(options(prj)), 1);
+        AppData.checkBeforeRun = true;
         QVERIFY(w.output.contains(Lang.get(388).arg("Set Vcc")));
         QCOMPARE(WorkerFixture::requests(sim.path("trace.txt")).mid(3),
                  (QStringList{"C0 85 00 00 BB", "C0 83 01 00 02 BA"}));

@@ -35,12 +35,12 @@ class TestGuiScreenshots : public QObject {
     }
 
     // The form of a command in its dialog, at the dialog's natural height.
-    void saveForm(IDevice* group, const TData& param, const QString& name) {
+    void saveForm(IDevice* group, const TData& param, const QString& name, int width = 560) {
         QVERIFY(group);
         TDialogCmdParam dlg(group, param);
         QVERIFY2(dlg.hasForm(), qPrintable(name));
         QCOMPARE(dlg.getError(), QString());
-        dlg.resize(560, dlg.sizeHint().height());
+        dlg.resize(width, dlg.sizeHint().height());
         dlg.show();
         save(dlg, name, dlg.size());
     }
@@ -195,13 +195,16 @@ private slots:
             saveForm(cmd->getGroupObject(), cmd->getData(), "form_" + code);
         }
         const QList<QPair<QString, QString>> registers = {{"ATmega328P", "fuse_write"},
+                                                          {"ATtiny85", "fuse_write"},
+                                                          {"ATmega2560", "fuse_write"},
                                                           {"W25Q80RV", "status_reg_write"}};
         for (const auto& r : registers) {
             IDevice* dev = catalogueDevice(r.first);
             QVERIFY2(dev, qPrintable(r.first));
             TData p{{"cmd", r.second}};
             dev->getDefaultCmdParam(p);
-            saveForm(dev, p, "form_" + r.second + "_" + r.first);
+            // The fuse choices name clock sources and start-up times at length.
+            saveForm(dev, p, "form_" + r.second + "_" + r.first, r.second == "fuse_write" ? 760 : 560);
         }
         w.closeProject();
     }

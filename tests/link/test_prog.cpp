@@ -138,7 +138,8 @@ private slots:
         TSettings::setFileNameIniOverride(ini);
         TAppData data;
         data.loadData();
-        QCOMPARE(data.progType.count(), 2);
+        // The simulator first, then the types of the bridged hardware (tests/bridge) and the Nano.
+        QCOMPARE(data.progType.getTypeFromIndex(0), QString("Simulator"));
         QCOMPARE(data.progType.getFile("Simulator"), QString("sim.cfg"));
         QCOMPARE(data.progType.getFile("Arduino Nano"), QString("arduino-nano.cfg"));
         QCOMPARE(data.progName.getNameList(), (QStringList{"Simulator", "Arduino Nano"}));
