@@ -10,6 +10,8 @@
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 
+#include <QFileInfo>
+
 namespace {
 const QString kData = QStringLiteral("data");
 } // namespace
