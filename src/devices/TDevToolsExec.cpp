@@ -118,7 +118,8 @@ bool TDevToolsExec::execJamp(int& idCfg, int& idCmd) {
     }
     if (idCfg != from)
         emit signalEventText(
-            ExecInfo, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), ProjectData.getNameCfgFromIdCfg(idCfg)),
+            ExecInfo,
+            QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), ProjectData.getNameCfgFromIdCfg(idCfg)),
             QString());
     return true;
 }
@@ -247,8 +248,9 @@ bool TDevToolsExec::execCalcCRC() {
     }
     data.close();
     if (isStop()) return true;
-    emit signalEventText(
-        ExecResult, QStringLiteral("%1: %2").arg(name, TMiscDev::getHexFromByteArray(crc->getResult())), QString());
+    emit signalEventText(ExecResult,
+                         QStringLiteral("%1: %2").arg(name, TMiscDev::getHexFromByteArray(crc->getResult())),
+                         QString());
     return true;
 }
 
