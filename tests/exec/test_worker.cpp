@@ -158,10 +158,15 @@ private slots:
                            "\"addr\": \"0\", \"count\": \"1\", \"fill\": \"255\"")
                 .arg(name);
         const QString file = w.writeProject(project({{"Main", {cmd("calc_crc", params)}}}));
-        QCOMPARE(w.run(options(file)), int(TRunner::ExitFailed));
-        QVERIFY(!w.output.contains(QChar(0x1b)));
+        // Checked before running the command is refused; without the check the worker shows its line.
+        for (bool check : {true, false}) {
+            AppData.checkBeforeRun = check;
+            QCOMPARE(w.run(options(file)), int(TRunner::ExitFailed));
+            AppData.checkBeforeRun = true;
+            QVERIFY(!w.output.contains(QChar(0x1b)));
+            QVERIFY2(!w.output.split('\n').contains(Lang.get(391)), qPrintable(w.output));
+        }
         QVERIFY2(w.output.contains("x\\n" + Lang.get(391) + "\\x1B[2J.bin"), qPrintable(w.output));
-        QVERIFY2(!w.output.split('\n').contains(Lang.get(391)), qPrintable(w.output));
     }
 
     void stopEndsTheRunDuringALongDelay() {
