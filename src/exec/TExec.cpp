@@ -18,6 +18,11 @@
 
 #include <memory>
 
+namespace {
+// A command that failed without a text.
+constexpr int LangSilentFailure = 1215;
+} // namespace
+
 TExec::TExec(int id, QObject* parent) : QObject(parent), idCfg(id), checkBeforeRun(AppData.checkBeforeRun) {}
 
 TExec::~TExec() {
@@ -142,7 +147,13 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         processEvents();
         // A command abandoned because the user asked to stop is no failure: the run ends as stopped.
         if (!ok && stop) return true;
-        if (!ok) return false;
+        if (!ok) {
+            // Some family failures carry no text of their own (as those families are defined); the log
+            // still has to say which command failed.
+            if (error.isEmpty() && exec->getErrorText().isEmpty())
+                error = Lang.get(LangSilentFailure).arg(info.name);
+            return false;
+        }
     }
 }
 

@@ -61,8 +61,11 @@ bool TRunCheck::readsFile(const TData& data, FileUse& use) {
     use.format = data.value(format).toString().toLower();
     use.addrFile = use.addrDevice = data.value(addr).toLongLong();
     // A count of 0 sums the file from addr to its end.
+    // A hostile project may give values near the limits: the end saturates instead of wrapping.
     const qint64 n = data.value(count).toLongLong();
-    use.last = n > 0 ? use.addrDevice + n - 1 : std::numeric_limits<qint32>::max() + use.addrDevice;
+    const qint64 span = n > 0 ? n - 1 : std::numeric_limits<qint32>::max();
+    const qint64 top = std::numeric_limits<qint64>::max();
+    use.last = use.addrDevice > top - span ? top : use.addrDevice + span;
     return true;
 }
 
