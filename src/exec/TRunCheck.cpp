@@ -112,7 +112,7 @@ TRunCheck::Item TRunCheck::describe(TDataCmd* cmd, int pos, int cfg) const {
     item.idCmd = cmd->getUIN();
     item.where = Lang.get(text_where).arg(pos + 1).arg(name, ProjectData.getNameCfgFromIdCfg(cfg));
     if (!group || !cmd->getValidDev()) {
-        item.invalid = Lang.get(387).arg(name);
+        item.invalid = IDevice::notSupportedText(group, cmd->getCmdCode(), name);
     } else if (!cmd->getValidParam()) {
         const QString key = wrongParam(group, data);
         item.invalid =

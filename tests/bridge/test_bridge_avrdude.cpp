@@ -46,7 +46,8 @@ private slots:
         QCOMPARE(BridgeRig::read(dir.filePath("back.bin")), code);
         const QByteArray byAvrdude = a.stop();
         QCOMPARE(byAvrdude.left(flashSize), code);
-        QCOMPARE(byAvrdude.mid(flashSize + eepromSize), QByteArray::fromHex("E2D705FF"));
+        // The extended fuse instruction carries bits 2..0; the part keeps the others unprogrammed.
+        QCOMPARE(byAvrdude.mid(flashSize + eepromSize), QByteArray::fromHex("E2D7FDFF"));
 
         BridgeRig t;
         QVERIFY(t.start("stk500v1", "ATmega328P", old));
@@ -56,8 +57,8 @@ private slots:
                             BridgeRig::cmd("erase"), flash("flash_file_write", file, 0, flashSize),
                             flash("flash_file_verify", file, 0, flashSize),
                             flash("flash_file_read", back, 0, flashSize),
-                            BridgeRig::cmd("fuse_write", R"("data": "E2D705")"),
-                            BridgeRig::cmd("fuse_verify", R"("data": "E2D705")"),
+                            BridgeRig::cmd("fuse_write", R"("data": "E2D7FD")"),
+                            BridgeRig::cmd("fuse_verify", R"("data": "E2D7FD")"),
                             flash("eeprom_file_write", eeFile, 0, eepromSize),
                             flash("eeprom_file_verify", eeFile, 0, eepromSize)});
         QVERIFY2(run.status == 0, qPrintable(run.output));
