@@ -1,8 +1,10 @@
 #include "devices/IDeviceExec.h"
 
 #include "app/TApp.h"
+#include "app/TAppData.h"
 #include "app/TLang.h"
 #include "devices/IDevice.h"
+#include "devices/TSignature.h"
 #include "formats/TFormat.h"
 #include "link/TProg.h"
 #include "link/TSerialPort.h"
@@ -12,6 +14,7 @@
 #include "project/TDataPrj.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 IDeviceExec::IDeviceExec(const TData& p, QObject* parent) : QObject(parent), param(p) {}
 
@@ -62,17 +65,21 @@ bool IDeviceExec::storeData(const QString& hex) {
     return true;
 }
 
-bool IDeviceExec::readSetup(TData& dev, int& maxData) const {
+bool IDeviceExec::readSetup(TData& devParam, int& max) const {
     TLocker lock(ProjectData.getMutex());
     TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
     IDevice* device = cmd ? cmd->getDeviceObject() : nullptr;
     TProg* prog = cmd ? cmd->getProgObject() : nullptr;
     if (!device || !prog) return false;
-    dev = device->getDevParam();
-    unsigned short max = 0;
-    prog->getProtocolSettings(max);
-    maxData = max;
+    devParam = device->getDevParam();
+    unsigned short limit = 0;
+    prog->getProtocolSettings(limit);
+    max = limit;
     return true;
+}
+
+bool IDeviceExec::prepareDevice(TSerialPort& port) {
+    return isOpenPort(port) && readSetup(dev, maxData) && maxData > 0;
 }
 
 bool IDeviceExec::compare(qint64 addr, const QByteArray& expected, const QByteArray& read) {
@@ -83,6 +90,23 @@ bool IDeviceExec::compare(qint64 addr, const QByteArray& expected, const QByteAr
             return false;
         }
     return true;
+}
+
+bool IDeviceExec::failAlg(const QString& err, const char* algKey) {
+    setErrorText(err.isEmpty() ? Lang.get(483).arg(TAPP_PARAM(dev, algKey).toInt()) : err);
+    return false;
+}
+
+bool IDeviceExec::identify(TSerialPort& port) {
+    QString read;
+    if (!execReadSignature(port, read)) return false;
+    const QByteArray expected = TMiscDev::getByteArrayFromHex(TAPP_PARAM(dev, "signature").toString());
+    if (TMiscDev::getByteArrayFromHex(read) == expected) return true;
+    const QString devFile =
+        TApp::getAbsoluteFile(AppData.getPathDevicesAbs(), TAPP_PARAM(dev, "dev_file").toString());
+    const QString names = TSignature::getSignatureDeviceName(QFileInfo(devFile).absolutePath(), read);
+    setErrorText(Lang.get(404).arg(read, names));
+    return false;
 }
 
 bool IDeviceExec::openFile(TFormat& data, TFormatMode mode) {
@@ -102,52 +126,4 @@ bool IDeviceExec::forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& 
         if (!each(at, piece)) return false;
         at += piece.size();
     }
-}
-
-bool IDeviceExec::writeFileRange(qint64 chunk, const FilePiece& write) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!openFile(data, FormatModeRead)) return false;
-    int last = -1, counter = 0;
-    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
-        return write(at, piece) && !processGUI(last, counter, at + piece.size(), end);
-    });
-}
-
-bool IDeviceExec::verifyFileRange(qint64 chunk, const PieceReader& read) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!openFile(data, FormatModeRead)) return false;
-    int last = -1, counter = 0;
-    QByteArray got;
-    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
-        return read(at, piece.size(), got) && compare(at, piece, got) &&
-               !processGUI(last, counter, at + piece.size(), end);
-    });
-}
-
-bool IDeviceExec::readFileRange(qint64 chunk, const RangeReader& read) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!openFile(data, FormatModeWrite)) return false;
-    const qint64 start = addr;
-    const bool ok = read(addr, end, [&](qint64 at, const QByteArray& piece) {
-        if (data.write(addrFile + at - start, piece)) return true;
-        setErrorText(data.getErrorText());
-        return false;
-    });
-    if (!data.close() && ok) {
-        setErrorText(data.getErrorText());
-        return false;
-    }
-    return ok;
 }
