@@ -4,6 +4,7 @@
 #include "app/TLang.h"
 #include "app/TSettings.h"
 #include "app/TTypes.h"
+#include "exec/TQuickRun.h"
 #include "exec/TRunner.h"
 #include "ui/TMainWindow.h"
 
@@ -23,8 +24,10 @@ namespace {
 // Options that never need a display: they run on a plain core application.
 bool isConsoleOnly(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        for (const char* opt : {"--help", "-h", "--version", "-v", "--help-all", "--run", "--list"})
+        for (const char* opt : {"--help", "-h", "--version", "-v", "--help-all", "--run", "--list",
+                                "--list-chips", "--list-progs", "--chip", "--prog"})
             if (std::strcmp(argv[i], opt) == 0) return true;
+        if (std::strncmp(argv[i], "--chip=", 7) == 0 || std::strncmp(argv[i], "--prog=", 7) == 0) return true;
     }
     return false;
 }
@@ -45,6 +48,29 @@ void applyFonts() {
     QApplication::setFont(font);
     if (AppData.fontMonoName.isEmpty()) AppData.fontMonoName = font.family();
     if (AppData.fontMonoSize == 0) AppData.fontMonoSize = font.pointSize();
+}
+
+// The one-line chip operations; their order on the command line is read by TQuickRun itself.
+void addQuickOptions(QCommandLineParser& parser) {
+    const auto add = [&](const char* name, const char* help, const char* value = nullptr) {
+        parser.addOption(value ? QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(help),
+                                                    QString::fromLatin1(value))
+                               : QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(help)));
+    };
+    add("prog", "Programmer for a one-line operation (default: the default programmer).", "NAME");
+    add("chip", "Chip for a one-line operation, or \"auto\" to detect it.", "PART");
+    add("detect", "Read the chip's identification and compare it.");
+    add("erase", "Erase the chip.");
+    add("write", "Write FILE into the chip's memory.", "FILE");
+    add("verify", "Compare the chip's memory with FILE.", "FILE");
+    add("read", "Read the chip's memory into FILE.", "FILE");
+    add("format", "Data file format: bin, hex or ihex (default: from the file's extension).", "FORMAT");
+    add("memory", "Memory of the file options: flash (default) or eeprom.", "MEMORY");
+    add("fuses", "Write and verify the fuse bytes, as hex digits.", "HEX");
+    add("lock", "Write and verify the lock byte, as hex digits.", "HEX");
+    add("vcc", "Supply voltage to set before the operations.", "VOLTS");
+    add("list-chips", "List the chips of the catalogue whose name matches the optional PATTERN.");
+    add("list-progs", "List the programmers that are set up.");
 }
 
 } // namespace
@@ -83,7 +109,9 @@ int main(int argc, char** argv) {
                                      QStringLiteral("List the configurations and commands of PROJECT."),
                                      QStringLiteral("PROJECT"));
     parser.addOptions({settingsOpt, runOpt, configOpt, saveOpt, pausesOpt, processOpt, listOpt});
-    parser.addPositionalArgument(QStringLiteral("project"), QStringLiteral("Project file to open in the window."),
+    addQuickOptions(parser);
+    parser.addPositionalArgument(QStringLiteral("project"),
+                                 QStringLiteral("Project file to open in the window."),
                                  QStringLiteral("[PROJECT.prj]"));
     // A wrong argument ends with status 2, as a project that cannot be loaded does.
     if (!parser.parse(app->arguments())) {
@@ -105,6 +133,18 @@ int main(int argc, char** argv) {
     Lang.loadData(AppData.getLanguageFileAbs());
 
     if (parser.isSet(listOpt)) return TRunner().list(absolute(parser.value(listOpt)));
+    if (parser.isSet(QStringLiteral("list-chips")))
+        return TQuickRun().listChips(parser.positionalArguments().value(0));
+    if (parser.isSet(QStringLiteral("list-progs"))) return TQuickRun().listProgs();
+    if (TQuickRun::wanted(app->arguments())) {
+        TQuickRun::Options opt;
+        QString error;
+        if (!TQuickRun::parse(app->arguments(), opt, error)) {
+            std::fprintf(stderr, "%s\n", qPrintable(error));
+            return TRunner::ExitUsage;
+        }
+        return TQuickRun().run(opt, startDir.absolutePath());
+    }
     if (parser.isSet(runOpt)) {
         TRunner::Options opt;
         opt.project = absolute(parser.value(runOpt));

@@ -133,8 +133,9 @@ bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {
     for (const auto& pair : TSignature::getSignatureListFromName(family))
         if (pair.first == signature) {
             matches.append(pair.second);
+            // The device name travels as the event's parameter for callers that act on what was found.
             emit signalEventText(4, Lang.get(401).arg(QStringLiteral("%1 (%2)").arg(pair.second, signature)),
-                                 QString());
+                                 pair.second);
         }
     if (matches.isEmpty()) {
         const QString text = Lang.get(402) + QStringLiteral(" (%1)").arg(signature);

@@ -95,8 +95,12 @@ void TRunner::installSigint() {
 }
 
 int TRunner::run(const Options& options) {
+    if (!loadProject(options.project)) return ExitUsage;
+    return runLoaded(options);
+}
+
+int TRunner::runLoaded(const Options& options) {
     opt = options;
-    if (!loadProject(opt.project)) return ExitUsage;
     QList<int> ids;
     for (const QString& name : opt.configs) {
         const int id = ProjectData.getIdCfgFromNameCfg(name);
@@ -172,6 +176,7 @@ void TRunner::runFinished(QThread* thread, TExec* exec) {
 void TRunner::slotEventText(TCodeExec code, QString text, QString param) {
     TThreadSync::Receiver sync;
     auto* exec = qobject_cast<TExec*>(sender());
+    emit signalEvent(code, text, param);
     const QList<TLogPiece> pieces = log->event(code, text, param, QTime::currentTime());
     if (pieces.isEmpty()) return;
     QString line = TLogText::toPlain(pieces);

@@ -1,4 +1,5 @@
 #include "app/TLang.h"
+#include "support/CliSettings.h"
 #include "support/SimFixture.h"
 
 #include <QProcess>
@@ -15,17 +16,7 @@ class TestCliRun : public QObject {
     QTemporaryDir dir;
     SimFixture sim;
 
-    QString settings() {
-        const QString ini = dir.filePath("tarvelix.ini");
-        QFile f(ini);
-        f.open(QIODevice::WriteOnly);
-        f.write(QStringLiteral("[Main]\nLanguage=eng.lng\n[Interface]\nExecLogShowTime=false\n"
-                               "[ProgTypeList]\nType0=Simulator, " TARVELIX_DATA_DIR "/progs/sim.cfg\n"
-                               "[ProgNameList]\nName0=0, Sim, %1, Simulator\n")
-                    .arg(sim.link())
-                    .toUtf8());
-        return ini;
-    }
+    QString settings() { return writeCliSettings(dir.path(), sim.link()); }
 
     QString project(const QStringList& commands) {
         const QString file = dir.filePath("p.prj");

@@ -1,0 +1,201 @@
+#include "app/TLang.h"
+#include "support/CliSettings.h"
+#include "support/SimFixture.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+// "tarvelix --chip PART --erase --write FILE ..." as flashrom and avrdude users type it: a real process
+// against the simulator, with the chip's image read back from the simulator afterwards.
+class TestCliQuick : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir dir;
+    SimFixture sim;
+
+    QString settings() { return writeCliSettings(dir.path(), sim.link()); }
+
+    struct Result {
+        int status;
+        QString out, err;
+    };
+
+    // Runs in the test's folder, so that relative file names are tried too.
+    Result run(const QStringList& args) {
+        QProcess p;
+        p.setWorkingDirectory(dir.path());
+        p.start(QStringLiteral(TARVELIX_BIN_DIR "/tarvelix"), QStringList{"--settings", settings()} + args);
+        p.waitForFinished(30000);
+        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+                QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+    }
+
+    bool startSim(const QString& chip, const QByteArray& image) {
+        QFile f(sim.path("image.bin"));
+        if (!f.open(QIODevice::WriteOnly) || f.write(image) != image.size()) return false;
+        f.close();
+        return sim.start(
+            {"--chip", chip, "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()});
+    }
+
+    // Stops the simulator, which writes the chip's contents back to its image.
+    QByteArray chipImage() {
+        sim.stop();
+        QFile f(sim.path("image.bin"));
+        f.open(QIODevice::ReadOnly);
+        return f.readAll();
+    }
+
+    void writeFile(const QString& name, const QByteArray& bytes) {
+        QFile f(dir.filePath(name));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    }
+
+    static QByteArray hexRecord(int addr, const QByteArray& data) {
+        QByteArray rec;
+        rec.append(char(data.size())).append(char(addr >> 8)).append(char(addr)).append(char(0)).append(data);
+        int sum = 0;
+        for (char c : rec)
+            sum += static_cast<unsigned char>(c);
+        rec.append(char(-sum));
+        return ":" + rec.toHex().toUpper() + "\n";
+    }
+
+    static QByteArray pattern(int n, int seed) {
+        QByteArray b(n, 0);
+        for (int i = 0; i < n; ++i)
+            b[i] = char(i * 7 + seed);
+        return b;
+    }
+
+    QString end() { return Lang.get(391) + "\n"; }
+    QString header(const QString& chip) {
+        return "Set Prog (Sim)\nTarvelix programmer simulator 1.0\nSet Device (" + chip + ")\n";
+    }
+
+private slots:
+    void initTestCase() { Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng")); }
+
+    void spiFlashEraseWriteVerifyAndRead() {
+        const int size = 1 << 20;
+        QVERIFY(startSim("W25Q80RV", QByteArray(size, 0)));
+        const QByteArray data = pattern(20, 3);
+        writeFile("f.hex",
+                  hexRecord(0x100, data.left(16)) + hexRecord(0x110, data.mid(16)) + ":00000001FF\n");
+        const QString hexFile = dir.filePath("f.hex");
+        Result r = run({"--chip", "W25Q80RV", "--erase", "--write", "f.hex", "--verify", "f.hex"});
+        QCOMPARE(r.status, 0);
+        QCOMPARE(r.out, header("W25Q80RV") + "Erase\nFile Write (" + hexFile + " (HEX))\nFile Verify (" +
+                            hexFile + " (HEX))\n" + end());
+
+        // A file the chip does not hold fails the run; the chip keeps what was written.
+        writeFile("other.bin", QByteArray(0x200, 0x5A));
+        r = run({"--chip", "w25q80rv", "--verify", "other.bin"});
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.out.contains(Lang.get(386)), qPrintable(r.out));
+
+        r = run({"--chip", "W25Q80RV", "--read", "out.bin", "--format", "bin"});
+        QCOMPARE(r.status, 0);
+        QFile read(dir.filePath("out.bin"));
+        QVERIFY(read.open(QIODevice::ReadOnly));
+        QByteArray expected(size, char(0xFF));
+        expected.replace(0x100, data.size(), data);
+        QCOMPARE(read.readAll(), expected);
+        QCOMPARE(chipImage(), expected);
+    }
+
+    void autoDetectReportsEveryMatchingPart() {
+        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        Result r = run({"--chip", "auto"});
+        QCOMPARE(r.status, 0);
+        for (const char* name : {"W25Q80BV", "W25Q80DV", "W25Q80RV"})
+            QVERIFY2(r.out.contains(Lang.get(401).arg(QString(name) + " (EF4014)")), qPrintable(r.out));
+        // An operation needs one part; flashrom refuses the same way.
+        r = run({"--chip", "auto", "--read", "x.bin"});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.err, Lang.get(1703).arg("W25Q80BV, W25Q80DV, W25Q80RV") + "\n");
+        QVERIFY(!QFile::exists(dir.filePath("x.bin")));
+
+        // The SPI flash family fails on an AVR; its try is not shown once the AVR family finds the part.
+        QVERIFY(startSim("ATmega328P", QByteArray()));
+        r = run({"--chip", "auto"});
+        QCOMPARE(r.status, 0);
+        QVERIFY2(r.out.contains(Lang.get(401).arg("ATmega328P (1E950F)")), qPrintable(r.out));
+        QVERIFY2(!r.out.contains(Lang.get(386)), qPrintable(r.out));
+        sim.stop();
+        r = run({"--chip", "auto"});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.out.count(Lang.get(393)), 1);
+    }
+
+    void avrEepromAndFuses() {
+        const int flash = 32768, eeprom = 1024;
+        QVERIFY(startSim("ATmega328P", QByteArray()));
+        const QByteArray data = pattern(300, 11);
+        writeFile("e.bin", data);
+        Result r = run({"--chip", "ATmega328P", "--memory", "eeprom", "--write", "e.bin", "--verify", "e.bin",
+                        "--fuses", "E2d9fe", "--lock", "FC"});
+        QCOMPARE(r.status, 0);
+        const QString file = dir.filePath("e.bin");
+        QCOMPARE(r.out, header("ATmega328P") + "EEPROM File Write (" + file +
+                            " (BIN))\nEEPROM File Verify (" + file +
+                            " (BIN))\nFuse Bits Write (E2D9FE)\nFuse Bits Verify (E2D9FE)\n"
+                            "Lock Bits Write (FC)\nLock Bits Verify (FC)\n" +
+                            end());
+        const QByteArray image = chipImage();
+        QCOMPARE(image.size(), flash + eeprom + 4);
+        QCOMPARE(image.left(flash), QByteArray(flash, char(0xFF)));
+        QCOMPARE(image.mid(flash, data.size()), data);
+        QCOMPARE(image.mid(flash + data.size(), eeprom - data.size()),
+                 QByteArray(eeprom - data.size(), char(0xFF)));
+        QCOMPARE(image.right(4).toHex().toUpper(), QByteArray("E2D9FEFC"));
+    }
+
+    void wrongOptionsNameTheProblemAndExitWithTwo() {
+        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        Result r = run({"--chip", "W25Q99", "--erase"});
+        QCOMPARE(r.status, 2);
+        QCOMPARE(r.err, Lang.get(1700).arg("W25Q99") + "\n");
+        r = run({"--chip", "W25Q80RV", "--memory", "eeprom", "--write", "x.bin"});
+        QCOMPARE(r.status, 2);
+        QCOMPARE(r.err, Lang.get(1704).arg("W25Q80RV", "write --memory eeprom") + "\n");
+        r = run({"--chip", "W25Q80RV", "--fuses", "FF"});
+        QCOMPARE(r.status, 2);
+        QCOMPARE(r.err, Lang.get(1704).arg("W25Q80RV", "fuses") + "\n");
+        r = run({"--chip", "ATmega328P", "--fuses", "E2D9"});
+        QCOMPARE(r.status, 2);
+        QCOMPARE(r.err, Lang.get(1710).arg("--fuses", Lang.get(388).arg("Fuse Bits Write")) + "\n");
+        r = run({"--prog", "Nope", "--chip", "W25Q80RV", "--erase"});
+        QCOMPARE(r.status, 2);
+        QCOMPARE(r.err, Lang.get(1701).arg("Nope", "Sim") + "\n");
+        r = run({"--chip", "W25Q80RV"});
+        QCOMPARE(r.err, Lang.get(1702) + "\n");
+        r = run({"--chip", "W25Q80RV", "--format", "srec", "--read", "x"});
+        QCOMPARE(r.err, Lang.get(1705).arg("srec") + "\n");
+        r = run({"--chip", "W25Q80RV", "--read"});
+        QCOMPARE(r.status, 2);
+        // Nothing of these reached the chip.
+        QCOMPARE(chipImage(), QByteArray(1 << 20, char(0xFF)));
+    }
+
+    void listsTheCatalogueAndTheProgrammers() {
+        Result r = run({"--list-chips", "w25q80?v"});
+        QCOMPARE(r.status, 0);
+        QCOMPARE(r.out, "W25Q80BV\tspi\nW25Q80DV\tspi\nW25Q80RV\tspi\n");
+        r = run({"--list-chips", "mega328"});
+        const QStringList lines = r.out.split('\n', Qt::SkipEmptyParts);
+        QVERIFY(lines.contains("ATmega328P\tavr"));
+        for (const QString& line : lines)
+            QVERIFY2(line.contains("mega328", Qt::CaseInsensitive), qPrintable(line));
+        r = run({"--list-chips", "nothing-like-it"});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.err, Lang.get(1712).arg("nothing-like-it") + "\n");
+        r = run({"--list-progs"});
+        QCOMPARE(r.out, "Sim\tSimulator\t" + sim.link() + "\t*\n");
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCliQuick)
+#include "test_cli_quick.moc"
