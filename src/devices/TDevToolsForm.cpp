@@ -134,7 +134,7 @@ TFormCmd* TDevTools::cmdCalcCRCForm(const TData& p) {
     QVariantList stored;
     for (const QString& f : formats)
         stored.append(f.toLower());
-    form->addChoice(format, Lang.get(530), formats, stored, true);
+    form->followFileFormat(file, form->addChoice(format, Lang.get(530), formats, stored, true), false);
     form->addHex(addr, Lang.get(531), 0, int64Max)->setObjectName(addr);
     form->addHex(count, Lang.get(532), 0, int64Max)->setObjectName(count);
     form->addHex(fill, Lang.get(533), 0, 0xFF)->setObjectName(fill);

@@ -6,6 +6,7 @@
 #include "devices/TDeviceList.h"
 #include "devices/TSignature.h"
 #include "exec/TRunner.h"
+#include "formats/TFormatGuess.h"
 #include "misc/TNormCmdParam.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
@@ -126,11 +127,10 @@ bool TQuickRun::parse(const QStringList& args, Options& opt, QString& error) {
     return true;
 }
 
-QString TQuickRun::formatKey(const QString& option, const QString& file) {
+QString TQuickRun::formatKey(const QString& option, const QString& file, bool forSave) {
     if (option == "bin") return QStringLiteral("bin");
     if (!option.isEmpty()) return QStringLiteral("hex"); // "hex" and "ihex" are both Intel HEX
-    const QString ext = QFileInfo(file).suffix().toLower();
-    return QStringList{"hex", "ihx", "ihex"}.contains(ext) ? QStringLiteral("hex") : QStringLiteral("bin");
+    return forSave ? TFormatGuess::keyOfName(file) : TFormatGuess::keyOf(file);
 }
 
 void TQuickRun::fail(const QString& text) {
@@ -230,8 +230,9 @@ bool TQuickRun::addStep(const Options& opt, IDevice* dev, int idCfg, const Step&
     TData values;
     if (pair) values.insert(CTagCmdRWV::data, step.value.toUpper());
     if (step.option == "write" || step.option == "verify" || step.option == "read") {
-        values.insert(CTagCmdRWV::file, QFileInfo(QDir(workDir), step.value).absoluteFilePath());
-        values.insert(CTagCmdRWV::format, formatKey(opt.format, step.value));
+        const QString path = QFileInfo(QDir(workDir), step.value).absoluteFilePath();
+        values.insert(CTagCmdRWV::file, path);
+        values.insert(CTagCmdRWV::format, formatKey(opt.format, path, step.option == "read"));
     }
     for (const QString& code : codes)
         optionOf.insert(TPrjBuilder::addCmd(ProjectData, idCfg, code, values),

@@ -31,8 +31,9 @@ public:
     static bool wanted(const QStringList& args);
     // The options of args (args[0] is the program) in the order given; false with the reason.
     static bool parse(const QStringList& args, Options& opt, QString& error);
-    // The data file format key of a file: the option's choice, else its extension.
-    static QString formatKey(const QString& option, const QString& file);
+    // The data file format key of a file: the option's choice, else its contents (a file to be written:
+    // its extension).
+    static QString formatKey(const QString& option, const QString& file, bool forSave);
 
     explicit TQuickRun(FILE* out = stdout, FILE* err = stderr) : out(out), err(err) {}
 

@@ -126,8 +126,9 @@ TFormCmd* TNormCmdParam::formRWVFile(const TData& p, qint64 begin, qint64 size) 
     addDeviceNote(form, begin, size);
     form->addFile(CTagCmdRWV::file, Lang.get(565), TFormat::getMaskFormats(), forSave)
         ->setObjectName(CTagCmdRWV::file);
-    form->addChoice(CTagCmdRWV::format, Lang.get(566), TFormat::getViewFormats())
-        ->setObjectName(CTagCmdRWV::format);
+    QComboBox* format = form->addChoice(CTagCmdRWV::format, Lang.get(566), TFormat::getViewFormats());
+    format->setObjectName(CTagCmdRWV::format);
+    form->followFileFormat(CTagCmdRWV::file, format, forSave);
     form->addHex(CTagCmdRWV::addr_file, Lang.get(567), 0, std::numeric_limits<qint64>::max())
         ->setObjectName(CTagCmdRWV::addr_file);
     addAddress(form, begin, size);
