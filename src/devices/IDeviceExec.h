@@ -54,8 +54,14 @@ protected:
     // The catalogue parameters of the command's device and the programmer's largest payload; false when
     // the command has lost its device or its programmer.
     bool readSetup(TData& dev, int& maxData) const;
-    // The first byte where read differs from expected (or is missing) becomes the verify error text.
+    // The first byte where read differs from expected (or is missing) becomes the verify error text,
+    // after a line that says what failed over which range of the command.
     bool compare(qint64 addr, const QByteArray& expected, const QByteArray& read);
+    // The identification read against the device's "signature": on a difference the error names the
+    // parts that answer so and, on a line of its own, what was expected.
+    bool checkSignature(const TData& dev, const QString& read);
+    // A data file's error, with the file's path on a line of its own.
+    void setFileError(const TFormat& data);
 
     // The data file of a file command; a failure to open it becomes the error text.
     bool openFile(TFormat& data, TFormatMode mode);

@@ -219,7 +219,7 @@ bool TDev24CExec::writeFile(TSerialPort& port) {
         processGUI(last, at + piece.size(), end);
         return !isStop();
     });
-    return ok && (data.close() || (setErrorText(data.getErrorText()), false));
+    return ok && (data.close() || (setFileError(data), false));
 }
 
 bool TDev24CExec::verifyFile(TSerialPort& port) {
@@ -238,7 +238,7 @@ bool TDev24CExec::verifyFile(TSerialPort& port) {
         processGUI(last, at + piece.size(), end);
         return !isStop();
     });
-    return ok && (data.close() || (setErrorText(data.getErrorText()), false));
+    return ok && (data.close() || (setFileError(data), false));
 }
 
 bool TDev24CExec::readFile(TSerialPort& port) {
@@ -251,7 +251,7 @@ bool TDev24CExec::readFile(TSerialPort& port) {
     if (!openFile(data, FormatModeWrite)) return false;
     const qint64 begin = addr;
     const bool ok = readRange(port, addr, end, [&](qint64 at, const QByteArray& piece) {
-        return data.write(addrFile + at - begin, piece) || (setErrorText(data.getErrorText()), false);
+        return data.write(addrFile + at - begin, piece) || (setFileError(data), false);
     });
     return data.close() && ok;
 }

@@ -157,14 +157,7 @@ bool TDev25Exec::execReadSignature(TSerialPort& port, QString& signature) {
 
 bool TDev25Exec::ident(TSerialPort& port) {
     QString read;
-    if (!execReadSignature(port, read)) return false;
-    const QByteArray expected = TMiscDev::getByteArrayFromHex(TAPP_PARAM(dev, "signature").toString());
-    if (TMiscDev::getByteArrayFromHex(read) == expected) return true;
-    const QString devFile =
-        TApp::getAbsoluteFile(AppData.getPathDevicesAbs(), TAPP_PARAM(dev, "dev_file").toString());
-    const QString names = TSignature::getSignatureDeviceName(QFileInfo(devFile).absolutePath(), read);
-    setErrorText(Lang.get(404).arg(read, names));
-    return false;
+    return execReadSignature(port, read) && checkSignature(dev, read);
 }
 
 bool TDev25Exec::setCLK(TSerialPort& port) {

@@ -161,14 +161,7 @@ bool TDevAVR8Exec::execReadSignature(TSerialPort& port, QString& signature) {
 
 bool TDevAVR8Exec::ident(TSerialPort& port) {
     QString read;
-    if (!execReadSignature(port, read)) return false;
-    const QByteArray expected = TMiscDev::getByteArrayFromHex(TAPP_PARAM(dev, "signature").toString());
-    if (TMiscDev::getByteArrayFromHex(read) == expected) return true;
-    const QString devFile =
-        TApp::getAbsoluteFile(AppData.getPathDevicesAbs(), TAPP_PARAM(dev, "dev_file").toString());
-    const QString names = TSignature::getSignatureDeviceName(QFileInfo(devFile).absolutePath(), read);
-    setErrorText(Lang.get(404).arg(read, names));
-    return false;
+    return execReadSignature(port, read) && checkSignature(dev, read);
 }
 
 bool TDevAVR8Exec::setCLK(TSerialPort& port) {

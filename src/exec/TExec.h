@@ -47,6 +47,7 @@ private:
     bool runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QString& error);
     bool leaveProgrammer(TSerialPort& port);
     void connectExec(IDeviceExec* exec, const QString& code);
+    static QString withPort(const TSerialPort& port, const QString& error, bool timeout);
 
     const int idCfg;
     std::atomic<bool> stop{false};

@@ -180,6 +180,32 @@ private slots:
         QCOMPARE(chipImage(), QByteArray(1 << 20, char(0xFF)));
     }
 
+    // The fixed texts stay as they are; what the user needs to act on follows on lines of its own.
+    void failuresCarryTheirContext() {
+        const QString rule(60, '=');
+        auto block = [&](const QStringList& lines) {
+            return Lang.get(386) + "\n" + rule + "\n" + lines.join('\n') + "\n" + rule + "\n";
+        };
+        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        writeFile("zeros.bin", QByteArray(16, 0));
+        Result r = run({"--chip", "W25Q80RV", "--verify", "zeros.bin"});
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.out.endsWith(
+                     block({Lang.get(1731).arg("0x00", "0xFFFFF"), "Address: 0x00, Data: 0x00, Read: 0xFF"})),
+                 qPrintable(r.out));
+        r = run({"--chip", "W25Q80RV", "--write", "missing.bin"});
+        QVERIFY2(r.out.endsWith(block({Lang.get(417), Lang.get(1734).arg(dir.filePath("missing.bin"))})),
+                 qPrintable(r.out));
+        r = run({"--chip", "W25Q16JV_M", "--detect"});
+        QVERIFY2(r.out.endsWith(block({Lang.get(404).arg("EF4014", "W25Q80BV, W25Q80DV, W25Q80RV"),
+                                       Lang.get(1735).arg("EF7015", "W25Q16JV_M")})),
+                 qPrintable(r.out));
+        sim.stop();
+        r = run({"--chip", "W25Q80RV", "--erase"});
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.out.endsWith(block({Lang.get(393), Lang.get(1730).arg(sim.link())})), qPrintable(r.out));
+    }
+
     void listsTheCatalogueAndTheProgrammers() {
         Result r = run({"--list-chips", "w25q80?v"});
         QCOMPARE(r.status, 0);
