@@ -12,6 +12,7 @@
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjCheck.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -55,6 +56,11 @@ bool TRunner::loadProject(const QString& file) {
         return false;
     }
     ProjectData.resetChange();
+    // A hand-written project runs as loaded; what it got wrong is said first.
+    QByteArray data;
+    if (ctrl.file_to_data(file, data))
+        for (const QString& problem : TPrjCheck::check(data, ProjectData))
+            std::fprintf(err, "%s\n", qPrintable(problem));
     return true;
 }
 

@@ -84,6 +84,7 @@ TMainWindow::TMainWindow(QWidget* parent) : QMainWindow(parent), history(&Projec
     rebuildTabs();
     if (AppData.openLastPrj && !AppData.lastPrj.isEmpty() && QFileInfo::exists(AppData.lastPrj))
         openProject(AppData.lastPrj);
+    openFirstStart();
     updateTitle();
 }
 
@@ -138,6 +139,8 @@ void TMainWindow::createActions() {
     action("Language", Lang.get(17), nullptr, [this] { actLanguage(); });
     action("PrjLists", Lang.get(18), nullptr, [this] { actPrjLists(); });
     action("HexView", Lang.get(19), "hex", [this] { actHexView(); });
+    action("GettingStarted", Lang.get(1751), nullptr, [this] { actGettingStarted(); });
+    action("Shortcuts", Lang.get(1752), nullptr, [this] { actShortcuts(); });
     action("About", Lang.get(21), nullptr, [this] { actAbout(); });
     createEditActions();
     THotKeys::apply(THotKeys::load(), actions);
@@ -197,7 +200,7 @@ void TMainWindow::createMenus() {
     add(menuBar()->addMenu(Lang.get(8)),
         {"Run", "RunAll", "", "Stop", "StopAll", "", "Continue", "ContinueAll"});
     add(menuBar()->addMenu(Lang.get(15)), {"Settings", "Language", "PrjLists", "", "HexView"});
-    add(menuBar()->addMenu(Lang.get(20)), {"About"});
+    add(menuBar()->addMenu(Lang.get(20)), {"GettingStarted", "Shortcuts", "", "About"});
     fillRecentMenu();
 }
 
@@ -400,6 +403,7 @@ bool TMainWindow::openProject(const QString& file) {
     addRecent(abs);
     rebuildTabs();
     updateTitle();
+    reportProblems(abs, data);
     return true;
 }
 
