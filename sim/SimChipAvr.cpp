@@ -1,6 +1,11 @@
 #include "SimChipAvr.h"
 
 #include "SimChipRegistry.h"
+#include "SimProtocol.h"
+
+#include <QThread>
+
+using namespace SimProtocol;
 
 namespace {
 SimChipRegistrar registrar("DevAVR8_SPI",
@@ -16,6 +21,23 @@ QByteArray hexBytes(const QVariant& v) {
 
 // EESAVE, where the megaAVR parts keep it: high fuse bit 3, programmed when 0.
 constexpr unsigned char eesaveBit = 0x08;
+constexpr unsigned char waitPoll = 0xFF;
+
+// The fuse byte (low, high, extended) each fuse instruction reaches; parts with one fuse byte call it
+// "fuse".
+const char* const fuseNames[3][2] = {{"lfuse", "fuse"}, {"hfuse", nullptr}, {"efuse", nullptr}};
+
+int fuseIndex(const QString& memory) {
+    for (int i = 0; i < 3; ++i)
+        for (const char* n : fuseNames[i])
+            if (n && memory == QLatin1String(n)) return i;
+    return -1;
+}
+
+const QStringList readNames = {"signature_read", "calibration_read", "lfuse_read", "hfuse_read",
+                               "efuse_read",     "fuse_read",        "lock_read"};
+const QStringList writeNames = {"chip_erase", "lfuse_write", "hfuse_write",     "efuse_write",
+                                "fuse_write", "lock_write",  "flash_writepage", "pgm_enable"};
 } // namespace
 
 SimChipAvr::SimChipAvr(const SimChipInfo& info)
@@ -25,10 +47,8 @@ SimChipAvr::SimChipAvr(const SimChipInfo& info)
       signature(hexBytes(info.params.value("signature"))),
       osccalCount(int(hexBytes(info.params.value("osccal_def")).size())),
       algFlashWrite(info.params.value("alg_flash_write").toInt()),
-      algFuseRead(info.params.value("alg_fuse_read").toInt()),
-      algFuseWrite(info.params.value("alg_fuse_write").toInt()),
-      algLockWrite(info.params.value("alg_lock_write").toInt()),
-      resetPolarity(info.params.value("reset_pol").toInt()) {
+      resetPolarity(info.params.value("reset_pol").toInt()), isp(SimAvrIsp::fromParams(info.params)),
+      params(info.params), timing(info.params.value("sim_timing").toBool()) {
     const QByteArray fuses = hexBytes(info.params.value("fuse_def")) + QByteArray(3, char(0xFF));
     const QByteArray locks = hexBytes(info.params.value("lock_def"));
     lockDefault = locks.isEmpty() ? 0xFF : static_cast<unsigned char>(locks.at(0));
@@ -42,8 +62,17 @@ void SimChipAvr::select(const QByteArray& payload) {
 }
 
 bool SimChipAvr::writesLocked() const {
-    // Lock bit 1 programmed (0): the memories take no more writes until a chip erase.
-    return (lock() & (algLockWrite == 0 ? 0x02 : 0x01)) == 0;
+    // Lock bit 1 (the lowest the part's lock instruction carries) programmed (0): the memories take no
+    // more writes until a chip erase.
+    const unsigned char mask = isp.value("lock_write").dataMask();
+    return mask && (lock() & (mask & -mask)) == 0;
+}
+
+// A packet that reaches the part while it is still writing is lost; by the next one it is ready.
+bool SimChipAvr::takeBusy() {
+    const bool was = busy;
+    busy = false;
+    return was;
 }
 
 SimReply SimChipAvr::readSpace(const QByteArray& data, int base, int size, qint64 upper) {
@@ -51,7 +80,7 @@ SimReply SimChipAvr::readSpace(const QByteArray& data, int base, int size, qint6
     const qint64 addr = upper << 16 | u16(data, 0);
     const int len = u16(data, 2);
     if (addr + len > size) return SimReply::fail(ErrRange);
-    if (!programming) return SimReply::ok(QByteArray(len, char(0xFF)));
+    if (!programming || takeBusy()) return SimReply::ok(QByteArray(len, char(0xFF)));
     return SimReply::ok(memory.mid(int(base + addr), len));
 }
 
@@ -60,7 +89,7 @@ SimReply SimChipAvr::readSpace(const QByteArray& data, int base, int size, qint6
 SimReply SimChipAvr::loadPage(const QByteArray& data) {
     if (data.size() < 4 || data.size() % 2 || u16(data, 0) % 2) return SimReply::fail(ErrLength);
     const int addr = u16(data, 0);
-    if (!programming) return SimReply::ok();
+    if (!programming || takeBusy()) return SimReply::ok();
     for (int i = 2; i < data.size(); ++i)
         pageBuffer[(addr + i - 2) % page] = data.at(i);
     if (algFlashWrite == 0) commitPage(addr);
@@ -80,79 +109,110 @@ SimReply SimChipAvr::writeEeprom(const QByteArray& data) {
     if (data.size() < 3) return SimReply::fail(ErrLength);
     const int addr = u16(data, 0);
     if (addr + data.size() - 2 > eepromSize) return SimReply::fail(ErrRange);
-    if (programming && !writesLocked()) memory.replace(flashSize + addr, data.size() - 2, data.mid(2));
+    if (programming && !takeBusy() && !writesLocked())
+        memory.replace(flashSize + addr, data.size() - 2, data.mid(2));
     return SimReply::ok();
 }
 
 void SimChipAvr::chipErase() {
-    const bool keepEeprom = (fuse(1) & eesaveBit) == 0 && algFuseWrite == 2;
+    const bool keepEeprom = (fuse(1) & eesaveBit) == 0 && isp.contains("hfuse_write");
     memory.replace(0, flashSize, QByteArray(flashSize, char(0xFF)));
     if (!keepEeprom) memory.replace(flashSize, eepromSize, QByteArray(eepromSize, char(0xFF)));
     lock() = lockDefault;
 }
 
-int SimChipAvr::readInstruction(unsigned char b0, unsigned char b1, unsigned char b2) const {
-    if (b0 == 0x30 && b1 == 0x00)
-        return b2 < signature.size() ? static_cast<unsigned char>(signature.at(b2)) : 0;
-    // Factory-trimmed calibration: A0, A1, ... for as many bytes as the part has.
-    if (b0 == 0x38 && b1 == 0x00) return b2 < osccalCount ? 0xA0 + b2 : 0xFF;
-    if (b0 == 0x50 && b1 == 0x00) return fuse(0);
-    if (b0 == 0x50 && b1 == 0x08) return fuse(2);
-    if (b0 == 0x58 && b1 == 0x08) return fuse(1);
-    if (b0 == 0x58 && b1 == 0x00) {
-        // The oldest parts show their lock bits in bits 6 and 5 beside fuse bits 5 and 0.
-        if (algLockWrite == 0) return (lock() & 0x06) << 4 | (algFuseRead == 0 ? fuse(0) & 0x21 : 0);
-        return lock();
+// Parts that read several things with one instruction (fuse and lock bits of the oldest parts) shift
+// them out together; each leaves the other's bits at 1.
+int SimChipAvr::readInstruction(quint32 instr) const {
+    int out = -1;
+    for (const QString& name : readNames) {
+        const auto it = isp.constFind(name);
+        if (it == isp.constEnd() || !it->matches(instr)) continue;
+        const quint32 addr = it->address(instr);
+        unsigned char value = 0xFF;
+        if (name == QLatin1String("signature_read"))
+            value =
+                addr < quint32(signature.size()) ? static_cast<unsigned char>(signature.at(int(addr))) : 0;
+        else if (name == QLatin1String("calibration_read"))
+            value = int(addr) < osccalCount ? 0xA0 + addr : 0xFF; // factory trims A0, A1, ...
+        else if (name == QLatin1String("lock_read"))
+            value = lock();
+        else
+            value = fuse(fuseIndex(name.section('_', 0, 0)));
+        out &= it->readOut(value);
     }
-    return -1;
+    return out;
 }
 
-void SimChipAvr::writeInstruction(unsigned char b1, unsigned char b3) {
-    if (b1 == 0x80) return chipErase();
-    if (algFuseWrite == 0 && (b1 & 0xFE) == 0xBE) {
-        fuse(0) = static_cast<unsigned char>((fuse(0) & ~1) | (b1 & 1));
-    } else if (algFuseWrite == 1 && (b1 & 0xE0) == 0xA0) {
-        fuse(0) = static_cast<unsigned char>((fuse(0) & 0xE0) | (b1 & 0x1F));
-    } else if (algFuseWrite == 2 && (b1 == 0xA0 || b1 == 0xA8 || b1 == 0xA4)) {
-        fuse(b1 == 0xA0 ? 0 : b1 == 0xA8 ? 1 : 2) = b3;
-    } else if (algLockWrite == 1 && b1 == 0xE0) {
-        lock() &= b3; // lock bits are only programmed; the chip erase clears them
-    } else if (algLockWrite == 0) {
-        lock() &= static_cast<unsigned char>(b1 | ~0x06);
+QString SimChipAvr::writeInstruction(quint32 instr) {
+    for (const QString& name : writeNames) {
+        const auto it = isp.constFind(name);
+        if (it == isp.constEnd() || !it->matches(instr)) continue;
+        const QString memory = name.section('_', 0, 0);
+        const unsigned char mask = it->dataMask(), v = it->data(instr);
+        if (name == QLatin1String("chip_erase")) {
+            chipErase();
+        } else if (memory == QLatin1String("lock")) {
+            lock() &= static_cast<unsigned char>(v | ~mask); // lock bits are only programmed
+        } else if (name == QLatin1String("flash_writepage")) {
+            commitPage(qint64(extended >> 1) << 17 | qint64(it->address(instr) & 0xFFFF) << 1);
+        } else if (fuseIndex(memory) >= 0) {
+            unsigned char& f = fuse(fuseIndex(memory));
+            f = static_cast<unsigned char>((f & ~mask) | (v & mask));
+        }
+        return name;
     }
+    return QString();
+}
+
+// The programmer waits the wait byte after the instruction, or polls until the part is ready.
+void SimChipAvr::writeTime(const QString& name, unsigned char wait) {
+    const QString memory = name.section('_', 0, 0);
+    const QString key = name == QLatin1String("chip_erase")        ? QStringLiteral("isp_chip_erase_us")
+                        : name == QLatin1String("flash_writepage") ? QStringLiteral("isp_write_flash_us")
+                                                                   : "isp_write_" + memory + "_us";
+    const int needUs = params.value(key).toInt();
+    if (!timing || needUs <= 0) return;
+    const int waitUs = wait == waitPoll ? needUs : wait * 1000;
+    busy = waitUs < needUs;
+    QThread::usleep(ulong(waitUs));
 }
 
 SimReply SimChipAvr::instruction(const QByteArray& data) {
     if (data.size() != 5) return SimReply::fail(ErrLength);
-    if (!programming) return SimReply::ok(QByteArray(4, char(0xFF)));
+    if (!programming || takeBusy()) return SimReply::ok(QByteArray(4, char(0xFF)));
     const auto b = [&](int i) { return static_cast<unsigned char>(data.at(1 + i)); };
+    const quint32 instr = quint32(b(0)) << 24 | quint32(b(1)) << 16 | quint32(b(2)) << 8 | b(3);
     QByteArray reply(4, 0);
     reply[1] = char(b(0));
     reply[2] = char(b(1));
     reply[3] = char(b(2));
-    const int read = readInstruction(b(0), b(1), b(2));
-    if (read >= 0)
-        reply[3] = char(read);
-    else if (b(0) == 0x4D)
+    if (b(0) == AvrInExtendedAddress) {
         extended = b(2);
-    else if (b(0) == 0x4C)
-        commitPage(qint64(extended >> 1) << 17 | (b(1) << 8 | b(2)) << 1);
-    else if (b(0) == 0xAC)
-        writeInstruction(b(1), b(3));
+        return SimReply::ok(reply);
+    }
+    const int read = readInstruction(instr);
+    if (read >= 0) {
+        reply[3] = char(read);
+        return SimReply::ok(reply);
+    }
+    const QString written = writeInstruction(instr);
+    if (written.isEmpty()) return SimReply::ok(QByteArray(4, char(0xFF)));
+    writeTime(written, static_cast<unsigned char>(data.at(0)));
     return SimReply::ok(reply);
 }
 
 SimReply SimChipAvr::request(unsigned char cmd, const QByteArray& data) {
     switch (cmd) {
-    case 3:
+    case AvrReadFlash:
         return readSpace(data, 0, flashSize, extended);
-    case 4:
+    case AvrWriteFlash:
         return loadPage(data);
-    case 5:
+    case AvrReadEeprom:
         return readSpace(data, flashSize, eepromSize, 0);
-    case 6:
+    case AvrWriteEeprom:
         return writeEeprom(data);
-    case 7:
+    case AvrInstr:
         return instruction(data);
     default:
         return SimReply::fail(ErrUnknownCommand);

@@ -1,11 +1,21 @@
 #pragma once
 
+#include "SimAvrIsp.h"
 #include "SimChip.h"
+
+#include <QElapsedTimer>
 
 // An AVR microcontroller on its serial programming interface. It answers only while the programmer
 // holds its reset line at the level its description names (set-device byte 3); otherwise it is not in
 // programming mode and every instruction shifts in FF FF FF FF. Replies echo the instruction's first
 // three bytes (r1 r2 r3 = b0 b1 b2) except where a read puts its result in r3.
+//
+// Instructions are decoded by the part's own patterns (the "isp_" keys of its description), not by
+// the algorithms the catalogue chose: an instruction that is none of the part's shifts in FF FF FF FF
+// and does nothing. The extended address instruction (0x4D) is also kept by the programmer for the
+// upper address bits of its packets 3 and 4. With timing on, a write takes the part's minimum time;
+// the programmer waits the instruction's wait byte (polling: until the part is ready), and when that
+// wait is shorter than the write the part is still busy for the next packet, which it ignores.
 //
 // The image (--image) holds, in this order: the flash, the EEPROM, three fuse bytes (low, high,
 // extended), the lock byte.
@@ -22,9 +32,12 @@ private:
     SimReply loadPage(const QByteArray& data);
     SimReply writeEeprom(const QByteArray& data);
     SimReply instruction(const QByteArray& data);
-    // The result byte of a read instruction, or -1 when b0..b3 is no read.
-    int readInstruction(unsigned char b0, unsigned char b1, unsigned char b2) const;
-    void writeInstruction(unsigned char b1, unsigned char b3);
+    // The byte a read shifts out, or -1 when the instruction is none of the part's reads.
+    int readInstruction(quint32 instr) const;
+    // The part's write the instruction is, after doing it; empty when it is none.
+    QString writeInstruction(quint32 instr);
+    void writeTime(const QString& name, unsigned char wait);
+    bool takeBusy();
     void commitPage(qint64 byteAddr);
     void chipErase();
     bool writesLocked() const;
@@ -39,8 +52,12 @@ private:
     QByteArray pageBuffer, signature;
     int osccalCount;
     unsigned char lockDefault;
-    int algFlashWrite, algFuseRead, algFuseWrite, algLockWrite;
+    int algFlashWrite;
     int resetPolarity;
+    QHash<QString, SimAvrIsp> isp;
+    QVariantMap params;
+    bool timing;
+    bool busy = false; // the last write outlasted the programmer's wait
     bool programming = false;
     int extended = 0; // upper byte-address bits set by the extended address instruction
 };

@@ -1,6 +1,7 @@
 #include "SimChipI2c.h"
 
 #include "SimChipRegistry.h"
+#include "SimProtocol.h"
 
 #include <QThread>
 
@@ -30,7 +31,7 @@ bool SimChipI2c::inWriteCycle() const {
 
 bool SimChipI2c::address(const QByteArray& data, int at, qint64& addr) const {
     const unsigned select = static_cast<unsigned char>(data.at(at)) | setAddress;
-    if ((select & 0xF0) != 0xA0 || inWriteCycle()) return false;
+    if ((select & SimProtocol::I2cSelectMask) != SimProtocol::I2cSelectBase || inWriteCycle()) return false;
     const unsigned bits = select >> 1 & 7;
     if ((bits & pinMask) != (pins & pinMask)) return false;
     const qint64 wordSpan = qint64(1) << (8 * addrBytes);
@@ -71,13 +72,13 @@ SimReply SimChipI2c::read(const QByteArray& data) {
 
 SimReply SimChipI2c::request(unsigned char cmd, const QByteArray& data) {
     switch (cmd) {
-    case 3:
+    case SimProtocol::I2cSetAddr:
         if (data.size() != 1) return SimReply::fail(ErrLength);
         setAddress = static_cast<unsigned char>(data.at(0));
         return SimReply::ok();
-    case 4:
+    case SimProtocol::I2cWrite:
         return write(data);
-    case 5:
+    case SimProtocol::I2cRead:
         return read(data);
     default:
         return SimReply::fail(ErrUnknownCommand);

@@ -2,9 +2,12 @@
 
 #include "SimChipRegistry.h"
 #include "SimChipSpiSfdp.h"
+#include "SimProtocol.h"
 
 #include <QCryptographicHash>
 #include <QThread>
+
+using namespace SimProtocol;
 
 namespace {
 SimChipRegistrar registrar("Dev25",
@@ -38,7 +41,9 @@ bool eraseEntry(const QString& text, unsigned char& op, qint64& size) {
 
 SimChipSpiFlash::SimChipSpiFlash(const SimChipInfo& info)
     : SimChip(info), pageSize(qMax(1, info.params.value("page_size").toInt())),
-      timing(info.params.value("sim_timing").toBool()) {
+      timing(info.params.value("sim_timing").toBool()),
+      byteProgram(info.params.value("program_mode").toString() != QLatin1String("page") &&
+                  info.params.contains("program_mode")) {
     const QVariantMap& p = info.params;
     flash = QByteArray(int(qMax<qint64>(1, p.value("size").toLongLong())), char(0xFF));
     security = QByteArray(kSecurityCount * kRegister, char(0xFF));
@@ -61,12 +66,12 @@ SimChipSpiFlash::SimChipSpiFlash(const SimChipInfo& info)
 }
 
 SimReply SimChipSpiFlash::request(unsigned char cmd, const QByteArray& data) {
-    if (cmd == 3) {
+    if (cmd == SpiRead) {
         if (data.size() < 3) return SimReply::fail(ErrLength);
         const int len = uchar(data.at(0)) | uchar(data.at(1)) << 8;
         return SimReply::ok(read(data.mid(2), len));
     }
-    if (cmd == 4) {
+    if (cmd == SpiWrite) {
         if (data.isEmpty()) return SimReply::fail(ErrLength);
         write(data);
         return SimReply::ok();
@@ -82,25 +87,25 @@ QByteArray SimChipSpiFlash::read(const QByteArray& tx, int len) const {
             out.append(src.at(int((from + i) % src.size())));
     };
     switch (op) {
-    case 0x9F:
+    case OpJedecId:
         cycle(jedec.isEmpty() ? QByteArray(1, char(0xFF)) : jedec, 0);
         break;
-    case 0x03:
-    case 0x0B:
+    case OpRead:
+    case OpFastRead:
         cycle(flash, addr24(tx, 1) % flash.size());
         break;
-    case 0x05:
-    case 0x35:
-    case 0x15:
-        out = QByteArray(len, char(status[op == 0x05 ? 0 : op == 0x35 ? 1 : 2]));
+    case OpReadStatus1:
+    case OpReadStatus2:
+    case OpReadStatus3:
+        out = QByteArray(len, char(status[op == OpReadStatus1 ? 0 : op == OpReadStatus2 ? 1 : 2]));
         break;
-    case 0x5A:
+    case OpReadSfdp:
         cycle(sfdp, addr24(tx, 1) & 0xFF);
         break;
-    case 0x48:
+    case OpReadSecurity:
         out = readSecurity(addr24(tx, 1), len);
         break;
-    case 0x4B:
+    case OpReadUniqueId:
         cycle(uniqueId, 0);
         break;
     default: // an opcode the part does not know: the data line floats high
@@ -126,34 +131,40 @@ QByteArray SimChipSpiFlash::readSecurity(qint64 addr, int len) const {
 void SimChipSpiFlash::write(const QByteArray& tx) {
     const unsigned char op = uchar(tx.at(0));
     const qint64 addr = addr24(tx, 1);
-    if (op == 0x02 && tx.size() >= 4)
+    if (op == OpPageProgram && tx.size() >= 4)
         program(addr, tx.mid(4));
-    else if (op == chipErase || op == 0x60 || op == 0xC7)
+    else if (op == chipErase || op == OpChipErase60 || op == OpChipEraseC7)
         eraseRange(0, flash.size(), int(flash.size() / 4096) * kEraseMsPer4K / 8);
     else if (blockErase.contains(op)) {
         const qint64 size = blockErase.value(op);
         const int ms = size <= 4096 ? kEraseMsPer4K : size <= 32768 ? kEraseMs32K : kEraseMs64K;
         eraseRange(addr % flash.size() / size * size, size, ms);
-    } else if (op == 0x01 && tx.size() >= 2) {
+    } else if (op == OpWriteStatus1 && tx.size() >= 2) {
         writeStatus(0, uchar(tx.at(1)));
         if (tx.size() >= 3) writeStatus(1, uchar(tx.at(2)));
-    } else if ((op == 0x31 || op == 0x11) && tx.size() >= 2)
-        writeStatus(op == 0x31 ? 1 : 2, uchar(tx.at(1)));
-    else if (op == 0x42 && tx.size() >= 4)
+    } else if ((op == OpWriteStatus2 || op == OpWriteStatus3) && tx.size() >= 2)
+        writeStatus(op == OpWriteStatus2 ? 1 : 2, uchar(tx.at(1)));
+    else if (op == OpProgramSecurity && tx.size() >= 4)
         programSecurity(addr, tx.mid(4));
-    else if (op == 0x44)
+    else if (op == OpEraseSecurity)
         eraseSecurity(addr);
 }
 
-// Within the page, the address wraps; a programmed bit can only go from 1 to 0.
+// Within the page, the address wraps; a programmed bit can only go from 1 to 0. A part whose program
+// instruction writes one byte takes the first and ignores the rest.
 void SimChipSpiFlash::program(qint64 addr, const QByteArray& data) {
+    if (byteProgram) return program(addr, data.left(1), 1);
+    program(addr, data, pageSize);
+}
+
+void SimChipSpiFlash::program(qint64 addr, const QByteArray& data, int span) {
     addr %= flash.size();
-    const qint64 page = addr / pageSize * pageSize;
-    const int n = int(qMin<qint64>(data.size(), pageSize));
+    const qint64 page = addr / span * span;
+    const int n = int(qMin<qint64>(data.size(), span));
     const QByteArray bytes = data.right(n); // a longer burst keeps only its last page of bytes
-    if (!isProtected(page, pageSize))
+    if (!isProtected(page, span))
         for (int i = 0; i < n; ++i) {
-            const qint64 at = page + (addr - page + i) % pageSize;
+            const qint64 at = page + (addr - page + i) % span;
             if (at < flash.size()) flash[int(at)] = char(flash.at(int(at)) & bytes.at(i));
         }
     wait(timing ? kPageProgramUs / 1000 + 1 : 0);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SimChip.h"
+#include "SimProtocol.h"
 
 #include <QHash>
 
@@ -26,6 +27,7 @@ private:
     QByteArray readSecurity(qint64 addr, int len) const;
     void write(const QByteArray& tx);
     void program(qint64 addr, const QByteArray& data);
+    void program(qint64 addr, const QByteArray& data, int span);
     void eraseRange(qint64 begin, qint64 size, int typicalMs);
     void programSecurity(qint64 addr, const QByteArray& data);
     void eraseSecurity(qint64 addr);
@@ -37,7 +39,8 @@ private:
     QByteArray flash, security, sfdp, jedec, uniqueId;
     unsigned char status[3] = {0, 0, 0};
     int pageSize;
-    unsigned char chipErase = 0xC7;
+    unsigned char chipErase = SimProtocol::OpChipEraseC7;
     QHash<unsigned char, qint64> blockErase; // opcode to block size
     bool timing;
+    bool byteProgram; // 0x02 programs one byte (SST AAI parts, some Atmel and ESMT parts)
 };

@@ -1,5 +1,7 @@
 #include "SimEmptySocket.h"
 
+#include "SimProtocol.h"
+
 namespace {
 int word(const QByteArray& d, int at) {
     return static_cast<unsigned char>(d.at(at)) | static_cast<unsigned char>(d.at(at + 1)) << 8;
@@ -49,29 +51,32 @@ SimReply SimEmptySocket::request(unsigned char cmd, const QByteArray& data) {
 
 // 3 set address (kept by the programmer), 4 write, 5 read.
 SimReply SimEmptySocket::requestI2C(unsigned char cmd, const QByteArray& data) {
-    if (cmd == 3) return data.size() == 1 ? SimReply::ok() : SimReply::fail(ErrLength);
-    if (cmd == 4) return data.size() >= 1 ? SimReply::fail(ErrNoAck) : SimReply::fail(ErrLength);
-    if (cmd == 5) return data.size() >= 3 ? SimReply::fail(ErrNoAck) : SimReply::fail(ErrLength);
+    if (cmd == SimProtocol::I2cSetAddr) return data.size() == 1 ? SimReply::ok() : SimReply::fail(ErrLength);
+    if (cmd == SimProtocol::I2cWrite)
+        return data.size() >= 1 ? SimReply::fail(ErrNoAck) : SimReply::fail(ErrLength);
+    if (cmd == SimProtocol::I2cRead)
+        return data.size() >= 3 ? SimReply::fail(ErrNoAck) : SimReply::fail(ErrLength);
     return SimReply::fail(ErrUnknownCommand);
 }
 
 // 3 read transaction (count, bytes to send), 4 write transaction.
 SimReply SimEmptySocket::requestSPI(unsigned char cmd, const QByteArray& data) {
-    if (cmd == 3) return data.size() >= 2 ? floating(word(data, 0)) : SimReply::fail(ErrLength);
-    if (cmd == 4) return SimReply::ok();
+    if (cmd == SimProtocol::SpiRead)
+        return data.size() >= 2 ? floating(word(data, 0)) : SimReply::fail(ErrLength);
+    if (cmd == SimProtocol::SpiWrite) return SimReply::ok();
     return SimReply::fail(ErrUnknownCommand);
 }
 
 // 3 and 5 read flash and EEPROM (address, count), 4 and 6 write them, 7 one 4-byte instruction.
 SimReply SimEmptySocket::requestAVR(unsigned char cmd, const QByteArray& data) {
     switch (cmd) {
-    case 3:
-    case 5:
+    case SimProtocol::AvrReadFlash:
+    case SimProtocol::AvrReadEeprom:
         return data.size() == 4 ? floating(word(data, 2)) : SimReply::fail(ErrLength);
-    case 4:
-    case 6:
+    case SimProtocol::AvrWriteFlash:
+    case SimProtocol::AvrWriteEeprom:
         return data.size() >= 2 ? SimReply::ok() : SimReply::fail(ErrLength);
-    case 7:
+    case SimProtocol::AvrInstr:
         return data.size() == 5 ? floating(4) : SimReply::fail(ErrLength);
     default:
         return SimReply::fail(ErrUnknownCommand);

@@ -1,5 +1,7 @@
 #include "SimFrame.h"
 
+#include "SimProtocol.h"
+
 namespace SimFrameCodec {
 
 unsigned char checkByte(const QByteArray& bytes) {
@@ -11,8 +13,8 @@ unsigned char checkByte(const QByteArray& bytes) {
 
 QByteArray encode(unsigned char cmd, const QByteArray& data) {
     QByteArray f;
-    f.reserve(data.size() + 5);
-    f.append(static_cast<char>(0xC0)).append(static_cast<char>(cmd));
+    f.reserve(data.size() + SimProtocol::FrameOverhead);
+    f.append(static_cast<char>(SimProtocol::FrameStart)).append(static_cast<char>(cmd));
     f.append(static_cast<char>(data.size() & 0xFF)).append(static_cast<char>((data.size() >> 8) & 0xFF));
     f.append(data);
     f.append(static_cast<char>(checkByte(f)));
@@ -22,7 +24,7 @@ QByteArray encode(unsigned char cmd, const QByteArray& data) {
 QByteArray encodeError(unsigned short code) {
     QByteArray d;
     d.append(static_cast<char>(code & 0xFF)).append(static_cast<char>(code >> 8));
-    return encode(0xFF, d);
+    return encode(SimProtocol::ErrorReply, d);
 }
 
 } // namespace SimFrameCodec
@@ -30,7 +32,7 @@ QByteArray encodeError(unsigned short code) {
 void SimFrameParser::feed(const char* bytes, int count) {
     pending.append(bytes, count);
     for (;;) {
-        const int start = pending.indexOf(static_cast<char>(0xC0));
+        const int start = pending.indexOf(static_cast<char>(SimProtocol::FrameStart));
         if (start < 0) {
             pending.clear();
             return;

@@ -1,5 +1,7 @@
 #include "SimOptions.h"
 
+#include "SimStreamProtocol.h"
+
 namespace {
 bool toCount(const QString& text, int& value) {
     bool ok = false;
@@ -21,7 +23,8 @@ QString SimOptions::usage() {
     return "usage: tarvelix-progsim [--link PATH] [--chip NAME --devices DIR] [--bus i2c|spi|avr]\n"
            "       [--image FILE] [--trace FILE] [--interface N] [--noise N] [--corrupt K]\n"
            "       [--silent-after K] [--delay-ms D] [--error CMD:CODE]... [--unplug-after K]\n"
-           "       [--exit-with-parent] [--pins N] [--timing on|off] [--write-cycle MS]\n";
+           "       [--exit-with-parent] [--pins N] [--timing on|off] [--write-cycle MS]\n"
+           "       [--protocol native|serprog|stk500v1]\n";
 }
 
 bool SimOptions::parse(const QStringList& args, QString& error) {
@@ -70,6 +73,8 @@ bool SimOptions::parse(const QStringList& args, QString& error) {
             ok = v == "on" || v == "off", timing = v == "on";
         else if (opt == "--write-cycle")
             ok = toCount(v, writeCycleMs);
+        else if (opt == "--protocol")
+            protocol = v, ok = v == "native" || SimStreamProtocol::known(v);
         else {
             error = QStringLiteral("unknown option %1").arg(opt);
             return false;

@@ -23,6 +23,7 @@ struct SimOptions {
     int pins = 0;                // address pins strapped on the chip (two-wire parts)
     bool timing = false;         // chip models take their write times
     int writeCycleMs = 5;        // two-wire EEPROM write cycle, with timing on
+    QString protocol = "native"; // or the byte protocol of other hardware (SimStreamProtocol)
 
     // Reads the arguments (program name first); false with a message on a bad option.
     bool parse(const QStringList& args, QString& error);

@@ -1,5 +1,9 @@
 #include "SimProgrammer.h"
 
+#include "SimProtocol.h"
+
+using namespace SimProtocol;
+
 namespace {
 unsigned int le(const QByteArray& d, int at, int size) {
     unsigned int v = 0;
@@ -24,33 +28,34 @@ const char* SimProgrammer::identification() {
 
 SimReply SimProgrammer::handle(const SimFrame& request) {
     if (!request.checkOk) return SimReply::fail(ErrBadFrame);
-    if (request.cmd >= 1 && request.cmd <= 7) return targetSocket.request(request.cmd, request.data);
+    if (request.cmd >= FamilyFirst && request.cmd <= FamilyLast)
+        return targetSocket.request(request.cmd, request.data);
     return own(request.cmd, request.data);
 }
 
 SimReply SimProgrammer::own(unsigned char cmd, const QByteArray& data) {
     switch (cmd) {
-    case 0x80:
-    case 0x81:
-    case 0x85:
+    case ProgInterface:
+    case ProgIdent:
+    case ProgLeave:
         if (!data.isEmpty()) return SimReply::fail(ErrLength);
-        if (cmd == 0x80)
+        if (cmd == ProgInterface)
             return SimReply::ok(QByteArray(1, static_cast<char>(interfaceCode & 0xFF))
                                     .append(static_cast<char>(interfaceCode >> 8)));
-        if (cmd == 0x81) return SimReply::ok(QByteArray(identification()).append('\0'));
+        if (cmd == ProgIdent) return SimReply::ok(QByteArray(identification()).append('\0'));
         targetSocket.deselect();
         return SimReply::ok();
-    case 0x83:
+    case ProgLED:
         if (data.size() != 1) return SimReply::fail(ErrLength);
         return inRange(byteAt(data, 0) <= ledMax);
-    case 0x84:
+    case ProgSetDevice:
         targetSocket.select(data);
         return SimReply::ok();
-    case 0x86:
+    case ProgReset:
         return reset(data);
-    case 0x87:
+    case ProgGenerator:
         return generator(data);
-    case 0x88:
+    case ProgSetIO:
         return pins(data);
     default:
         return supplies(cmd, data);
@@ -60,12 +65,12 @@ SimReply SimProgrammer::own(unsigned char cmd, const QByteArray& data) {
 // 0x89 Vcc, 0x8A Vpp: one byte; 0x8B: Vcc, 32-bit Icc, OCP; 0x8C: Vpp, 16-bit Ipp, OCP.
 SimReply SimProgrammer::supplies(unsigned char cmd, const QByteArray& data) {
     const int sizes[] = {1, 1, 6, 4};
-    if (cmd < 0x89 || cmd > 0x8C) return SimReply::fail(ErrUnknownCommand);
-    if (data.size() != sizes[cmd - 0x89]) return SimReply::fail(ErrLength);
-    const bool pp = cmd == 0x8A || cmd == 0x8C;
+    if (cmd < ProgSetVcc || cmd > ProgSetVIpp) return SimReply::fail(ErrUnknownCommand);
+    if (data.size() != sizes[cmd - ProgSetVcc]) return SimReply::fail(ErrLength);
+    const bool pp = cmd == ProgSetVpp || cmd == ProgSetVIpp;
     if (byteAt(data, 0) > static_cast<unsigned int>(pp ? vppMax : vccMax)) return SimReply::fail(ErrRange);
-    if (cmd == 0x8B) return inRange(le(data, 1, 4) <= iccMax && byteAt(data, 5) <= 1);
-    if (cmd == 0x8C) return inRange(le(data, 1, 2) <= ippMax && byteAt(data, 3) <= 1);
+    if (cmd == ProgSetVIcc) return inRange(le(data, 1, 4) <= iccMax && byteAt(data, 5) <= 1);
+    if (cmd == ProgSetVIpp) return inRange(le(data, 1, 2) <= ippMax && byteAt(data, 3) <= 1);
     return SimReply::ok();
 }
 

@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 
-// Error codes of the programmer's error replies (docs/programmer-errors.md).
+// Error codes of the programmer's error replies (docs/protocol.md, "Error codes").
 enum SimError : unsigned short {
     ErrUnknownCommand = 0,
     ErrBadFrame = 1,

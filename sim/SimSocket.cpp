@@ -1,5 +1,7 @@
 #include "SimSocket.h"
 
+#include "SimProtocol.h"
+
 SimSocket::SimSocket(std::unique_ptr<SimChip> chip) : model(std::move(chip)) {}
 
 void SimSocket::select(const QByteArray& payload) {
@@ -13,7 +15,7 @@ void SimSocket::deselect() {
 
 SimReply SimSocket::request(unsigned char cmd, const QByteArray& data) {
     if (!selected) return SimReply::fail(ErrNoDevice);
-    if (cmd == 1) {
+    if (cmd == SimProtocol::FamilyLeave) {
         // Two bytes of duration, then one state per pin.
         if (data.size() < 2 || data.size() > 2 + pinCount) return SimReply::fail(ErrLength);
         for (int i = 2; i < data.size(); ++i)
@@ -21,7 +23,7 @@ SimReply SimSocket::request(unsigned char cmd, const QByteArray& data) {
         model->leave();
         return SimReply::ok();
     }
-    if (cmd == 2) {
+    if (cmd == SimProtocol::FamilySetClk) {
         if (data.size() != 4) return SimReply::fail(ErrLength);
         unsigned int hz = 0;
         for (int i = 3; i >= 0; --i)

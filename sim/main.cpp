@@ -7,33 +7,19 @@
 #include "SimProgrammer.h"
 #include "SimPty.h"
 #include "SimServer.h"
+#include "SimStopSignal.h"
+#include "SimStreamServer.h"
 #include "SimTrace.h"
 
 #include <QCoreApplication>
 #include <QTextStream>
 
 #include <csignal>
-#include <fcntl.h>
 #include <malloc.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
 namespace {
-int stopPipe[2] = {-1, -1};
-
-void onSignal(int) {
-    const char c = 's';
-    (void)!write(stopPipe[1], &c, 1);
-}
-
-bool installSignals() {
-    if (pipe2(stopPipe, O_CLOEXEC) != 0) return false;
-    struct sigaction sa {};
-    sa.sa_handler = onSignal;
-    sigemptyset(&sa.sa_mask);
-    return sigaction(SIGINT, &sa, nullptr) == 0 && sigaction(SIGTERM, &sa, nullptr) == 0;
-}
-
 std::unique_ptr<SimChip> makeChip(const SimOptions& o, QString& error) {
     SimChipInfo info{o.chip, {}, o.image};
     SimBus bus = SimBus::SPI;
@@ -51,6 +37,14 @@ std::unique_ptr<SimChip> makeChip(const SimOptions& o, QString& error) {
     if (simBusOfFamily(family, bus)) return std::make_unique<SimEmptySocket>(info, bus);
     error = QStringLiteral("chip %1: no model for the family \"%2\"").arg(o.chip, family);
     return nullptr;
+}
+
+using End = SimServer::End;
+
+End serve(const SimOptions& options, SimProgrammer& programmer, SimPty& pty, SimTrace& trace) {
+    std::unique_ptr<SimStreamProtocol> stream = SimStreamProtocol::create(options.protocol, programmer);
+    if (!stream) return SimServer(options, programmer, pty, trace).run(SimStopSignal::readFd());
+    return SimStreamServer(options, *stream, pty, trace).run(SimStopSignal::readFd());
 }
 
 int fail(const QString& text) {
@@ -74,16 +68,16 @@ int main(int argc, char* argv[]) {
     SimProgrammer programmer(std::move(chip), options.interfaceCode);
     SimTrace trace;
     if (!options.trace.isEmpty() && !trace.open(options.trace)) return fail("cannot write " + options.trace);
-    if (!installSignals()) return fail("cannot install the signal handlers");
+    if (!SimStopSignal::install()) return fail("cannot install the signal handlers");
     // The parent may have gone before the request was made; then no signal would ever come.
     if (options.exitWithParent && (prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || getppid() != parent)) return 0;
     SimPty pty;
     if (!pty.open(options.link, error)) return fail(error);
     QTextStream(stdout) << options.link << "\n" << Qt::flush;
 
-    const SimServer::End end = SimServer(options, programmer, pty, trace).run(stopPipe[0]);
+    const End end = serve(options, programmer, pty, trace);
     pty.close();
     if (!programmer.socket().chip().saveImage(error)) return fail(error);
-    if (end == SimServer::End::Unplugged) QTextStream(stdout) << "unplugged\n" << Qt::flush;
-    return end == SimServer::End::Failed ? fail("the pseudo-terminal failed") : 0;
+    if (end == End::Unplugged) QTextStream(stdout) << "unplugged\n" << Qt::flush;
+    return end == End::Failed ? fail("the pseudo-terminal failed") : 0;
 }

@@ -2,7 +2,8 @@
 # Installs the Debian packages Tarvelix needs to build, test and run, when any is missing.
 # Usage: tools/deps.sh [extra package ...]
 set -euo pipefail
-pkgs=(cmake g++ make qtbase5-dev qtbase5-dev-tools libqt5serialport5-dev python3 srecord python3-intelhex "$@")
+pkgs=(cmake g++ make qtbase5-dev qtbase5-dev-tools libqt5serialport5-dev python3 srecord python3-intelhex
+      gcc-avr avr-libc binutils-avr libsimavr-dev "$@")
 missing=()
 for p in "${pkgs[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -14,6 +14,8 @@ import re
 import shutil
 import sys
 
+import avr_isp
+
 GENERATOR = "tools/gen_devices.py"
 
 # One code per bus protocol, as the programmer knows them.
@@ -164,6 +166,58 @@ def register_form(fields, register, part, captions, polarity):
     return lines
 
 
+# Fields of the AVR fuse and lock bytes from the parts' device files (tools/data/avr-fuse-fields.tsv):
+# named by caption, several bits a choice of their meanings, and the values after which the part no
+# longer answers serial programming marked with the kind of lock-out.
+LOCKOUT_KINDS = {"SPIEN": "spien", "RSTDISBL": "rstdisbl", "DWEN": "dwen"}
+
+
+def submasks(mask):
+    values, v = [], 0
+    while True:
+        values.append(v)
+        v = (v - mask) & mask
+        if v == 0:
+            return values
+
+
+def device_file_field(row):
+    mask, shift = int(row["mask"], 16), int(row["value_shift"])
+    caption = "%s (%s)" % (row["caption"], row["name"])
+    kind = LOCKOUT_KINDS.get(row["name"], "clock" if "CKSEL" in row["name"] else None)
+    bricks = [int(v, 16) for v in row["brick_values"].split()] if row["brick"] == "yes" and kind else []
+    if not row["values"]:
+        lines = ["ckl|%02X|i|e|%s|%s" % (mask, row["byte"], caption)]
+        return lines + ["brk|%02X|%s|%s" % (mask if v else 0, kind, row["name"]) for v in bricks]
+    meanings = {}
+    for item in row["values"].split(" | "):
+        value, _, text = item.partition("=")
+        meanings.setdefault(int(value, 16) << shift, text)
+    lines = ["cho|%02X|-|e|%s|%s" % (mask, row["byte"], caption)]
+    # Every value of the bits stays selectable; one the device file does not name shows as hex.
+    for v in sorted(submasks(mask), reverse=True):
+        lines.append("itm|%02X|%s" % (v, meanings.get(v, "0x%02X" % (v >> shift))))
+    return lines + ["brk|%02X|%s|%s" % (v << shift, kind, row["name"]) for v in bricks]
+
+
+def device_file_form(rows, register, part, captions, fallback):
+    """The form of the part's fuse or lock bytes from its device file; bytes it does not describe keep
+    the fallback's lines (one box per bit or the named fields of register-fields.tsv)."""
+    mine = [r for r in rows if r["part"] == part and r["register"] == register]
+    if not mine:
+        return fallback
+    lines = []
+    for byte, caption in enumerate(captions):
+        fields = [r for r in mine if int(r["byte"]) == byte]
+        lines.append("cap|%s" % caption)
+        if fields:
+            for r in fields:
+                lines.extend(device_file_field(r))
+        else:
+            lines.extend(generic_bits(byte, caption, "i"))
+    return lines
+
+
 def list_key(key, items):
     return ["%s=l|%s" % (key, item) for item in items]
 
@@ -202,7 +256,10 @@ def gen_spi(repo, cat, fields):
     signatures = {}
     for row in read_table(repo, "spi-flash.tsv"):
         names = catalogue_names(row["name"])
-        size, page = int(row["size_bytes"]), int(row["page_size"])
+        size = int(row["size_bytes"])
+        # A part without page program writes one byte per program instruction (SST's AAI word program
+        # is not used): the family then sends one byte at a time.
+        page = int(row["page_size"]) if row["write_mode"] == "page" else 1
         erase, blocks = spi_erase(row, size)
         nregs = int(row["status_registers"])
         sec = fields.match("security", names[0]) if row["has_otp_or_security_regs"] == "yes" else []
@@ -216,6 +273,7 @@ def gen_spi(repo, cat, fields):
                 "; also " + ", ".join(names[1:]) if len(names) > 1 else "", variants_note(row["name"])),
             "cfg_hw=u|0", "delay=u|0", "reset=u|0", "reset_pol=u|0", "clk_def=u|1000000",
             "addr_begin=u|0", "size=u|%d" % size, "page_size=u|%d" % page,
+            "program_mode=s|%s" % row["write_mode"],
             "addr_size=u|3", "addr_mask=x|FFFFFF", "signature=s|%s" % row["jedec_id"],
             "erase=s|%s" % erase] + list_key("erase_blocks", blocks) + [
             "status_reg_def=s|%s" % ("00" * nregs)] + list_key(
@@ -235,52 +293,98 @@ def gen_spi(repo, cat, fields):
 
 # ---- AVR ----
 
-def avr_old(row):
-    """AT90S, ATtiny1x/22 and ATmega103/161: the first instruction set, lock bits read at bits 1 and 2."""
-    return row["flash_paged"] == "no" or row["name"] in ("ATmega103", "ATmega161")
-
-
-def avr_fuse_algs(row):
-    if row["fuse_memories"] != "fuse" or not avr_old(row):
-        return 1, 2          # one instruction per fuse byte: low, high, extended
-    if row["name"].startswith("AT90S"):
-        return 0, 0          # a single fuse bit (FSTRT) next to SPIEN
-    return 1, 1              # five fuse bits in one write instruction
-
-
-def avr_fuse_def(row):
+def avr_fuse_def(row, masks):
+    """Factory fuse bytes; the bits the part's write instruction does not carry read as 1."""
     count = int(row["fuse_bytes"])
-    if row["fuse_defaults"] == "unknown":
-        return "FF" * count
-    return "".join("FF" if v == "??" else v for v in row["fuse_defaults"].split(","))
+    values = ["FF"] * count if row["fuse_defaults"] == "unknown" else row["fuse_defaults"].split(",")
+    return "".join("%02X" % ((0xFF if v == "??" else int(v, 16)) | ~m & 0xFF) for v, m in zip(values, masks))
+
+
+def avr_masks(isp, names):
+    """The data bits each write instruction carries (all bits where the part has no write)."""
+    return [avr_isp.data_values(isp[n])[1] if n in isp else 0xFF for n in names]
 
 
 def avr_page(text):
     return 1 if text == "none" else int(text)
 
 
+def avr_algorithms(row, isp, cal):
+    """The algorithm of each operation whose instructions are the part's own, bit for bit; an operation
+    none of them sends correctly gets no key and is not offered for the part."""
+    fuses = [isp.get(m + "_read") for m in row["fuse_memories"].split(",")]
+    fuse_writes = [isp.get(m + "_write") for m in row["fuse_memories"].split(",")]
+    algs = {
+        "alg_ident": 0 if "signature_read" in isp and avr_isp.ident_ok(isp["signature_read"]) else None,
+        "alg_erase": 0 if "chip_erase" in isp and avr_isp.erase_ok(isp["chip_erase"]) else None,
+        "alg_fuse_read": avr_isp.fuse_read_alg(fuses) if all(fuses) else None,
+        "alg_fuse_write": avr_isp.fuse_write_alg(fuse_writes) if all(fuse_writes) else None,
+        "alg_lock_read": avr_isp.lock_read_alg(isp["lock_read"]) if "lock_read" in isp else None,
+        "alg_lock_write": avr_isp.lock_write_alg(isp["lock_write"]) if "lock_write" in isp else None,
+        "alg_osccal_read": 0 if cal and "calibration_read" in isp and avr_isp.osccal_ok(
+            isp["calibration_read"], cal) else None,
+    }
+    return algs
+
+
+def avr_flash_write_alg(row, isp, flash, fpage):
+    """Parts beyond 64 KiB commit each page with an instruction of their own (and the largest ones first
+    load the extended address); the others leave the commit to the programmer."""
+    if row["flash_needs_extended_address"] != "yes":
+        return 0
+    commit = isp.get("flash_writepage")
+    if not commit or not avr_isp.page_commit_ok(commit, flash, fpage):
+        raise SystemExit("%s: flash page commit differs from the part's instruction" % row["name"])
+    return 2 if row["isp_load_ext_addr"] == "yes" else 1
+
+
+def avr_waits(row):
+    """Wait bytes in ms, never shorter than the part's own minimum write time."""
+    fuse_us = max(avr_isp.min_delay_us(row, m) or 0 for m in ("lfuse", "hfuse", "efuse", "fuse"))
+    return {"flash": avr_isp.ms(max(int(row["min_write_delay_flash_us"]), int(row["max_write_delay_flash_us"]))),
+            "eeprom": avr_isp.ms(avr_isp.min_delay_us(row, "eeprom") or 0),
+            "erase": avr_isp.ms(row["chip_erase_delay_us"]),
+            "fuse": avr_isp.ms(fuse_us),
+            "lock": avr_isp.ms(avr_isp.min_delay_us(row, "lock") or 0)}
+
+
+def avr_isp_lines(isp, row):
+    """The part's own instructions and write times, for the simulator's model of the part."""
+    lines = ["isp_%s=s|%s" % (c, avr_isp.token_text(t)) for c, t in isp.items()]
+    lines.append("isp_chip_erase_us=u|%s" % row["chip_erase_delay_us"])
+    for m in avr_isp.MEMORIES:
+        us = avr_isp.min_delay_us(row, m)
+        if us is not None:
+            lines.append("isp_write_%s_us=u|%d" % (m, us))
+    return lines
+
+
 def gen_avr(repo, cat, fields):
     signatures = {}
+    device_fields = read_table(repo, "avr-fuse-fields.tsv")
+    isp_rows = {r["name"]: r for r in read_table(repo, "avr-isp.tsv")}
     for row in read_table(repo, "avr.tsv"):
         name = row["name"]
+        isp_row = isp_rows[name]
+        isp = avr_isp.patterns(isp_row)
         flash, eeprom = int(row["flash_size"]), int(row["eeprom_size"])
         fpage = 2 if row["flash_page_size"] == "none" else int(row["flash_page_size"])
-        epage = avr_page(row["eeprom_page_size"])
-        fuse_def = avr_fuse_def(row)
-        fuse_read, fuse_write = avr_fuse_algs(row)
-        old = avr_old(row)
+        # Without a page load instruction the EEPROM is written byte by byte.
+        epage = avr_page(row["eeprom_page_size"]) if "eeprom_loadpage" in isp else 1
+        fuse_masks = avr_masks(isp, [m + "_write" for m in row["fuse_memories"].split(",")])
+        lock_mask = avr_masks(isp, ["lock_write"])[0]
+        fuse_def = avr_fuse_def(row, fuse_masks)
+        old = row["flash_paged"] == "no" or name in ("ATmega103", "ATmega161")
         ext = row["flash_needs_extended_address"] == "yes"
         poll = not old
+        cal = int(row["calibration_bytes"])
+        algs = avr_algorithms(row, isp, cal)
+        waits = avr_waits(isp_row)
         fuse_captions = ["Fuse"] if len(fuse_def) == 2 else ["Low fuse", "High fuse", "Extended fuse"][
             : len(fuse_def) // 2]
-        if old:
-            lock_def, lock_cfg = "06", ["cap|Lock", "ckl|02|i|e|0|LB1", "ckl|04|i|e|0|LB2"]
-        else:
-            lock_def = "FF"
-            lock_rows = fields.match("lock", name) or [
-                {"mask": "03", "access": "rw", "byte": "0", "name": "LB", "polarity": "-"}]
-            lock_cfg = ["cap|Lock"] + [line for r in lock_rows for line in field_lines(r)]
-        cal = int(row["calibration_bytes"])
+        lock_rows = fields.match("lock", name) or [
+            {"mask": "%02X" % lock_mask, "access": "rw", "byte": "0", "name": "LB", "polarity": "-"}]
+        lock_cfg = ["cap|Lock"] + [line for r in lock_rows for line in field_lines(r)]
         lines = header(AVR, "avr.tsv", [name]) + [
             "comment=s|Atmel/Microchip %s AVR microcontroller" % name,
             "info=s|Flash %s, page %s; EEPROM %s; %d fuse byte(s), %d calibration byte(s); signature %s" % (
@@ -289,24 +393,22 @@ def gen_avr(repo, cat, fields):
             "cfg_hw=u|0", "delay=u|0", "reset=u|1", "reset_pol=u|0", "clk_def=u|125000",
             "signature=s|%s" % row["signature"],
             "flash_addr_begin=u|0", "flash_size=u|%d" % flash, "flash_page_size=u|%d" % fpage,
-            "flash_polling=u|%d" % poll, "flash_delay=u|%d" % ms(row["max_write_delay_flash_us"]),
+            "flash_polling=u|%d" % poll, "flash_delay=u|%d" % waits["flash"],
             "eeprom_addr_begin=u|0", "eeprom_size=u|%d" % eeprom, "eeprom_page_size=u|%d" % epage,
-            "eeprom_polling=u|%d" % poll, "eeprom_delay=u|%d" % ms(row["min_write_delay_eeprom_us"]),
-            "erase_polling=u|%d" % poll, "erase_delay=u|%d" % ms(row["max_write_delay_flash_us"]),
-            "fuse_def=s|%s" % fuse_def, "fuse_polling=u|0",
-            "fuse_delay=u|%d" % ms(row["min_write_delay_eeprom_us"])] + list_key(
-            "fuse_cfg", register_form(fields, "fuse", name, fuse_captions, "i")) + [
-            "lock_def=s|%s" % lock_def, "lock_polling=u|0",
-            "lock_delay=u|%d" % ms(row["min_write_delay_eeprom_us"])] + list_key("lock_cfg", lock_cfg) + [
+            "eeprom_polling=u|%d" % poll, "eeprom_delay=u|%d" % waits["eeprom"],
+            "erase_polling=u|%d" % poll, "erase_delay=u|%d" % waits["erase"],
+            "fuse_def=s|%s" % fuse_def, "fuse_mask=s|%s" % "".join("%02X" % m for m in fuse_masks),
+            "fuse_polling=u|0", "fuse_delay=u|%d" % waits["fuse"]] + list_key(
+            "fuse_cfg", device_file_form(device_fields, "fuse", name, fuse_captions,
+                                         register_form(fields, "fuse", name, fuse_captions, "i"))) + [
+            "lock_def=s|FF", "lock_mask=s|%02X" % lock_mask, "lock_polling=u|0", "lock_delay=u|%d" % waits["lock"]] + list_key(
+            "lock_cfg", device_file_form(device_fields, "lock", name, ["Lock"], lock_cfg)) + [
             "osccal_def=s|%s" % ("FF" * cal)] + list_key(
             "osccal_cfg", ["edr|FF|ro|%d|Calibration byte %d:" % (i, i) for i in range(cal)]) + [
-            "alg_ident=u|0", "alg_erase=u|0",
             "alg_flash_read=u|%d" % (1 if ext else 0),
-            "alg_flash_write=u|%d" % ((2 if row["isp_load_ext_addr"] == "yes" else 1) if ext else 0),
-            "alg_eeprom_read=u|0", "alg_eeprom_write=u|0",
-            "alg_fuse_read=u|%d" % fuse_read, "alg_fuse_write=u|%d" % fuse_write,
-            "alg_lock_read=u|%d" % (0 if old else 1), "alg_lock_write=u|%d" % (0 if old else 1),
-            "alg_osccal_read=u|0"]
+            "alg_flash_write=u|%d" % avr_flash_write_alg(row, isp, flash, fpage),
+            "alg_eeprom_read=u|0", "alg_eeprom_write=u|0"] + [
+            "%s=u|%d" % (k, v) for k, v in algs.items() if v is not None] + avr_isp_lines(isp, isp_row)
         cat.add([name], "%s/%s" % (AVR[0], file_name(name)), lines)
         signatures.setdefault(row["signature"], []).append(name)
     return signatures

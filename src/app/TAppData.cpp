@@ -99,18 +99,25 @@ void TAppData::loadData() {
     confirmQuit = s.value("/Confirmation/Quit", true).toBool();
     confirmSavePrj = s.value("/Confirmation/SavePrj", true).toBool();
     confirmProcess = s.value("/Confirmation/Process", true).toBool();
+    checkBeforeRun = s.value("/Main/CheckBeforeRun", true).toBool();
+    logDir = s.value("/Main/LogDir", QString()).toString();
     loadProgs(s);
 }
 
 // Without any programmer types a fresh installation registers the simulator on its default link, so
-// that it talks to the simulator at once.
+// that it talks to the simulator at once, the types of the bridged hardware, and an Arduino Nano with
+// the Tarvelix firmware.
 void TAppData::loadProgs(TSettings& s) {
     progType.clear();
     progName.clear();
     progDefault = s.value("/Prog/Default", 0).toInt();
     if (!s.childGroups().contains("ProgTypeList")) {
         progType.append(CLink::simTypeName, CLink::simTypeFile);
+        for (const CLink::TypeEntry& t : CLink::bridgeTypes)
+            progType.append(t.name, t.file);
         progName.append(false, CLink::simProgName, CLink::simLinkDefault, CLink::simTypeName);
+        progType.append(CLink::nanoTypeName, CLink::nanoTypeFile);
+        progName.append(false, CLink::nanoProgName, CLink::nanoPortDefault, CLink::nanoTypeName);
         return;
     }
     for (int i = 0;; ++i) {
@@ -173,6 +180,8 @@ void TAppData::saveData() const {
     s.setValue("/Confirmation/Quit", confirmQuit);
     s.setValue("/Confirmation/SavePrj", confirmSavePrj);
     s.setValue("/Confirmation/Process", confirmProcess);
+    s.setValue("/Main/CheckBeforeRun", checkBeforeRun);
+    s.setValue("/Main/LogDir", logDir);
     saveProgs(s);
     s.sync();
 }

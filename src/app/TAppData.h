@@ -48,6 +48,10 @@ public:
     // Confirmations.
     bool confirmQuit = true, confirmSavePrj = true, confirmProcess = true;
 
+    // Whether a run checks its commands and data files before the first command is sent.
+    bool checkBeforeRun = true;
+    QString logDir; // the run journal's folder; empty: none
+
     // Programmer registries and the index of the default programmer.
     TProgType progType;
     TProgName progName;

@@ -29,9 +29,17 @@ enum TCodeView : int {
     CodeViewCmdMove = 8, // command moved
 };
 
-// Kind of an execution-log event: 0 a command starts, 2..4 messages from executors (3 information,
-// 4 results), 5 the run ended well, 6 the run ended with an error.
+// Kind of an execution-log event. It stays a plain integer: the log ignores kinds it does not know.
 using TCodeExec = int;
+enum : TCodeExec {
+    ExecCmdStart = 0, // a command starts: its name and its parameter text
+    ExecText = 1,     // a line of its own with a time stamp
+    ExecMessage = 2,  // a message from an executor, indented
+    ExecInfo = 3,     // information from an executor
+    ExecResult = 4,   // a command's result
+    ExecSuccess = 5,  // the run ended well
+    ExecFailed = 6,   // the run ended with an error
+};
 
 // Run state of a configuration: 0 at creation, 1 while running, then the outcome of the last run.
 enum TCodeCfgStatus : int {

@@ -16,21 +16,9 @@
 #include <QTextCodec>
 
 #include <cstdio>
-#include <cstring>
 #include <memory>
 
 namespace {
-
-// Options that never need a display: they run on a plain core application.
-bool isConsoleOnly(int argc, char** argv) {
-    for (int i = 1; i < argc; ++i) {
-        for (const char* opt : {"--help", "-h", "--version", "-v", "--help-all", "--run", "--list",
-                                "--list-chips", "--list-progs", "--chip", "--prog"})
-            if (std::strcmp(argv[i], opt) == 0) return true;
-        if (std::strncmp(argv[i], "--chip=", 7) == 0 || std::strncmp(argv[i], "--prog=", 7) == 0) return true;
-    }
-    return false;
-}
 
 void applyStyle() {
     const QStringList styles = TApp::getStylesApp();
@@ -64,19 +52,77 @@ void addQuickOptions(QCommandLineParser& parser) {
     add("write", "Write FILE into the chip's memory.", "FILE");
     add("verify", "Compare the chip's memory with FILE.", "FILE");
     add("read", "Read the chip's memory into FILE.", "FILE");
-    add("format", "Data file format: bin, hex or ihex (default: from the file's extension).", "FORMAT");
+    add("format", "Data file format: bin, hex or ihex (default: from the file's contents or extension).",
+        "FORMAT");
     add("memory", "Memory of the file options: flash (default) or eeprom.", "MEMORY");
     add("fuses", "Write and verify the fuse bytes, as hex digits.", "HEX");
     add("lock", "Write and verify the lock byte, as hex digits.", "HEX");
     add("vcc", "Supply voltage to set before the operations.", "VOLTS");
     add("list-chips", "List the chips of the catalogue whose name matches the optional PATTERN.");
     add("list-progs", "List the programmers that are set up.");
+    add("log-dir", "Append every run's log and one JSON line to files in DIR.", "DIR");
+}
+
+struct Options {
+    QCommandLineOption settings{QStringLiteral("settings"), QStringLiteral("Use FILE as the settings file."),
+                                QStringLiteral("FILE")};
+    QCommandLineOption run{QStringLiteral("run"),
+                           QStringLiteral("Run PROJECT without a window and print its log."),
+                           QStringLiteral("PROJECT")};
+    QCommandLineOption config{QStringLiteral("config"),
+                              QStringLiteral("Configuration to run; repeat it to run several at once."),
+                              QStringLiteral("NAME")};
+    QCommandLineOption save{QStringLiteral("save"), QStringLiteral("Save the project after the runs.")};
+    QCommandLineOption pauses{QStringLiteral("continue-pauses"),
+                              QStringLiteral("Continue every pause at once.")};
+    QCommandLineOption process{QStringLiteral("allow-process"),
+                               QStringLiteral("Let the project's process commands start programs.")};
+    QCommandLineOption lockOut{
+        QStringLiteral("allow-lockout"),
+        QStringLiteral(
+            "Let fuse writes turn off serial programming of the part (SPIEN, RSTDISBL, DWEN, clock).")};
+    QCommandLineOption list{QStringLiteral("list"),
+                            QStringLiteral("List the configurations and commands of PROJECT."),
+                            QStringLiteral("PROJECT")};
+    QCommandLineOption noCheck{
+        QStringLiteral("no-check"),
+        QStringLiteral("Do not check commands and data files before the chip is touched.")};
+
+    void addTo(QCommandLineParser& parser) const {
+        parser.setApplicationDescription(
+            QStringLiteral("Tarvelix: memory chip and microcontroller programmer"));
+        parser.addHelpOption();
+        parser.addVersionOption();
+        parser.addOptions({settings, run, config, save, pauses, process, lockOut, list, noCheck});
+        addQuickOptions(parser);
+        parser.addPositionalArgument(QStringLiteral("project"),
+                                     QStringLiteral("Project file to open in the window."),
+                                     QStringLiteral("[PROJECT.prj]"));
+    }
+};
+
+QStringList argumentList(int argc, char** argv) {
+    QStringList args;
+    for (int i = 0; i < argc; ++i)
+        args << QString::fromLocal8Bit(argv[i]);
+    return args;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    const bool console = isConsoleOnly(argc, argv);
+    // The arguments are read before any application object exists: a wrong one gets the usage and
+    // status 2 also where no display could be opened.
+    const Options options;
+    QCommandLineParser parser;
+    options.addTo(parser);
+    const bool parsed = parser.parse(argumentList(argc, argv));
+    const bool quick = TQuickRun::wanted(argumentList(argc, argv)) ||
+                       parser.isSet(QStringLiteral("list-chips")) ||
+                       parser.isSet(QStringLiteral("list-progs"));
+    const bool console = !parsed || quick || parser.isSet(options.run) || parser.isSet(options.list) ||
+                         parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all")) ||
+                         parser.isSet(QStringLiteral("version"));
     std::unique_ptr<QCoreApplication> app(console ? new QCoreApplication(argc, argv)
                                                   : new QApplication(argc, argv));
     QCoreApplication::setApplicationName(CApp::name);
@@ -87,35 +133,8 @@ int main(int argc, char** argv) {
     qRegisterMetaType<TCodeExec>("TCodeExec");
     qRegisterMetaType<TCodeCfgStatus>("TCodeCfgStatus");
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Tarvelix: memory chip and microcontroller programmer"));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    const QCommandLineOption settingsOpt(
-        QStringLiteral("settings"), QStringLiteral("Use FILE as the settings file."), QStringLiteral("FILE"));
-    const QCommandLineOption runOpt(QStringLiteral("run"),
-                                    QStringLiteral("Run PROJECT without a window and print its log."),
-                                    QStringLiteral("PROJECT"));
-    const QCommandLineOption configOpt(
-        QStringLiteral("config"), QStringLiteral("Configuration to run; repeat it to run several at once."),
-        QStringLiteral("NAME"));
-    const QCommandLineOption saveOpt(QStringLiteral("save"),
-                                     QStringLiteral("Save the project after the runs."));
-    const QCommandLineOption pausesOpt(QStringLiteral("continue-pauses"),
-                                       QStringLiteral("Continue every pause at once."));
-    const QCommandLineOption processOpt(QStringLiteral("allow-process"),
-                                        QStringLiteral("Let the project's process commands start programs."));
-    const QCommandLineOption listOpt(QStringLiteral("list"),
-                                     QStringLiteral("List the configurations and commands of PROJECT."),
-                                     QStringLiteral("PROJECT"));
-    parser.addOptions({settingsOpt, runOpt, configOpt, saveOpt, pausesOpt, processOpt, listOpt});
-    addQuickOptions(parser);
-    parser.addPositionalArgument(QStringLiteral("project"),
-                                 QStringLiteral("Project file to open in the window."),
-                                 QStringLiteral("[PROJECT.prj]"));
-    // A wrong argument ends with status 2, as a project that cannot be loaded does.
-    if (!parser.parse(app->arguments())) {
-        std::fprintf(stderr, "%s\n", qPrintable(parser.errorText()));
+    if (!parsed) {
+        std::fprintf(stderr, "%s\n\n%s", qPrintable(parser.errorText()), qPrintable(parser.helpText()));
         return 2;
     }
     if (parser.isSet(QStringLiteral("help"))) parser.showHelp(0);
@@ -124,34 +143,43 @@ int main(int argc, char** argv) {
     // Files named on the command line are meant relative to where the user typed the command.
     const QDir startDir = QDir::current();
     auto absolute = [&](const QString& file) { return QFileInfo(startDir, file).absoluteFilePath(); };
-    if (parser.isSet(settingsOpt)) TSettings::setFileNameIniOverride(absolute(parser.value(settingsOpt)));
+    if (parser.isSet(options.settings))
+        TSettings::setFileNameIniOverride(absolute(parser.value(options.settings)));
 
     QDir::setCurrent(TApp::getPathApp());
     QTextCodec::setCodecForLocale(QTextCodec::codecForName(CApp::codepage));
 
     AppData.loadData();
     Lang.loadData(AppData.getLanguageFileAbs());
+    // For this process only: the settings file keeps its folder.
+    if (parser.isSet(QStringLiteral("log-dir")))
+        AppData.logDir = absolute(parser.value(QStringLiteral("log-dir")));
 
-    if (parser.isSet(listOpt)) return TRunner().list(absolute(parser.value(listOpt)));
+    if (parser.isSet(options.list)) return TRunner().list(absolute(parser.value(options.list)));
     if (parser.isSet(QStringLiteral("list-chips")))
         return TQuickRun().listChips(parser.positionalArguments().value(0));
     if (parser.isSet(QStringLiteral("list-progs"))) return TQuickRun().listProgs();
-    if (TQuickRun::wanted(app->arguments())) {
+    if (quick) {
         TQuickRun::Options opt;
         QString error;
         if (!TQuickRun::parse(app->arguments(), opt, error)) {
             std::fprintf(stderr, "%s\n", qPrintable(error));
             return TRunner::ExitUsage;
         }
+        if (parser.isSet(options.noCheck)) AppData.checkBeforeRun = false;
+        opt.allowLockout = parser.isSet(options.lockOut);
         return TQuickRun().run(opt, startDir.absolutePath());
     }
-    if (parser.isSet(runOpt)) {
+    if (parser.isSet(options.run)) {
         TRunner::Options opt;
-        opt.project = absolute(parser.value(runOpt));
-        opt.configs = parser.values(configOpt);
-        opt.save = parser.isSet(saveOpt);
-        opt.continuePauses = parser.isSet(pausesOpt);
-        opt.allowProcess = parser.isSet(processOpt);
+        opt.project = absolute(parser.value(options.run));
+        opt.configs = parser.values(options.config);
+        opt.save = parser.isSet(options.save);
+        opt.continuePauses = parser.isSet(options.pauses);
+        opt.allowProcess = parser.isSet(options.process);
+        // For this run only: the settings file keeps its value.
+        if (parser.isSet(options.noCheck)) AppData.checkBeforeRun = false;
+        opt.allowLockout = parser.isSet(options.lockOut);
         return TRunner().run(opt);
     }
 

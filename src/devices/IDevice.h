@@ -35,6 +35,10 @@ public:
     virtual QByteArray getCmdSetDeviceExec(const TData& param) = 0;
     // A new executor for the command; the caller owns it.
     virtual IDeviceExec* createExecObject(const TData& param) = 0;
+    // Why the family's command is not offered for this device; empty when there is nothing particular.
+    virtual QString getNotSupportedText(const QString& code) const;
+    // The reason a command named name cannot run on group (which may be null).
+    static QString notSupportedText(const IDevice* group, const QString& code, const QString& name);
 
     void setDevParam(const TData& param) { devParam = param; }
     TData getDevParam() const { return devParam; }

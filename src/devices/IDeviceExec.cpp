@@ -61,7 +61,7 @@ bool IDeviceExec::storeParam(const QString& key, const QVariant& value) {
 
 bool IDeviceExec::storeData(const QString& hex) {
     storeParam(QStringLiteral("data"), hex);
-    emit signalEventText(4, hex, QString());
+    emit signalEventText(ExecResult, hex, QString());
     return true;
 }
 

@@ -10,7 +10,7 @@ unsigned char byteOf(qint64 value, int n) {
 
 QByteArray TDev24CAlg::selectAndAddress(qint64 addr, unsigned char addrSize) {
     QByteArray out;
-    out.append(char((0xA0 | byteOf(addr, addrSize) << 1) & 0xFF));
+    out.append(char((CProtocol::I2c::SelectBase | byteOf(addr, addrSize) << 1) & 0xFF));
     if (addrSize == 0) return out;
     out.append(char(byteOf(addr, addrSize - 1)));
     if (addrSize > 1) out.append(char(byteOf(addr, 0)));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/CProtocol.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -9,7 +11,13 @@ class TSerialPort;
 // algorithm number the family does not have fails without sending anything.
 class TDev24CAlg {
 public:
-    enum Cmd : unsigned char { CmdLeave = 1, CmdClk = 2, CmdAddr = 3, CmdWrite = 4, CmdRead = 5 };
+    enum Cmd : unsigned char {
+        CmdLeave = CProtocol::Family::Leave,
+        CmdClk = CProtocol::Family::SetClk,
+        CmdAddr = CProtocol::I2c::SetAddr,
+        CmdWrite = CProtocol::I2c::Write,
+        CmdRead = CProtocol::I2c::Read
+    };
 
     // Device-select byte with the address bits above the address bytes in its block-select bits, then
     // the address bytes (high first). Middle bytes of an address wider than two bytes are not sent.

@@ -198,7 +198,7 @@ bool TDev24CExec::readData(TSerialPort& port) {
             return true;
         }))
         return false;
-    emit signalEventText(4, TMiscDev::getHexFromByteArrayMask(text, read), QString());
+    emit signalEventText(ExecResult, TMiscDev::getHexFromByteArrayMask(text, read), QString());
     return true;
 }
 

@@ -120,9 +120,11 @@ QString TDev25::cmdEraseBlocksView(const TData& p) {
     const qint64 size = p.value(kSize).toLongLong();
     const qint64 begin = p.value(kBegin).toLongLong();
     const qint64 count = p.value(kCount).toLongLong();
+    const qint64 first = TMiscDev::getProduct(begin, size);
     return QStringLiteral("0x%1..0x%2 (%3)")
-        .arg(TMiscDev::getHexFromInt(begin * size), TMiscDev::getHexFromInt(size * (begin + count) - 1),
-             TMiscDev::getViewDeviceSize(size * count));
+        .arg(TMiscDev::getHexFromInt(first),
+             TMiscDev::getHexFromInt(TMiscDev::getLastAddr(first, TMiscDev::getProduct(size, count))),
+             TMiscDev::getViewDeviceSize(TMiscDev::getProduct(size, count)));
 }
 
 QString TDev25::cmdSecurityRegView(const TData& p) {
@@ -242,7 +244,8 @@ bool TDev25::checkEraseBlocks(const TData& p) const {
     const qint64 size = p.value(kSize).toLongLong();
     const qint64 begin = p.value(kBegin).toLongLong();
     const qint64 count = p.value(kCount).toLongLong();
-    return size > 0 && begin >= 0 && count > 0 && (begin + count) * size <= devValue("size");
+    // Counted in blocks, so that no product of hostile values can wrap.
+    return size > 0 && count > 0 && TMiscDev::isRangeInside(begin, count, 0, devValue("size") / size);
 }
 
 bool TDev25::checkStatusReg(const TData& p) const {

@@ -2,6 +2,8 @@
 
 #include "link/TSerialPort.h"
 
+namespace S = CProtocol::Spi;
+
 namespace {
 void appendLen(QByteArray& out, quint16 len) {
     out.append(char(len & 0xFF));
@@ -31,20 +33,20 @@ void appendSecurityAddr(QByteArray& out, qint64 addr) {
 } // namespace
 
 QByteArray TDev25Alg::payloadIdent() {
-    return bytes({0x03, 0x00, 0x9F});
+    return bytes({3, 0, S::OpJedecId}); // three identification bytes back
 }
 
 QByteArray TDev25Alg::payloadRead(qint64 addr, quint16 len) {
     QByteArray out;
     appendLen(out, len);
-    out.append(char(0x0B));
+    out.append(char(S::OpFastRead));
     appendAddr(out, addr);
     out.append(char(0)); // the fast read's dummy byte
     return out;
 }
 
 QByteArray TDev25Alg::payloadWrite(qint64 addr, const QByteArray& data) {
-    QByteArray out(1, char(0x02));
+    QByteArray out(1, char(S::OpPageProgram));
     appendAddr(out, addr);
     return out + data;
 }
@@ -56,46 +58,48 @@ QByteArray TDev25Alg::payloadErase(unsigned char opcode, qint64 addr) {
 }
 
 QList<QByteArray> TDev25Alg::payloadReadStatusReg() {
-    return {bytes({0x01, 0x00, 0x05}), bytes({0x01, 0x00, 0x35}), bytes({0x01, 0x00, 0x15})};
+    return {bytes({1, 0, S::OpReadStatus1}), bytes({1, 0, S::OpReadStatus2}),
+            bytes({1, 0, S::OpReadStatus3})};
 }
 
 QList<QByteArray> TDev25Alg::payloadWriteStatusReg(const QByteArray& data) {
     if (data.size() != 3) return {};
-    return {QByteArray(1, char(0x01)) + data.at(0), QByteArray(1, char(0x31)) + data.at(1),
-            QByteArray(1, char(0x11)) + data.at(2)};
+    return {QByteArray(1, char(S::OpWriteStatus1)) + data.at(0),
+            QByteArray(1, char(S::OpWriteStatus2)) + data.at(1),
+            QByteArray(1, char(S::OpWriteStatus3)) + data.at(2)};
 }
 
 QByteArray TDev25Alg::payloadReadSFDPReg(qint64 addr, quint16 len) {
     // The SFDP address is only its low byte: the table offered for reading lies within 0..255.
     QByteArray out;
     appendLen(out, len);
-    out.append(bytes({0x5A, 0x00, 0x00}));
+    out.append(bytes({S::OpReadSfdp, 0x00, 0x00}));
     out.append(char(addr & 0xFF));
     out.append(char(0));
     return out;
 }
 
 QByteArray TDev25Alg::payloadEraseSecurityReg(int n) {
-    return bytes({0x44, 0x00, (unsigned char)((n + 1) * 16), 0x00});
+    return bytes({S::OpEraseSecurity, 0x00, (unsigned char)((n + 1) * 16), 0x00});
 }
 
 QByteArray TDev25Alg::payloadReadSecurityReg(qint64 addr, quint16 len) {
     QByteArray out;
     appendLen(out, len);
-    out.append(char(0x48));
+    out.append(char(S::OpReadSecurity));
     appendSecurityAddr(out, addr);
     out.append(char(0));
     return out;
 }
 
 QByteArray TDev25Alg::payloadWriteSecurityReg(qint64 addr, const QByteArray& data) {
-    QByteArray out(1, char(0x42));
+    QByteArray out(1, char(S::OpProgramSecurity));
     appendSecurityAddr(out, addr);
     return out + data;
 }
 
 QByteArray TDev25Alg::payloadReadUniqueID() {
-    return bytes({0x08, 0x00, 0x4B, 0x00, 0x00, 0x00, 0x00});
+    return bytes({8, 0, S::OpReadUniqueId, 0x00, 0x00, 0x00, 0x00}); // 8 bytes after four dummies
 }
 
 QByteArray TDev25Alg::payloadSetClk(unsigned int value) {

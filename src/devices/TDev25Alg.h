@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/CProtocol.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -15,7 +17,12 @@ class TSerialPort;
 // from the port so that each byte can be checked without a programmer.
 class TDev25Alg {
 public:
-    enum : unsigned char { CmdLeave = 1, CmdSetClk = 2, CmdRead = 3, CmdWrite = 4 };
+    enum : unsigned char {
+        CmdLeave = CProtocol::Family::Leave,
+        CmdSetClk = CProtocol::Family::SetClk,
+        CmdRead = CProtocol::Spi::Read,
+        CmdWrite = CProtocol::Spi::Write
+    };
 
     static QByteArray payloadIdent();
     static QByteArray payloadRead(qint64 addr, quint16 len);

@@ -2,6 +2,7 @@
 
 #include "app/TApp.h"
 #include "app/TLang.h"
+#include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
@@ -39,13 +40,13 @@ bool TDev93CExec::execSetCLK(TSerialPort& port) {
     const unsigned int hz = TAPP_PARAM(param, "clk").toUInt();
     QByteArray data;
     TMiscDev::appendLE(data, hz, 4);
-    return sendPackage(port, 2, data);
+    return sendPackage(port, CProtocol::Family::SetClk, data);
 }
 
 bool TDev93CExec::execErase(TSerialPort& port) {
     if (!isOpenPort(port)) return false;
     QByteArray data;
-    return sendPackage(port, 3, data);
+    return sendPackage(port, CProtocol::Mw::Erase, data);
 }
 
 bool TDev93CExec::execLeave(TSerialPort& port) {

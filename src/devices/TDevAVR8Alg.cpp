@@ -3,6 +3,8 @@
 #include "app/TLang.h"
 #include "link/TSerialPort.h"
 
+namespace A = CProtocol::Avr;
+
 namespace {
 void append16(QByteArray& out, qint64 v) {
     out.append(char(v & 0xFF)).append(char(v >> 8 & 0xFF));
@@ -13,8 +15,10 @@ unsigned char u8(qint64 v) {
 }
 
 // Fuse bytes in the order low, high, extended: read and write instruction bytes.
-const unsigned char fuseReads[3][2] = {{0x50, 0x00}, {0x58, 0x08}, {0x50, 0x08}};
-const unsigned char fuseWrites[3] = {0xA0, 0xA8, 0xA4};
+const unsigned char fuseReads[3][2] = {{A::InReadFuseLow, 0x00},
+                                       {A::InReadLockHigh, A::InReadSelectHigh},
+                                       {A::InReadFuseLow, A::InReadSelectHigh}};
+const unsigned char fuseWrites[3] = {A::InWriteFuseLow, A::InWriteFuseHigh, A::InWriteFuseExt};
 } // namespace
 
 // ---- payloads ----
@@ -37,16 +41,16 @@ QByteArray TDevAVR8Alg::payloadWrite(qint64 addr, const QByteArray& data) {
 }
 
 QByteArray TDevAVR8Alg::payloadExtendedAddress(qint64 addr) {
-    return payloadInstr(0, {0x4D, 0x00, u8(addr >> 16), 0x00});
+    return payloadInstr(0, {A::InExtendedAddress, 0x00, u8(addr >> 16), 0x00});
 }
 
 QByteArray TDevAVR8Alg::payloadPageCommit(unsigned char wait, qint64 addr) {
     const qint64 word = addr / 2;
-    return payloadInstr(wait, {0x4C, u8(word >> 8), u8(word), 0x00});
+    return payloadInstr(wait, {A::InWritePage, u8(word >> 8), u8(word), 0x00});
 }
 
 QList<QByteArray> TDevAVR8Alg::payloadReadFuse(int alg, int count) {
-    if (alg == 0) return {payloadInstr(0, {0x58, 0x00, 0x00, 0x00})};
+    if (alg == 0) return {payloadInstr(0, {A::InReadLockHigh, 0x00, 0x00, 0x00})};
     QList<QByteArray> out;
     for (int i = 0; alg == 1 && i < qMin(count, 3); ++i)
         out << payloadInstr(0, {fuseReads[i][0], fuseReads[i][1], 0x00, 0x00});
@@ -56,18 +60,43 @@ QList<QByteArray> TDevAVR8Alg::payloadReadFuse(int alg, int count) {
 QList<QByteArray> TDevAVR8Alg::payloadWriteFuse(int alg, unsigned char wait, const QByteArray& fuses) {
     if (fuses.isEmpty()) return {};
     const unsigned char v = u8(fuses.at(0));
-    if (alg == 0) return {payloadInstr(wait, {0xAC, u8((v & 0x01) | 0xBE), 0x00, 0x00})};
-    if (alg == 1) return {payloadInstr(wait, {0xAC, u8((v & 0x1F) | 0xA0), 0x00, 0x00})};
+    if (alg == 0) return {payloadInstr(wait, {A::InProgram, u8((v & 0x01) | A::InWriteFuseOld), 0x00, 0x00})};
+    if (alg == 1)
+        return {payloadInstr(wait, {A::InProgram, u8((v & 0x1F) | A::InWriteFuseFive), 0x00, 0x00})};
     QList<QByteArray> out;
     for (int i = 0; alg == 2 && i < qMin(int(fuses.size()), 3); ++i)
-        out << payloadInstr(wait, {0xAC, fuseWrites[i], 0x00, u8(fuses.at(i))});
+        out << payloadInstr(wait, {A::InProgram, fuseWrites[i], 0x00, u8(fuses.at(i))});
     return out;
 }
 
 QByteArray TDevAVR8Alg::payloadWriteLock(int alg, unsigned char wait, unsigned char v) {
-    if (alg == 0) return payloadInstr(wait, {0xAC, v, 0x00, 0x00});
-    if (alg == 1) return payloadInstr(wait, {0xAC, 0xE0, 0x00, v});
+    if (alg == 0) return payloadInstr(wait, {A::InProgram, v, 0x00, 0x00});
+    if (alg == 1) return payloadInstr(wait, {A::InProgram, A::InWriteLock, 0x00, v});
     return QByteArray();
+}
+
+QByteArray TDevAVR8Alg::payloadIdent(unsigned char i) {
+    return payloadInstr(0, {A::InReadSignature, 0x00, i, 0x00});
+}
+
+QByteArray TDevAVR8Alg::payloadErase(unsigned char wait) {
+    return payloadInstr(wait, {A::InProgram, A::InChipErase, 0x00, 0x00});
+}
+
+QByteArray TDevAVR8Alg::payloadReadLock() {
+    return payloadInstr(0, {A::InReadLockHigh, 0x00, 0x00, 0x00});
+}
+
+QByteArray TDevAVR8Alg::payloadReadOscCal(unsigned char i) {
+    return payloadInstr(0, {A::InReadCalibration, 0x00, i, 0x00});
+}
+
+unsigned char TDevAVR8Alg::fuseFromReply(int alg, unsigned char r3) {
+    return alg == 0 ? r3 & 0x21 : r3;
+}
+
+unsigned char TDevAVR8Alg::lockFromReply(int alg, unsigned char r3) {
+    return alg == 0 ? (r3 >> 4) & 6 : r3;
 }
 
 void TDevAVR8Alg::alignDataToWord(qint64& addr, QByteArray& data) {
@@ -104,7 +133,7 @@ bool TDevAVR8Alg::ident(int alg, TSerialPort& port, QByteArray& signature, QStri
     signature.clear();
     for (unsigned char i = 0; i < 3; ++i) {
         QByteArray r;
-        if (!instr(port, payloadInstr(0, {0x30, 0x00, i, 0x00}), r, err, 0x30, 0x00)) return false;
+        if (!instr(port, payloadIdent(i), r, err, A::InReadSignature, 0x00)) return false;
         signature.append(r.at(3));
     }
     return true;
@@ -113,7 +142,7 @@ bool TDevAVR8Alg::ident(int alg, TSerialPort& port, QByteArray& signature, QStri
 bool TDevAVR8Alg::erase(int alg, TSerialPort& port, unsigned char wait, QString& err) {
     if (alg != 0) return false;
     QByteArray r;
-    return instr(port, payloadInstr(wait, {0xAC, 0x80, 0x00, 0x00}), r, err, 0xAC, 0x80, 0x00);
+    return instr(port, payloadErase(wait), r, err, A::InProgram, A::InChipErase, 0x00);
 }
 
 bool TDevAVR8Alg::extendedAddress(TSerialPort& port, FlashState& st, qint64 addr, QString& err) {
@@ -170,7 +199,7 @@ bool TDevAVR8Alg::readFuseBits(int alg, TSerialPort& port, int count, QByteArray
         QByteArray r;
         // The single-byte read of the oldest parts has no echo to check.
         if (!instr(port, p, r, err, alg == 0 ? -1 : u8(p.at(1)))) return false;
-        out.append(alg == 0 ? char(r.at(3) & 0x21) : r.at(3));
+        out.append(char(fuseFromReply(alg, u8(r.at(3)))));
     }
     return true;
 }
@@ -182,7 +211,7 @@ bool TDevAVR8Alg::writeFuse(int alg, TSerialPort& port, unsigned char wait, cons
     for (const QByteArray& p : payloads) {
         QByteArray r;
         const bool full = alg != 2; // the byte-per-instruction writes check the first echo only
-        if (!instr(port, p, r, err, 0xAC, full ? u8(p.at(2)) : -1, full ? 0x00 : -1)) return false;
+        if (!instr(port, p, r, err, A::InProgram, full ? u8(p.at(2)) : -1, full ? 0x00 : -1)) return false;
     }
     return true;
 }
@@ -190,9 +219,8 @@ bool TDevAVR8Alg::writeFuse(int alg, TSerialPort& port, unsigned char wait, cons
 bool TDevAVR8Alg::readLockBits(int alg, TSerialPort& port, unsigned char& out, QString& err) {
     if (alg != 0 && alg != 1) return false;
     QByteArray r;
-    if (!instr(port, payloadInstr(0, {0x58, 0x00, 0x00, 0x00}), r, err, 0x58, 0x00)) return false;
-    const unsigned char v = u8(r.at(3));
-    out = alg == 0 ? (v >> 4) & 6 : v;
+    if (!instr(port, payloadReadLock(), r, err, A::InReadLockHigh, 0x00)) return false;
+    out = lockFromReply(alg, u8(r.at(3)));
     return true;
 }
 
@@ -201,7 +229,7 @@ bool TDevAVR8Alg::writeLockBits(int alg, TSerialPort& port, unsigned char wait, 
     const QByteArray p = payloadWriteLock(alg, wait, v);
     if (p.isEmpty()) return false;
     QByteArray r;
-    return instr(port, p, r, err, 0xAC, u8(p.at(2)), 0x00);
+    return instr(port, p, r, err, A::InProgram, u8(p.at(2)), 0x00);
 }
 
 bool TDevAVR8Alg::readOscCal(int alg, TSerialPort& port, int count, QByteArray& out, QString& err) {
@@ -209,7 +237,7 @@ bool TDevAVR8Alg::readOscCal(int alg, TSerialPort& port, int count, QByteArray& 
     out.clear();
     for (int i = 0; i < count; ++i) {
         QByteArray r;
-        if (!instr(port, payloadInstr(0, {0x38, 0x00, u8(i), 0x00}), r, err, 0x38, 0x00)) return false;
+        if (!instr(port, payloadReadOscCal(u8(i)), r, err, A::InReadCalibration, 0x00)) return false;
         out.append(r.at(3));
     }
     return true;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/CProtocol.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -13,16 +15,16 @@ class TSerialPort;
 class TDevAVR8Alg {
 public:
     enum Cmd : unsigned char {
-        CmdLeave = 1,
-        CmdClk = 2,
-        CmdReadFlash = 3,
-        CmdWriteFlash = 4,
-        CmdReadEeprom = 5,
-        CmdWriteEeprom = 6,
-        CmdInstr = 7
+        CmdLeave = CProtocol::Family::Leave,
+        CmdClk = CProtocol::Family::SetClk,
+        CmdReadFlash = CProtocol::Avr::ReadFlash,
+        CmdWriteFlash = CProtocol::Avr::WriteFlash,
+        CmdReadEeprom = CProtocol::Avr::ReadEeprom,
+        CmdWriteEeprom = CProtocol::Avr::WriteEeprom,
+        CmdInstr = CProtocol::Avr::Instr
     };
     // 0xFF asks the programmer to poll the part until it is ready; other values are a fixed delay.
-    static constexpr unsigned char waitPoll = 0xFF;
+    static constexpr unsigned char waitPoll = CProtocol::Avr::WaitPoll;
 
     // Upper address bits last sent with the extended address instruction; -1: none yet.
     struct FlashState {
@@ -61,6 +63,13 @@ public:
     static QList<QByteArray> payloadReadFuse(int alg, int count);
     static QList<QByteArray> payloadWriteFuse(int alg, unsigned char wait, const QByteArray& fuses);
     static QByteArray payloadWriteLock(int alg, unsigned char wait, unsigned char v);
+    static QByteArray payloadIdent(unsigned char i);
+    static QByteArray payloadErase(unsigned char wait);
+    static QByteArray payloadReadLock();
+    static QByteArray payloadReadOscCal(unsigned char i);
+    // The value a read takes from the fourth byte shifted in.
+    static unsigned char fuseFromReply(int alg, unsigned char r3);
+    static unsigned char lockFromReply(int alg, unsigned char r3);
 
 private:
     // One instruction; echo lists the reply bytes r1, r2, r3 to check (-1: not checked).

@@ -5,6 +5,7 @@
 #include "app/TLang.h"
 #include "devices/TSignature.h"
 #include "link/TSerialPort.h"
+#include "misc/TLockOut.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
@@ -337,6 +338,13 @@ bool TDevAVR8Exec::writeFuse(TSerialPort& port) {
     const int count = TAPP_PARAM(dev, "fuse_def").toString().size() / 2;
     if (fuses.size() != count || count == 0) {
         setErrorText(Lang.get(487).arg(count));
+        return false;
+    }
+    // Fuses after which the part no longer answers are written only when the user agreed to it.
+    const QStringList lockOut = TLockOut::reasons(dev, fuses);
+    if (!lockOut.isEmpty() && !TLockOut::isAllowed(TAPP_PARAM(param, CTagCmd::id_cfg).toInt())) {
+        const QString part = QFileInfo(TAPP_PARAM(dev, "dev_file").toString()).completeBaseName();
+        setErrorText(Lang.get(1105).arg(part, lockOut.join(QStringLiteral("; "))));
         return false;
     }
     QString err;

@@ -17,9 +17,8 @@ namespace {
 const QString kData = QStringLiteral("data");
 } // namespace
 
-TDevAVR8_SPI::TDevAVR8_SPI(const QString& code, const TData& param) : IDevice(code), cmdList(getCmdList()) {
-    setDevParam(param);
-}
+TDevAVR8_SPI::TDevAVR8_SPI(const QString& code, const TData& param)
+    : IDevice(code), cmdList((setDevParam(param), offeredCmdList())) {}
 
 IDevice* TDevAVR8_SPI::Instance(const QString& code, const TData& param) {
     return new TDevAVR8_SPI(code, param);
@@ -56,6 +55,29 @@ QStringList TDevAVR8_SPI::getCmdList() {
             lock_verify,
             osccal_read,
             leave};
+}
+
+QString TDevAVR8_SPI::algKey(const QString& code) {
+    using namespace CTagCmdCode;
+    if (TMiscDev::isOneOf(code, {ident, erase, fuse_write, lock_write})) return QStringLiteral("alg_") + code;
+    if (TMiscDev::isOneOf(code, {fuse_read, fuse_verify})) return QStringLiteral("alg_fuse_read");
+    if (TMiscDev::isOneOf(code, {lock_read, lock_verify})) return QStringLiteral("alg_lock_read");
+    if (code == QLatin1String(osccal_read)) return QStringLiteral("alg_osccal_read");
+    return QString();
+}
+
+QStringList TDevAVR8_SPI::offeredCmdList() const {
+    QStringList out;
+    for (const QString& code : getCmdList()) {
+        const QString key = algKey(code);
+        if (key.isEmpty() || devParam.contains(key)) out << code;
+    }
+    return out;
+}
+
+QString TDevAVR8_SPI::getNotSupportedText(const QString& code) const {
+    if (cmdList.contains(code) || !getCmdList().contains(code)) return QString();
+    return Lang.get(1100).arg(CmdCode.getName(code), getDeviceCode());
 }
 
 bool TDevAVR8_SPI::supportCmd(const QString& code) const {
@@ -149,8 +171,12 @@ QWidget* TDevAVR8_SPI::getFormCmdParam(const TData& p) const {
     if (!bytesGroup(code).isEmpty()) {
         // Read commands show what they read; only writes and verifies are edited.
         form = new TFormCmd(p);
-        TWgtRegisterForm::addToForm(form, kData, devParam.value(bytesConfig(code)).toStringList(),
-                                    code.endsWith(QLatin1String("_read")));
+        const bool read = code.endsWith(QLatin1String("_read"));
+        const QByteArray factory = read || code == QLatin1String(osccal_read)
+                                       ? QByteArray()
+                                       : QByteArray::fromHex(bytesDefault(code).toLatin1());
+        TWgtRegisterForm::addToForm(form, kData, devParam.value(bytesConfig(code)).toStringList(), read,
+                                    false, factory);
     }
     if (code == QLatin1String(leave)) form = TNormCmdParam::cmdLeaveForm(this, p, true);
     return keepForm(form);
@@ -162,12 +188,20 @@ TData TDevAVR8_SPI::getChangedParam(const TData& p) const {
 
 void TDevAVR8_SPI::normCmdParam(TData&) {}
 
-// Written or compared bytes must be exactly as many as the part has (hex text, two digits a byte).
+// Written or compared bytes must be exactly as many as the part has (hex text, two digits a byte), and
+// the bits the part's instruction does not carry stay 1: the instruction sends the byte as it is, so a
+// 0 there would change one of the instruction's own bits.
 bool TDevAVR8_SPI::checkBytes(const QString& code, const TData& p) const {
     const QString text = p.value(kData).toString();
     const int n = bytesDefault(code).size() / 2;
     static const QRegularExpression hexDigits(QStringLiteral("^[0-9A-Fa-f]*$"));
-    return n > 0 && text.size() == 2 * n && hexDigits.match(text).hasMatch();
+    if (n <= 0 || text.size() != 2 * n || !hexDigits.match(text).hasMatch()) return false;
+    const QByteArray bytes = QByteArray::fromHex(text.toLatin1());
+    const QByteArray mask =
+        QByteArray::fromHex(devParam.value(bytesGroup(code) + QStringLiteral("_mask")).toByteArray());
+    for (int i = 0; i < mask.size() && i < bytes.size(); ++i)
+        if ((bytes.at(i) | mask.at(i)) != char(0xFF)) return false;
+    return true;
 }
 
 bool TDevAVR8_SPI::checkCmdParam(const TData& p) {

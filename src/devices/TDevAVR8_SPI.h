@@ -26,8 +26,13 @@ public:
     QWidget* getWgtCmdSetDeviceParam(const TData& param) override;
     QByteArray getCmdSetDeviceExec(const TData& param) override;
     IDeviceExec* createExecObject(const TData& param) override;
+    QString getNotSupportedText(const QString& code) const override;
 
 private:
+    // The commands whose algorithm the part's description names; the catalogue leaves out an operation
+    // whose serial programming instruction none of the family's algorithms sends correctly.
+    QStringList offeredCmdList() const;
+    static QString algKey(const QString& code);
     // The catalogue default of the byte group a command edits (fuses, lock bits, calibration); empty for
     // other commands.
     static QString bytesGroup(const QString& code);

@@ -115,6 +115,7 @@ bool TDevProgExec::execSetDevice(TSerialPort& port) {
         setErrorText(Lang.get(387).arg(CmdCode.getName(CTagCmdCode::set_device)));
         return false;
     }
+    port.describeTarget(dev->getDevParam());
     return send(port, CmdSetDevice, dev->getCmdSetDeviceExec(param));
 }
 
@@ -134,13 +135,14 @@ bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {
         if (pair.first == signature) {
             matches.append(pair.second);
             // The device name travels as the event's parameter for callers that act on what was found.
-            emit signalEventText(4, Lang.get(401).arg(QStringLiteral("%1 (%2)").arg(pair.second, signature)),
+            emit signalEventText(ExecResult,
+                                 Lang.get(401).arg(QStringLiteral("%1 (%2)").arg(pair.second, signature)),
                                  pair.second);
         }
     if (matches.isEmpty()) {
         const QString text = Lang.get(402) + QStringLiteral(" (%1)").arg(signature);
         if (!TAPP_PARAM(param, "stop").toBool()) {
-            emit signalEventText(3, text, QString());
+            emit signalEventText(ExecInfo, text, QString());
             return true;
         }
         setErrorText(text);
@@ -158,12 +160,13 @@ bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {
             }
             // The routed configuration takes the programmer over: this run lets go of the port and ends.
             port.close();
-            emit signalEventText(3, Lang.get(403).arg(ProjectData.getNameCfgFromIdCfg(target)), QString());
+            emit signalEventText(ExecInfo, Lang.get(403).arg(ProjectData.getNameCfgFromIdCfg(target)),
+                                 QString());
             if (TAPP_PARAM(param, "execute").toBool()) emit signalExecuteFromCmd(target);
             finish = true;
             return true;
         }
     const QString here = ProjectData.getNameCfgFromIdCfg(ProjectData.getIdCfgFromIdCmd(idCmd));
-    emit signalEventText(3, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), here), QString());
+    emit signalEventText(ExecInfo, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), here), QString());
     return true;
 }

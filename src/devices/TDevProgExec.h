@@ -1,6 +1,7 @@
 #pragma once
 
 #include "devices/IDeviceExec.h"
+#include "link/CProtocol.h"
 
 // Runs one programmer command: one packet to the programmer (auto-detection: a short dialogue).
 class TDevProgExec : public IDeviceExec {
@@ -8,19 +9,23 @@ class TDevProgExec : public IDeviceExec {
 public:
     // Packet command bytes of the programmer.
     enum : unsigned char {
-        CmdLED = 0x83,
-        CmdSetDevice = 0x84,
-        CmdLeave = 0x85,
-        CmdReset = 0x86,
-        CmdGenerator = 0x87,
-        CmdSetIO = 0x88,
-        CmdSetVcc = 0x89,
-        CmdSetVpp = 0x8A,
-        CmdSetVIcc = 0x8B,
-        CmdSetVIpp = 0x8C,
+        CmdLED = CProtocol::Prog::LED,
+        CmdSetDevice = CProtocol::Prog::SetDevice,
+        CmdLeave = CProtocol::Prog::Leave,
+        CmdReset = CProtocol::Prog::Reset,
+        CmdGenerator = CProtocol::Prog::Generator,
+        CmdSetIO = CProtocol::Prog::SetIO,
+        CmdSetVcc = CProtocol::Prog::SetVcc,
+        CmdSetVpp = CProtocol::Prog::SetVpp,
+        CmdSetVIcc = CProtocol::Prog::SetVIcc,
+        CmdSetVIpp = CProtocol::Prog::SetVIpp,
     };
     // LED states.
-    enum : unsigned char { LedIdle = 0, LedSelected = 1, LedError = 2 };
+    enum : unsigned char {
+        LedIdle = CProtocol::Prog::LedIdle,
+        LedSelected = CProtocol::Prog::LedSelected,
+        LedError = CProtocol::Prog::LedError
+    };
 
     explicit TDevProgExec(const TData& param, QObject* parent = nullptr);
 

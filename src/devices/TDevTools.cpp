@@ -5,12 +5,14 @@
 #include "formats/ICRC.h"
 #include "formats/TCRC.h"
 #include "formats/TFormat.h"
+#include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TCmdCode.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
+#include <climits>
 #include <limits>
 #include <memory>
 
@@ -112,7 +114,7 @@ QString TDevTools::getViewCmdParam(const TData& p, QWidget*) const {
     if (code == calc_crc)
         return QStringLiteral("%1: %2 (%3)")
             .arg(p.value("crc_name").toString(), p.value("file").toString(),
-                 p.value("format").toString().toUpper());
+                 TFormat::getViewFormat(p.value("format").toString()));
     if (code == set_prog) {
         QString view = p.value("prog").toString();
         if (p.value("alt_enabled").toBool())
@@ -154,8 +156,9 @@ bool TDevTools::checkCmdParam(const TData& p) {
         bool okA = false, okC = false, okF = false;
         const qint64 addr = p.value("addr").toLongLong(&okA), count = p.value("count").toLongLong(&okC);
         const int fill = p.value("fill").toInt(&okF);
-        return crc && !p.value("file").toString().isEmpty() && okA && okC && okF && addr >= 0 && count >= 0 &&
-               fill >= 0 && fill <= 255;
+        // The range may lie anywhere in a file, but its end must stay within 64 bits.
+        return crc && !p.value("file").toString().isEmpty() && okA && okC && okF &&
+               TMiscDev::isRangeInside(addr, count, 0, LLONG_MAX) && fill >= 0 && fill <= 255;
     }
     return code == pause || code == stop;
 }

@@ -6,6 +6,8 @@
 #include "formats/ICRC.h"
 #include "formats/TCRC.h"
 #include "formats/TFormat.h"
+#include "link/CProtocol.h"
+#include "link/TPortLock.h"
 #include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "misc/dev_misc.h"
@@ -25,6 +27,11 @@
 #include <memory>
 
 std::atomic<bool> TDevToolsExec::processAllowed{true};
+
+namespace {
+// How often a run waiting for a port held by another run looks again.
+const unsigned long portPollMs = 10;
+} // namespace
 
 void TDevToolsExec::setProcessAllowed(bool allowed) {
     processAllowed = allowed;
@@ -83,7 +90,7 @@ bool TDevToolsExec::execPause() {
     const int idCfg = TAPP_PARAM(param, CTagCmd::id_cfg).toInt();
     pause = true;
     emit signalPauseFromCmd(idCfg);
-    emit signalEventText(3, Lang.get(396), QString());
+    emit signalEventText(ExecInfo, Lang.get(396), QString());
     while (pause && !isStop()) {
         QThread::msleep(100);
         QCoreApplication::processEvents();
@@ -111,7 +118,7 @@ bool TDevToolsExec::execJamp(int& idCfg, int& idCmd) {
     }
     if (idCfg != from)
         emit signalEventText(
-            3, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), ProjectData.getNameCfgFromIdCfg(idCfg)),
+            ExecInfo, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), ProjectData.getNameCfgFromIdCfg(idCfg)),
             QString());
     return true;
 }
@@ -160,6 +167,12 @@ bool TDevToolsExec::execProcess() {
     if (args.isEmpty()) return true;
     QProcess proc;
     proc.setProcessChannelMode(QProcess::ForwardedChannels);
+    // Relative names in the command line mean files beside the project, wherever Tarvelix was started.
+    const QString folder = ProjectData.getPrjWorkPath();
+    if (!folder.isEmpty()) {
+        proc.setWorkingDirectory(folder);
+        emit signalEventText(ExecInfo, Lang.get(1420).arg(folder), QString());
+    }
     proc.start(args.takeFirst(), args, QIODevice::ReadWrite);
     proc.waitForFinished(30000);
     return true;
@@ -200,7 +213,7 @@ bool TDevToolsExec::execCalcCRC() {
     if (count == 0) count = QFileInfo(file).size() - addr;
     const qint64 piece = 0x1000000;
     // File and device addresses coincide: the range starts at addr in both.
-    TFormat data(format, file, addr, addr, addr + count - 1, piece);
+    TFormat data(format, file, addr, addr, TMiscDev::getLastAddr(addr, count), piece);
     if (!openFile(data, FormatModeRead)) return false;
     // The CRC runs over exactly count bytes: gaps in the file are filled with the fill byte.
     qint64 at = addr;
@@ -235,7 +248,24 @@ bool TDevToolsExec::execCalcCRC() {
     data.close();
     if (isStop()) return true;
     emit signalEventText(
-        4, QStringLiteral("%1: %2").arg(name, TMiscDev::getHexFromByteArray(crc->getResult())), QString());
+        ExecResult, QStringLiteral("%1: %2").arg(name, TMiscDev::getHexFromByteArray(crc->getResult())), QString());
+    return true;
+}
+
+// Runs that share a programmer take turns: a port another run holds is waited for, saying so once, until
+// it is free or the user stops this run.
+bool TDevToolsExec::waitForPort(TSerialPort& port, const QString& portName) {
+    const QString me = ProjectData.getNameCfgFromIdCfg(TAPP_PARAM(param, CTagCmd::id_cfg).toInt());
+    port.setOwnerName(me);
+    QString heldBy;
+    bool told = false;
+    while (!TPortLock::claim(portName, &port, me, &heldBy)) {
+        if (!told) emit signalEventText(2, Lang.get(1302).arg(portName, heldBy), QString());
+        told = true;
+        QCoreApplication::processEvents();
+        if (isStop()) return false;
+        QThread::msleep(portPollMs);
+    }
     return true;
 }
 
@@ -255,6 +285,7 @@ bool TDevToolsExec::execSetProg(TSerialPort& port) {
     const QString portName = TAPP_PARAM(param, "alt_enabled").toBool()
                                  ? TAPP_PARAM(param, "alt_port").toString()
                                  : AppData.progName.getData(name).port;
+    if (!waitForPort(port, portName)) return false;
     if (!port.open(portName, TSerialPort::OpenMode(QIODevice::ReadWrite))) {
         setErrorText(port.getErrorText());
         return false;
@@ -262,12 +293,12 @@ bool TDevToolsExec::execSetProg(TSerialPort& port) {
     port.applySettings(*prog);
 
     QByteArray data;
-    if (!sendPackage(port, 0x80, data)) return false;
+    if (!sendPackage(port, CProtocol::Prog::Interface, data)) return false;
     const quint16 iface = data.size() < 2 ? 0 : quint16(quint8(data.at(0)) | (quint8(data.at(1)) << 8));
     data.clear();
-    if (!sendPackage(port, 0x81, data)) return false;
+    if (!sendPackage(port, CProtocol::Prog::Ident, data)) return false;
     const int zero = data.indexOf('\0');
-    emit signalEventText(3, QString::fromLatin1(zero < 0 ? data : data.left(zero)), QString());
+    emit signalEventText(ExecInfo, QString::fromLatin1(zero < 0 ? data : data.left(zero)), QString());
     if (iface != prog->getInterface()) {
         setErrorText(Lang.get(399));
         return false;

@@ -26,6 +26,7 @@ private:
     bool execExecute();
     bool execCalcCRC();
     bool execSetProg(TSerialPort& port);
+    bool waitForPort(TSerialPort& port, const QString& portName);
     void processGUI(int& last, qint64 done, qint64 total);
 
     static std::atomic<bool> processAllowed;

@@ -2,14 +2,17 @@
 
 #include "app/TApp.h"
 #include "app/TAppData.h"
+#include "app/TLang.h"
 #include "devices/CTagDevices.h"
 #include "devices/TDev24.h"
 #include "devices/TDev25.h"
 #include "devices/TDevAVR8_SPI.h"
 #include "devices/TDevProg.h"
 #include "devices/TDevTools.h"
+#include "formats/IFormat.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTextStream>
 
 TDeviceList DeviceList;
@@ -51,6 +54,7 @@ template <typename F> void readListFile(const QString& name, F take) {
 }
 
 bool readDescription(const QString& file, QStringList& lines) {
+    if (!TDeviceList::checkDescription(file).isEmpty()) return false;
     QFile f(devicesFile(file));
     if (!f.open(QIODevice::ReadOnly | QIODevice::Text)) return false;
     QTextStream in(&f);
@@ -137,6 +141,13 @@ bool TDeviceList::getParamFields(const QString& line, QString& key, QString& typ
     type = line.mid(eq + 1, bar - eq - 1).trimmed();
     value = line.mid(bar + 1);
     return true;
+}
+
+QString TDeviceList::checkDescription(const QString& file) {
+    const QString path = devicesFile(file);
+    const QFileInfo info(path);
+    if (!info.exists()) return Lang.get(1412).arg(path);
+    return IFormat::checkReadable(path, maxDescriptionSize);
 }
 
 TData TDeviceList::getParamData(const QStringList& lines) {

@@ -22,6 +22,11 @@ public:
     Creator getDeviceInstance(const QString& code, const QString& file, TData& param,
                               QStringList* desc = nullptr) const;
     static TData getParamData(const QStringList& lines);
+    // Why a description file is not read (missing, not a regular file, larger than any description can
+    // be); empty when it is read. A description comes with someone's project, so /dev/zero or a FIFO
+    // must neither hang nor fill the memory.
+    static QString checkDescription(const QString& file);
+    static const qint64 maxDescriptionSize = 1 << 20;
     static bool getParamFields(const QString& line, QString& key, QString& type, QString& value);
     unsigned int getDevCode(QString& name) const;
 

@@ -1,13 +1,16 @@
 #include "exec/TExec.h"
 
+#include "app/TAppData.h"
 #include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "devices/IDeviceExec.h"
 #include "devices/TDevProgExec.h"
+#include "exec/TRunCheck.h"
 #include "exec/TThreadSync.h"
 #include "link/TSerialPort.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
@@ -15,7 +18,7 @@
 
 #include <memory>
 
-TExec::TExec(int id, QObject* parent) : QObject(parent), idCfg(id) {}
+TExec::TExec(int id, QObject* parent) : QObject(parent), idCfg(id), checkBeforeRun(AppData.checkBeforeRun) {}
 
 TExec::~TExec() {
     emit signalDestroy(idCfg);
@@ -78,6 +81,11 @@ bool TExec::leaveProgrammer(TSerialPort& port) {
 bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QString& error) {
     bool finish = false;
     int idCmd = -1, current = idCfg;
+    TRunCheck check(idCfg);
+    if (checkBeforeRun && !check.checkRun()) {
+        error = Lang.get(1017) + QLatin1Char('\n') + check.getErrorText();
+        return false;
+    }
     for (;;) {
         if (finish || stop) return true;
         CmdInfo info;
@@ -94,17 +102,21 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         exec = info.group ? info.group->createExecObject(info.data) : nullptr;
 
         processEvents();
-        relayEventText(0, info.name, info.params);
+        relayEventText(ExecCmdStart, info.name, info.params);
         processEvents();
 
-        if (!info.data.value(CTagCmd::valid_dev).toBool() || !exec) {
-            error = Lang.get(387).arg(info.name);
+        if (!exec) {
+            error = IDevice::notSupportedText(info.group, code, info.name);
             return false;
         }
-        if (!info.data.value(CTagCmd::valid_param).toBool()) {
-            error = Lang.get(388).arg(info.name);
+        error = TCmdProblem::get(info.name, info.data, info.group);
+        if (!error.isEmpty()) return false;
+        if (checkBeforeRun && !check.checkCommand(info.data)) {
+            error = check.getErrorText();
             return false;
         }
+        const QString warning = TRunCheck::getWarning(info.data);
+        if (!warning.isEmpty()) relayEventText(ExecInfo, warning, QString());
         connectExec(exec, code);
         // A stop that came before the executor was connected still reaches it.
         if (stop) exec->slotStop();
@@ -149,10 +161,11 @@ void TExec::slotStart() {
     TDevProgExec led{TData()};
     if (!verdict) {
         if (!timeout && port.isOpen()) led.showLED(port, TDevProgExec::LedError);
-        relayEventText(6, error, QString());
+        relayEventText(ExecFailed, error, QString());
     } else {
         if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
-        relayEventText(5, Lang.get(stop ? 390 : 391), QString());
+        stoppedEnd = stop;
+        relayEventText(ExecSuccess, Lang.get(stoppedEnd ? 390 : 391), QString());
     }
     if (port.isOpen()) port.close();
     delete exec;

@@ -19,6 +19,9 @@ public:
     ~TExec() override;
 
     int getIdCfg() const { return idCfg; }
+    // Whether the run ended well because the user stopped it (final message 390). Read once the
+    // worker's thread has ended.
+    bool endedByStop() const { return stoppedEnd; }
 
 public slots:
     void slotStart();
@@ -50,5 +53,8 @@ private:
     static QString withPort(const TSerialPort& port, const QString& error, bool timeout);
 
     const int idCfg;
+    // Taken from the settings when the run is made, in the interface thread.
+    const bool checkBeforeRun;
     std::atomic<bool> stop{false};
+    bool stoppedEnd = false;
 };

@@ -24,6 +24,10 @@ public:
     QList<TLogPiece> event(TCodeExec code, const QString& text, const QString& param, const QTime& now) const;
 
     static QString toPlain(const QList<TLogPiece>& pieces);
+    // Control characters from a project, a file name or the programmer would act on a terminal or
+    // start a forged line; they are shown as escapes instead ("\\n", "\\x1B"). keepLineBreaks keeps
+    // the line breaks of messages that consist of several lines.
+    static QString escape(const QString& text, bool keepLineBreaks = false);
     // The heading, rule, message and rule of a failed run.
     static QString failureBlock(const QString& text);
 

@@ -128,8 +128,7 @@ bool TQuickRun::parse(const QStringList& args, Options& opt, QString& error) {
 }
 
 QString TQuickRun::formatKey(const QString& option, const QString& file, bool forSave) {
-    if (option == "bin") return QStringLiteral("bin");
-    if (!option.isEmpty()) return QStringLiteral("hex"); // "hex" and "ihex" are both Intel HEX
+    if (!option.isEmpty()) return option;
     return forSave ? TFormatGuess::keyOfName(file) : TFormatGuess::keyOf(file);
 }
 
@@ -286,7 +285,9 @@ int TQuickRun::run(const Options& given, const QString& workDir) {
     }
     if (!build(opt, device, file, workDir)) return TRunner::ExitUsage;
     TRunner runner(out, err);
-    return runner.runLoaded(TRunner::Options());
+    TRunner::Options ro;
+    ro.allowLockout = opt.allowLockout;
+    return runner.runLoaded(ro);
 }
 
 int TQuickRun::listChips(const QString& pattern) {

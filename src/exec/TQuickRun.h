@@ -19,11 +19,12 @@ public:
         QString value;
     };
     struct Options {
-        QString prog;             // empty: the default programmer
-        QString chip;             // a catalogue name, or "auto"
-        QString format;           // "bin", "hex", "ihex"; empty: from each file's extension
-        QString memory = "flash"; // "flash" or "eeprom"
-        QString vcc;              // supply voltage; empty: none is set
+        QString prog;              // empty: the default programmer
+        QString chip;              // a catalogue name, or "auto"
+        QString format;            // "bin", "hex", "ihex"; empty: from each file's extension
+        QString memory = "flash";  // "flash" or "eeprom"
+        QString vcc;               // supply voltage; empty: none is set
+        bool allowLockout = false; // fuse writes that turn off serial programming
         QList<Step> steps;
     };
 

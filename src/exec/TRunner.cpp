@@ -4,20 +4,19 @@
 #include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "devices/TDevToolsExec.h"
-#include "exec/TExec.h"
 #include "exec/TLogText.h"
-#include "exec/TThreadSync.h"
+#include "exec/TRunControl.h"
+#include "exec/TRunJournal.h"
+#include "misc/TLockOut.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TCtrlProject.h"
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 #include "project/TPrjCheck.h"
 
-#include <QCoreApplication>
-#include <QEventLoop>
 #include <QSocketNotifier>
-#include <QThread>
 #include <QTime>
 
 #include <csignal>
@@ -48,11 +47,17 @@ void TRunner::print(const QString& text) {
     std::fflush(out);
 }
 
+void TRunner::printError(const QString& text) {
+    clearProgress();
+    std::fprintf(err, "%s\n", text.toLocal8Bit().constData());
+    std::fflush(err);
+}
+
 bool TRunner::loadProject(const QString& file) {
     ProjectData.clrPrj();
     TCtrlProject ctrl;
     if (ctrl.load(file, &ProjectData) != TCtrlProject::Loaded) {
-        std::fprintf(err, "%s\n", qPrintable(Lang.get(464).arg(file, ctrl.getErrorText())));
+        printError(Lang.get(464).arg(TLogText::escape(file), ctrl.getErrorText()));
         return false;
     }
     ProjectData.resetChange();
@@ -68,18 +73,17 @@ int TRunner::list(const QString& project) {
     if (!loadProject(project)) return ExitUsage;
     TLocker lock(ProjectData.getMutex());
     for (TDataCfg* cfg : ProjectData.getCfgList()) {
-        print(QStringLiteral("%1\n").arg(cfg->getName()));
+        print(QStringLiteral("%1\n").arg(TLogText::escape(cfg->getName())));
         for (TDataCmd* cmd : ProjectData.getCmdListCfg(cfg->getUIN())) {
             const TData data = cmd->getData();
             IDevice* group = cmd->getGroupObject();
-            const QString name = group ? group->getViewCmdName(data) : cmd->getCmdCode();
-            const QString params = group ? group->getViewCmdParam(data, nullptr) : QString();
-            const QString state = !cmd->getValidDev()     ? Lang.get(387).arg(name)
-                                  : !cmd->getValidParam() ? Lang.get(388).arg(name)
-                                                          : QString();
+            const QString name = TLogText::escape(group ? group->getViewCmdName(data) : cmd->getCmdCode());
+            const QString params =
+                TLogText::escape(group ? group->getViewCmdParam(data, nullptr) : QString());
+            const QString state = TLogText::escape(TCmdProblem::get(name, data, group));
             print(QStringLiteral("  [%1] %2%3%4\n")
                       .arg(cmd->getEnable() ? QLatin1Char('x') : QLatin1Char(' '))
-                      .arg(name.isEmpty() ? cmd->getCmdCode() : name)
+                      .arg(name.isEmpty() ? TLogText::escape(cmd->getCmdCode()) : name)
                       .arg(params.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(params))
                       .arg(state.isEmpty() ? QString() : QStringLiteral("  ! ") + state));
         }
@@ -111,100 +115,80 @@ int TRunner::runLoaded(const Options& options) {
     for (const QString& name : opt.configs) {
         const int id = ProjectData.getIdCfgFromNameCfg(name);
         if (id < 0) {
-            std::fprintf(err, "%s\n", qPrintable(Lang.get(465).arg(name)));
+            printError(Lang.get(465).arg(name));
             return ExitUsage;
         }
         ids.append(id);
     }
     if (ids.isEmpty()) {
         if (ProjectData.getCfgList().isEmpty()) {
-            std::fprintf(err, "%s\n", qPrintable(Lang.get(465).arg(QString())));
+            printError(Lang.get(465).arg(QString()));
             return ExitUsage;
         }
         ids.append(ProjectData.getIdCfgFromPosCfg(0));
     }
     TDevToolsExec::setProcessAllowed(opt.allowProcess);
+    TLockOut::setAllowedAll(opt.allowLockout);
     log = new TLogText(AppData.logShowTime, AppData.logShowMSec);
+    control = new TRunControl(this);
+    new TRunJournal(control, [] { return AppData.logDir; });
+    control->setShowDurations([] { return AppData.logShowTime; });
+    connect(control, &TRunControl::signalStarted, this, &TRunner::slotStarted);
+    connect(control, &TRunControl::signalEventText, this, &TRunner::slotEventText);
+    connect(control, &TRunControl::signalEventProc, this, &TRunner::slotEventProc);
+    connect(control, &TRunControl::signalPaused, this, &TRunner::slotPaused);
     installSigint();
     stdinNotifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, this);
     stdinNotifier->setEnabled(false);
     connect(stdinNotifier, &QSocketNotifier::activated, this, &TRunner::slotStdin);
 
     for (int id : ids)
-        startRun(id);
-    while (!runs.isEmpty())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        control->start(id);
+    control->waitAll();
 
     if (opt.save) {
         TCtrlProject ctrl;
         if (!ctrl.save(ProjectData.getPrjFileName(), &ProjectData)) {
-            std::fprintf(err, "%s\n",
-                         qPrintable(Lang.get(466).arg(ProjectData.getPrjFileName(), ctrl.getErrorText())));
+            printError(Lang.get(466).arg(ProjectData.getPrjFileName(), ctrl.getErrorText()));
             return ExitFailed;
         }
     }
-    return allOk ? ExitOk : ExitFailed;
+    const TRunControl::Tally all = control->total();
+    return all.failed > 0 ? ExitFailed : all.stopped > 0 ? ExitStopped : ExitOk;
 }
 
-void TRunner::startRun(int idCfg) {
-    if (runs.contains(idCfg)) return;
-    ProjectData.setCfgStatus(idCfg, CfgStatusRun);
-    ++runsStarted;
-    auto* thread = new QThread;
-    auto* exec = new TExec(idCfg);
-    exec->setObjectName(ProjectData.getNameCfgFromIdCfg(idCfg));
-    exec->moveToThread(thread);
-    runs.insert(idCfg, thread);
-    connect(this, &TRunner::signalStop, exec, &TExec::slotStop);
-    connect(this, &TRunner::signalPauseReset, exec, &TExec::slotPauseReset);
-    connect(thread, &QThread::started, exec, &TExec::slotStart);
-    connect(exec, &TExec::signalFinished, thread, &QThread::quit);
-    const auto blocking = Qt::BlockingQueuedConnection;
-    connect(exec, &TExec::signalEventText, this, &TRunner::slotEventText, blocking);
-    connect(exec, &TExec::signalEventProc, this, &TRunner::slotEventProc, blocking);
-    connect(exec, &TExec::signalExecuteFromCmd, this, &TRunner::slotExecuteFromCmd, blocking);
-    connect(exec, &TExec::signalPauseFromCmd, this, &TRunner::slotPauseFromCmd, blocking);
-    connect(exec, &TExec::signalStatusFromCmd, this, &TRunner::slotStatusFromCmd, blocking);
-    // Once the thread has ended nothing else touches the worker, so it is destroyed here.
-    connect(thread, &QThread::finished, this, [this, thread, exec] { runFinished(thread, exec); });
-    thread->start();
+// Once a second run has started every line says whose it is; before that there was only one run.
+QString TRunner::prefixed(int idCfg, QString text) const {
+    if (control->startedCount() < 2) return text;
+    const QString prefix =
+        QStringLiteral("[%1] ").arg(TLogText::escape(ProjectData.getNameCfgFromIdCfg(idCfg)));
+    return prefix + text.replace(QLatin1Char('\n'), QLatin1Char('\n') + prefix);
 }
 
-void TRunner::runFinished(QThread* thread, TExec* exec) {
-    // finished() comes just before the thread's very end: join it, then nothing else can touch the worker.
-    thread->wait();
-    runs.remove(exec->getIdCfg());
-    paused.remove(exec->getIdCfg());
-    delete exec;
-    delete thread;
+void TRunner::slotStarted(int idCfg) {
+    if (!ProjectData.existCmdSelectCfg(idCfg)) printError(prefixed(idCfg, Lang.get(1305)));
 }
 
-void TRunner::slotEventText(TCodeExec code, QString text, QString param) {
-    TThreadSync::Receiver sync;
-    auto* exec = qobject_cast<TExec*>(sender());
+void TRunner::clearProgress() {
+    if (!progressShown) return;
+    std::fputs("\r\033[K", err);
+    progressShown = false;
+}
+
+void TRunner::slotEventText(int idCfg, TCodeExec code, QString text, QString param) {
     emit signalEvent(code, text, param);
     const QList<TLogPiece> pieces = log->event(code, text, param, QTime::currentTime());
     if (pieces.isEmpty()) return;
     QString line = TLogText::toPlain(pieces);
     if (line.endsWith(QLatin1Char('\n'))) line.chop(1);
-    // Once a second run has started every line says whose it is; before that there was only one run.
-    if (runsStarted > 1 && exec) {
-        const QString prefix = QStringLiteral("[%1] ").arg(exec->objectName());
-        line = prefix + line.replace(QLatin1Char('\n'), QLatin1Char('\n') + prefix);
-    }
-    if (progressShown) {
-        std::fputs("\r\033[K", err);
-        progressShown = false;
-    }
-    print(line + QLatin1Char('\n'));
+    clearProgress();
+    print(prefixed(idCfg, line) + QLatin1Char('\n'));
 }
 
-void TRunner::slotEventProc(int percent) {
-    TThreadSync::Receiver sync;
+void TRunner::slotEventProc(int, int percent) {
     if (!::isatty(::fileno(err))) return;
     if (percent <= 0) {
-        if (progressShown) std::fputs("\r\033[K", err);
-        progressShown = false;
+        clearProgress();
         return;
     }
     const int width = 40, filled = percent * width / 100;
@@ -214,22 +198,17 @@ void TRunner::slotEventProc(int percent) {
     progressShown = true;
 }
 
-void TRunner::slotExecuteFromCmd(int idCfg) {
-    startRun(idCfg);
-}
-
-void TRunner::slotPauseFromCmd(int idCfg) {
-    TThreadSync::Receiver sync;
-    print(Lang.get(463).arg(ProjectData.getNameCfgFromIdCfg(idCfg)) + QLatin1Char('\n'));
+void TRunner::slotPaused(int idCfg) {
+    print(prefixed(idCfg, Lang.get(463).arg(TLogText::escape(ProjectData.getNameCfgFromIdCfg(idCfg)))) +
+          QLatin1Char('\n'));
     if (opt.continuePauses) {
-        emit signalPauseReset(idCfg);
+        control->resume(idCfg);
         return;
     }
     if (stdinClosed) {
-        emit signalStop(idCfg);
+        control->stop(idCfg);
         return;
     }
-    paused.insert(idCfg);
     stdinNotifier->setEnabled(true);
 }
 
@@ -240,25 +219,15 @@ void TRunner::slotStdin() {
         // End of input: nobody can continue the waiting runs, so they stop as with the stop button.
         stdinClosed = true;
         stdinNotifier->setEnabled(false);
-        for (int id : paused)
-            emit signalStop(id);
-        paused.clear();
+        for (int id : control->pausedRuns())
+            control->stop(id);
         return;
     }
     if (!QByteArray(buf, int(n)).contains('\n')) return;
-    for (int id : paused)
-        emit signalPauseReset(id);
-    paused.clear();
+    control->resumeAll();
     stdinNotifier->setEnabled(false);
 }
 
-void TRunner::slotStatusFromCmd(int idCfg, bool status) {
-    TThreadSync::Receiver sync;
-    ProjectData.setCfgStatus(idCfg, status ? CfgStatusOk : CfgStatusError);
-    allOk = allOk && status;
-}
-
 void TRunner::stopAll() {
-    for (int id : runs.keys())
-        emit signalStop(id);
+    if (control) control->stopAll();
 }

@@ -2,20 +2,17 @@
 
 #include "app/TTypes.h"
 
-#include <QHash>
 #include <QObject>
-#include <QSet>
 #include <QStringList>
 
 #include <cstdio>
 
 class QSocketNotifier;
-class QThread;
-class TExec;
 class TLogText;
+class TRunControl;
 
-// The command-line runner: loads a project, runs configurations in threads of their own exactly as the
-// main window does, and prints every log event. Also lists a project's configurations.
+// The command-line runner: loads a project, runs configurations through the run controller exactly as
+// the main window does, and prints every log event. Also lists a project's configurations.
 class TRunner : public QObject {
     Q_OBJECT
 public:
@@ -25,8 +22,10 @@ public:
         bool save = false;   // write the project back after the runs (counters change)
         bool continuePauses = false;
         bool allowProcess = false;
+        bool allowLockout = false; // fuse writes that turn off serial programming
     };
-    enum ExitCode { ExitOk = 0, ExitFailed = 1, ExitUsage = 2 };
+    // A run stopped by the user is no success, but no failure of the chip either.
+    enum ExitCode { ExitOk = 0, ExitFailed = 1, ExitUsage = 2, ExitStopped = 3 };
 
     explicit TRunner(FILE* out = stdout, FILE* err = stderr, QObject* parent = nullptr);
     ~TRunner() override;
@@ -38,8 +37,6 @@ public:
     int runLoaded(const Options& options);
 
 signals:
-    void signalStop(int idCfg);
-    void signalPauseReset(int idCfg);
     // Every log event of every run, as it is printed.
     void signalEvent(TCodeExec code, const QString& text, const QString& param);
 
@@ -47,28 +44,25 @@ public slots:
     void stopAll(); // as the stop button of every run (Ctrl-C)
 
 private slots:
-    void slotEventText(TCodeExec code, QString text, QString param);
-    void slotEventProc(int percent);
-    void slotExecuteFromCmd(int idCfg);
-    void slotPauseFromCmd(int idCfg);
-    void slotStatusFromCmd(int idCfg, bool status);
+    void slotStarted(int idCfg);
+    void slotEventText(int idCfg, TCodeExec code, QString text, QString param);
+    void slotEventProc(int idCfg, int percent);
+    void slotPaused(int idCfg);
     void slotStdin();
 
 private:
     bool loadProject(const QString& file);
-    void startRun(int idCfg);
-    void runFinished(QThread* thread, TExec* exec);
     void print(const QString& text);
+    void printError(const QString& text);
+    QString prefixed(int idCfg, QString text) const;
+    void clearProgress();
     void installSigint();
 
     FILE* out;
     FILE* err;
     Options opt;
     TLogText* log = nullptr;
-    QHash<int, QThread*> runs;
-    QSet<int> paused;
-    bool allOk = true;
-    int runsStarted = 0;
+    TRunControl* control = nullptr;
     bool stdinClosed = false;
     bool progressShown = false;
     QSocketNotifier* stdinNotifier = nullptr;

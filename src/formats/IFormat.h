@@ -25,6 +25,11 @@ public:
 
     QString getErrorText() const { return error_text; }
 
+    // Files are read only when they are regular files of at most limit bytes, so that a device or a FIFO
+    // never blocks a run nor fills the memory: the text why not, naming the file, or empty.
+    static QString checkReadable(const QString& name, qint64 limit);
+    static const qint64 maxFileSize = qint64(256) << 20;
+
 protected:
     // Opens the file with the texts for a missing (reading only) or unopenable file.
     bool openFile(TFormatMode mode, QIODevice::OpenMode flags);

@@ -2,12 +2,15 @@
 
 #include "formats/TFormatBIN.h"
 #include "formats/TFormatHEX.h"
+#include "formats/TFormatIHEX.h"
 
 TFormat::TFormat(QString key, QString file, long long addr_file, long long addr_device,
                  long long last_address, long long chunk) {
     // An unknown key is not an error: it falls back to Intel HEX.
     if (key == "bin" || key == "bin+")
         format = std::make_unique<TFormatBIN>(key, file, addr_file, addr_device, last_address, chunk);
+    else if (key == "ihex")
+        format = std::make_unique<TFormatIHEX>(file, addr_file, addr_device, last_address, chunk);
     else
         format = std::make_unique<TFormatHEX>(file, addr_file, addr_device, last_address, chunk);
 }
@@ -35,7 +38,24 @@ QString TFormat::getErrorText() const {
 }
 
 QStringList TFormat::getViewFormats() {
-    return {"HEX", "BIN", "BIN+"};
+    return {"HEX", "BIN", "BIN+", "Intel HEX"};
+}
+
+QStringList TFormat::getFormatKeys() {
+    return {"hex", "bin", "bin+", "ihex"};
+}
+
+QString TFormat::getViewFormat(const QString& key) {
+    const int i = getFormatKeys().indexOf(key.toLower());
+    return i >= 0 ? getViewFormats().at(i) : key.toUpper();
+}
+
+bool TFormat::isFormat(const QString& key) {
+    return getFormatKeys().contains(key.toLower());
+}
+
+QString TFormat::getKey(const QString& key) {
+    return key == "bin" || key == "bin+" || key == "ihex" ? key : QStringLiteral("hex");
 }
 
 QString TFormat::getMaskFormats() {

@@ -5,8 +5,9 @@
 #include <QStringList>
 #include <memory>
 
-// The data file of a read, write or verify command, in the format its key names: "bin", "bin+" or
-// Intel HEX for "hex" and for any other key.
+// The data file of a read, write or verify command, in the format its key names: "bin", "bin+",
+// "ihex" (Intel HEX as other tools write it) or this program's own HEX dialect for "hex" and for any
+// other key.
 class TFormat {
 public:
     TFormat(QString format, QString file, long long addr_file, long long addr_device, long long last_address,
@@ -19,7 +20,14 @@ public:
     bool close();
     QString getErrorText() const;
 
+    // Display names, in the order of getFormatKeys().
     static QStringList getViewFormats();
+    static QStringList getFormatKeys();
+    // The display name of a key (any case); an unknown key is shown as it is, in upper case.
+    static QString getViewFormat(const QString& key);
+    static bool isFormat(const QString& key);
+    // The key of the format that reads key: "bin", "bin+", "ihex", or "hex" for any other text.
+    static QString getKey(const QString& key);
     static QString getMaskFormats();
 
 private:

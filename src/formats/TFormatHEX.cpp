@@ -3,6 +3,8 @@
 #include "app/TLang.h"
 #include "misc/dev_misc.h"
 
+#include <climits>
+
 namespace {
 constexpr int max_line = 1024;
 constexpr int out_block = 1 << 16;
@@ -70,11 +72,20 @@ int TFormatHEX::readString(QByteArray& record) {
     return uchar(record[3]);
 }
 
+namespace {
+// Ranges come from project files: a sum past 64 bits is held at the limit, which lies beyond every address
+// a HEX file can hold, instead of wrapping round to a small one.
+qint64 clampedSum(__int128 a, __int128 b, __int128 c) {
+    const __int128 sum = a + b + c;
+    return sum > LLONG_MAX ? LLONG_MAX : sum < LLONG_MIN ? LLONG_MIN : qint64(sum);
+}
+} // namespace
+
 // A damaged line ends the data as if the file ended there; no error is reported for it.
 bool TFormatHEX::read(long long& addr, QByteArray& data) {
     data.clear();
-    const qint64 start = addr - addr_device + addr_file;
-    const qint64 last = addr_file + (last_address - addr_device);
+    const qint64 start = clampedSum(addr, -__int128(addr_device), addr_file);
+    const qint64 last = clampedSum(addr_file, last_address, -__int128(addr_device));
     qint64 begin = -1, limit = 0;
     QByteArray record;
     while (!ended) {

@@ -1,6 +1,7 @@
 #include "link/TProg.h"
 
 #include "app/TSettings.h"
+#include "link/bridge/TBridgeTable.h"
 
 #include <algorithm>
 
@@ -55,6 +56,10 @@ void TProg::getPortSettings(unsigned int& baud, int& data, QString& par, int& st
     stop = stopBits;
     flow = flowControl;
     time = timeOut;
+}
+
+QString TProg::getProtocol() const {
+    return TSettings(fileName).value("/Main/Protocol", TBridgeTable::native).toString();
 }
 
 void TProg::getProtocolSettings(unsigned short& max) const {

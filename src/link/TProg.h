@@ -20,6 +20,8 @@ public:
     void getPortSettings(unsigned int& baud, int& dataBits, QString& parity, int& stopBits,
                          QString& flowControl, int& timeOut) const;
     void getProtocolSettings(unsigned short& maxData) const;
+    // How frames reach the hardware: "/Main/Protocol", "native" when absent (read on demand).
+    QString getProtocol() const;
 
     void getVccRange(double& min, double& max) const;
     double getVccDef() const;

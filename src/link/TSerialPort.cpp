@@ -1,6 +1,9 @@
 #include "link/TSerialPort.h"
 
 #include "app/TLang.h"
+#include "link/CProtocol.h"
+#include "link/TPortLock.h"
+#include "link/bridge/IBridge.h"
 
 #include <cerrno>
 #include <cstring>
@@ -8,10 +11,10 @@
 #include <unistd.h>
 
 namespace {
-const unsigned char frameStart = 0xC0;
-const unsigned char errorReply = 0xFF;
-const int maxFrame = 0xFFFF + 5;
-const int langErrorCodes[12] = {405, 406, 407, 408, 409, 410, 411, 412, 413, 414, 415, 416};
+const unsigned char frameStart = CProtocol::FrameStart;
+const unsigned char errorReply = CProtocol::ErrorReply;
+const int maxFrame = CProtocol::MaxPayload + CProtocol::FrameOverhead;
+const int langErrorCodes[CProtocol::ErrCount] = {405, 406, 407, 408, 409, 410, 411, 412, 413, 414, 415, 416};
 } // namespace
 
 TSerialPort::TSerialPort() : QObject(nullptr), port(new QSerialPort(this)) {
@@ -21,10 +24,11 @@ TSerialPort::TSerialPort() : QObject(nullptr), port(new QSerialPort(this)) {
 
 TSerialPort::~TSerialPort() {
     delete port;
+    TPortLock::release(this);
 }
 
 int TSerialPort::LangErrorCode(unsigned int code) {
-    return code < 12 ? langErrorCodes[code] : 421;
+    return code < CProtocol::ErrCount ? langErrorCodes[code] : 421;
 }
 
 unsigned char TSerialPort::getCRC(const QByteArray& bytes, unsigned short count) {
@@ -52,6 +56,7 @@ bool TSerialPort::sendPackage(unsigned char cmd, QByteArray& data) {
         return false;
     }
     port->clear(QSerialPort::AllDirections);
+    if (bridge || !unknownProtocol.isEmpty()) return bridgeExchange(cmd, data);
     buildRequest(cmd, data);
     if (!writeData(txFrame)) return fail();
     rxFrame.resize(0);
@@ -62,7 +67,7 @@ bool TSerialPort::sendPackage(unsigned char cmd, QByteArray& data) {
         if (replyLen < 2) return fail();
         const unsigned int code =
             static_cast<unsigned char>(rxFrame.at(4)) | static_cast<unsigned char>(rxFrame.at(5)) << 8;
-        errorText = code < 12 ? Lang.get(LangErrorCode(code)) : Lang.get(421).arg(code);
+        errorText = code < CProtocol::ErrCount ? Lang.get(LangErrorCode(code)) : Lang.get(421).arg(code);
         return false;
     }
     data.resize(replyLen);
@@ -144,7 +149,7 @@ QString TSerialPort::getErrorText() const {
     const QString text = port->errorString();
     if (text == "No such file or directory") return Lang.get(393);
     if (port->error() == QSerialPort::PermissionError)
-        return text == "Permission denied" ? Lang.get(430) : Lang.get(432);
+        return text == "Permission denied" ? Lang.get(430) : Lang.get(1304).arg(port->portName());
     return text;
 }
 

@@ -6,12 +6,21 @@
 #include <QString>
 #include <QStringList>
 
+#include "link/bridge/IBridgeWire.h"
+
+#include <memory>
+
 // The one path to the programmer: a strictly synchronous, half-duplex request/reply exchange of frames
 // C0, command, length (16-bit, low byte first), data, check byte. Used only by the thread that made it;
 // waiting is done with the port's blocking calls, so no event loop is needed.
+//
+// A programmer description may name another protocol; a bridge then serves each frame on the host by
+// the hardware's own commands, over the same port (the port is its wire).
 class TProg;
+class IBridge;
+struct TBridgeReply;
 
-class TSerialPort : public QObject {
+class TSerialPort : public QObject, public IBridgeWire {
     Q_OBJECT
 public:
     enum OpenMode { NotOpen = 0, ReadOnly = 1, WriteOnly = 2, ReadWrite = 3 };
@@ -56,6 +65,8 @@ public:
     void close();
     bool isOpen() const;
     void setPortName(const QString& name);
+    // Who uses the port (a configuration's name), told to a run that finds it taken.
+    void setOwnerName(const QString& name) { ownerName = name; }
     QString getPortName() const;
 
     bool setBaudRate(unsigned int baud);
@@ -78,6 +89,20 @@ public:
     // The port and protocol settings of a programmer description, in the order the set-up takes them.
     void applySettings(const TProg& prog);
     void setProtocolParam(unsigned short maxData);
+    // "native" or a protocol of the bridge table; another name fails every exchange with a message.
+    void setProtocol(const QString& protocol);
+    // The selected part's description, for a bridge whose hardware wants it (SET_DEVICE of STK500).
+    void describeTarget(const QVariantMap& params);
+
+    // The wire a bridge talks on.
+    bool send(const QByteArray& bytes) override;
+    bool receive(QByteArray& got, int count, int timeOutMs) override;
+    void discardInput() override;
+    bool lost() const override { return lineLost; }
+    void setDtr(bool on) override;
+    void pause(int ms) override;
+    QString portName() const override { return getPortName(); }
+    int answerTimeOut() const override { return timeOut; }
 
     bool setRTS(bool on);
     bool getRTS() const;
@@ -104,6 +129,8 @@ private:
     bool receive(QByteArray& reply);
     bool readBlock(QByteArray& reply, int count);
     bool fail();
+    bool bridgeExchange(unsigned char cmd, QByteArray& data);
+    bool takeBridgeReply(const TBridgeReply& reply, QByteArray& data);
 
     QSerialPort* port;
     // Until the programmer's description configures the port, these are the description defaults.
@@ -112,5 +139,8 @@ private:
     bool timeOutFlag = false;
     bool lineLost = false; // the last exchange saw the line end
     QString errorText;
+    QString ownerName;
     QByteArray txFrame, rxFrame;
+    std::unique_ptr<IBridge> bridge;
+    QString unknownProtocol; // set when the description names a protocol no bridge serves
 };

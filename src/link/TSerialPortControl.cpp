@@ -2,13 +2,25 @@
 // conventions of the programmer descriptions and the settings lists.
 #include "link/TSerialPort.h"
 
+#include "app/TLang.h"
+#include "link/TPortLock.h"
 #include "link/TProg.h"
+#include "link/bridge/IBridge.h"
 
-// The text of an earlier exchange must not stand for a failed open.
+// The text of an earlier exchange must not stand for a failed open. A port another run of this
+// application holds is refused before the system is asked, naming that run.
 bool TSerialPort::open(OpenMode mode) {
     errorText.clear();
     timeOutFlag = false;
-    return port->open(QIODevice::OpenMode(static_cast<int>(mode)));
+    if (bridge) bridge->restart();
+    QString heldBy;
+    if (!TPortLock::claim(port->portName(), this, ownerName, &heldBy)) {
+        errorText = Lang.get(1303).arg(port->portName(), heldBy);
+        return false;
+    }
+    if (port->open(QIODevice::OpenMode(static_cast<int>(mode)))) return true;
+    TPortLock::release(this);
+    return false;
 }
 
 bool TSerialPort::open(const QString& name, OpenMode mode) {
@@ -18,6 +30,7 @@ bool TSerialPort::open(const QString& name, OpenMode mode) {
 
 void TSerialPort::close() {
     port->close();
+    TPortLock::release(this);
 }
 bool TSerialPort::isOpen() const {
     return port->isOpen();
@@ -127,4 +140,5 @@ void TSerialPort::applySettings(const TProg& prog) {
     setFlowControl(flow);
     setTimeOut(timeOut);
     setProtocolParam(maxData);
+    setProtocol(prog.getProtocol());
 }

@@ -20,6 +20,7 @@ QStringList splitFields(const QString& line, int count) {
 int fieldCount(const QString& kind) {
     if (kind == QLatin1String("cap")) return 2;
     if (kind == QLatin1String("itm")) return 3;
+    if (kind == QLatin1String("brk")) return 4;
     if (kind == QLatin1String("edr")) return 5;
     if (kind == QLatin1String("ckl") || kind == QLatin1String("cho")) return 6;
     return 0;
@@ -94,6 +95,15 @@ bool TFormDesc::parseLine(const QString& line, int number) {
         items.last().options.append(qMakePair(v, item.caption));
         return true;
     }
+    if (kind == QLatin1String("brk")) {
+        if (items.isEmpty() || (items.last().kind != Kind::Check && items.last().kind != Kind::Choice))
+            return fail(454, number);
+        QByteArray value;
+        if (!parseMask(f.at(1), 1, value, number)) return false;
+        if (byteAt(value, 0) & ~byteAt(items.last().mask, 0)) return fail(457, number, f.at(1));
+        items.last().lockOuts.append({byteAt(value, 0), f.at(2), item.caption});
+        return true;
+    }
     if (kind == QLatin1String("edr")) {
         item.kind = Kind::Edit;
         if (!parseMask(f.at(1), 0, item.mask, number) || !parseAccess(f.at(2), item, number) ||
@@ -146,6 +156,22 @@ QVector<QVariant> TFormDesc::toFields(const QByteArray& bytes) const {
         }
     }
     return fields;
+}
+
+QVector<TFormDesc::LockOutHit> TFormDesc::lockOuts(const QByteArray& bytes) const {
+    QVector<LockOutHit> hits;
+    for (int n = 0; n < items.size(); ++n) {
+        const Item& item = items.at(n);
+        const unsigned char bits = byteAt(bytes, item.byte) & byteAt(item.mask, 0);
+        for (const Item::LockOut& l : item.lockOuts) {
+            if (l.value != bits) continue;
+            QString meaning;
+            for (const auto& option : item.options)
+                if (option.first == bits) meaning = option.second;
+            hits.append({n, l, meaning});
+        }
+    }
+    return hits;
 }
 
 QByteArray TFormDesc::toBytes(const QVector<QVariant>& fields, const QByteArray& base) const {

@@ -22,6 +22,19 @@ public:
         bool readOnly = false;
         bool inverted = false;                          // check box: checked when the bit reads 0
         QVector<QPair<unsigned char, QString>> options; // choice: bit values in place, with captions
+        // Bit values (in place) after which the part no longer answers serial programming, with the
+        // kind of lock-out ("spien", "rstdisbl", "dwen", "clock") and the field's short name.
+        struct LockOut {
+            unsigned char value;
+            QString kind, name;
+        };
+        QVector<LockOut> lockOuts;
+    };
+    // A field whose bits hold one of its lock-out values.
+    struct LockOutHit {
+        int item;
+        Item::LockOut lockOut;
+        QString meaning; // the chosen option's caption; empty for a check box
     };
 
     bool parse(const QStringList& lines);
@@ -35,6 +48,7 @@ public:
     QVector<QVariant> toFields(const QByteArray& bytes) const;
     // Editable fields written over base; bits no editable field covers keep their value from base.
     QByteArray toBytes(const QVector<QVariant>& fields, const QByteArray& base) const;
+    QVector<LockOutHit> lockOuts(const QByteArray& bytes) const;
 
 private:
     bool parseLine(const QString& line, int number);

@@ -29,11 +29,6 @@ void readPair(const IDevice* dev, const char* beginKey, const char* sizeKey, qin
     size = d.value(sizeKey).toLongLong();
 }
 
-// The range [addr, addr + count) must lie inside [begin, begin + size).
-bool inside(qint64 addr, qint64 count, qint64 begin, qint64 size) {
-    return addr >= begin && addr < begin + size && begin + size >= addr + count;
-}
-
 bool isInt64(const QVariant& v) {
     bool ok = false;
     v.toLongLong(&ok);
@@ -116,7 +111,7 @@ bool TNormCmdParam::checkParamRWVChar(const TData& p, qint64 begin, qint64 size)
     const int fill = p.value(kFill).toInt(&ok);
     const qint64 count = p.value(kCount).toLongLong();
     return ok && fill >= 0 && fill <= 255 && count > 0 &&
-           inside(p.value(kAddrDevice).toLongLong(), count, begin, size);
+           TMiscDev::isRangeInside(p.value(kAddrDevice).toLongLong(), count, begin, size);
 }
 
 bool TNormCmdParam::checkParamRWVData(const TData& p, qint64 begin, qint64 size) {
@@ -126,15 +121,16 @@ bool TNormCmdParam::checkParamRWVData(const TData& p, qint64 begin, qint64 size)
     text.remove(QRegularExpression(QStringLiteral("\\s")));
     static const QRegularExpression hex(QStringLiteral("^([0-9A-Fa-f]{2})+$"));
     if (!hex.match(text).hasMatch() || text.size() / 2 > CApp::rwv_data_max_size) return false;
-    return inside(p.value(kAddrDevice).toLongLong(), text.size() / 2, begin, size);
+    return TMiscDev::isRangeInside(p.value(kAddrDevice).toLongLong(), text.size() / 2, begin, size);
 }
 
 bool TNormCmdParam::checkParamRWVFile(const TData& p, qint64 begin, qint64 size) {
     if (p.value(kFile).toString().isEmpty()) return false;
-    if (!TFormat::getViewFormats().contains(p.value(kFormat).toString(), Qt::CaseInsensitive)) return false;
+    if (!TFormat::isFormat(p.value(kFormat).toString())) return false;
     if (!isInt64(p.value(kAddrFile)) || p.value(kAddrFile).toLongLong() < 0) return false;
     if (!isInt64(p.value(kAddrDevice)) || !isInt64(p.value(kCount))) return false;
-    return inside(p.value(kAddrDevice).toLongLong(), p.value(kCount).toLongLong(), begin, size);
+    return TMiscDev::isRangeInside(p.value(kAddrDevice).toLongLong(), p.value(kCount).toLongLong(), begin,
+                                   size);
 }
 
 // ---- views ----

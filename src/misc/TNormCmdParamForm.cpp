@@ -126,7 +126,12 @@ TFormCmd* TNormCmdParam::formRWVFile(const TData& p, qint64 begin, qint64 size) 
     addDeviceNote(form, begin, size);
     form->addFile(CTagCmdRWV::file, Lang.get(565), TFormat::getMaskFormats(), forSave)
         ->setObjectName(CTagCmdRWV::file);
-    QComboBox* format = form->addChoice(CTagCmdRWV::format, Lang.get(566), TFormat::getViewFormats());
+    // Stored as the upper-case key ("HEX", "IHEX"), as projects have always kept it.
+    QVariantList keys;
+    for (const QString& key : TFormat::getFormatKeys())
+        keys.append(key.toUpper());
+    QComboBox* format =
+        form->addChoice(CTagCmdRWV::format, Lang.get(566), TFormat::getViewFormats(), keys, true);
     format->setObjectName(CTagCmdRWV::format);
     form->followFileFormat(CTagCmdRWV::file, format, forSave);
     form->addHex(CTagCmdRWV::addr_file, Lang.get(567), 0, std::numeric_limits<qint64>::max())

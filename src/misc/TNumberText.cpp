@@ -21,8 +21,8 @@ qint64 TNumberText::parse(const QString& text, bool& ok) {
     } else if (const auto m = scaled.match(t); m.hasMatch()) {
         value = m.captured(1).toLongLong(&ok, 10);
         const int shift = 10 * (1 + QStringLiteral("kmg").indexOf(m.captured(2).toLower()));
-        if (ok && value > (std::numeric_limits<qint64>::max() >> shift)) ok = false;
-        value <<= shift;
+        ok = ok && value <= (std::numeric_limits<qint64>::max() >> shift);
+        if (ok) value <<= shift;
     } else if (bareHex.match(t).hasMatch()) {
         value = t.toLongLong(&ok, 16);
     } else if (!t.isEmpty() && t.front().isDigit()) {

@@ -3,6 +3,7 @@
 #include "app/TApp.h"
 #include "app/TLang.h"
 #include "devices/IDevice.h"
+#include "formats/TFormat.h"
 #include "link/TProg.h"
 #include "project/CTagPrj.h"
 #include "project/TDataCmd.h"
@@ -10,6 +11,8 @@
 
 #include <QRegularExpression>
 #include <QVector>
+
+#include <climits>
 
 qint64 TMiscDev::getSize(qint64 addr, qint64 end, qint64 page) {
     if (addr > end) return 0;
@@ -94,11 +97,31 @@ QString TMiscDev::getViewFreqAndDutyCycleValue(int hz, int duty) {
     return QString("%1, %2 %").arg(getViewFreqValue(hz)).arg(duty);
 }
 
+bool TMiscDev::isRangeInside(qint64 addr, qint64 count, qint64 begin, qint64 size) {
+    qint64 deviceEnd = 0, end = 0;
+    if (count < 0 || __builtin_add_overflow(begin, size, &deviceEnd) ||
+        __builtin_add_overflow(addr, count, &end))
+        return false;
+    return addr >= begin && addr < deviceEnd && end <= deviceEnd;
+}
+
+qint64 TMiscDev::getLastAddr(qint64 addr, qint64 count) {
+    qint64 end = 0;
+    if (__builtin_add_overflow(addr, count, &end)) return count > 0 ? LLONG_MAX : LLONG_MIN;
+    return end == LLONG_MIN ? end : end - 1;
+}
+
+qint64 TMiscDev::getProduct(qint64 a, qint64 b) {
+    qint64 product = 0;
+    if (__builtin_mul_overflow(a, b, &product)) return (a < 0) != (b < 0) ? LLONG_MIN : LLONG_MAX;
+    return product;
+}
+
 void TMiscDev::getCmdParamRWVChar(const TData& p, int& id_cmd, qint64& addr_begin, qint64& addr_end,
                                   uchar& fill) {
     id_cmd = TAPP_PARAM(p, CTagCmd::id_cmd).toInt();
     addr_begin = TAPP_PARAM(p, "addr_device").toLongLong();
-    addr_end = addr_begin + TAPP_PARAM(p, "count").toLongLong() - 1;
+    addr_end = getLastAddr(addr_begin, TAPP_PARAM(p, "count").toLongLong());
     fill = uchar(TAPP_PARAM(p, "fill_char").toInt());
 }
 
@@ -116,7 +139,7 @@ void TMiscDev::getCmdParamRWVFile(const TData& p, int& id_cmd, qint64& addr_file
     id_cmd = TAPP_PARAM(p, CTagCmd::id_cmd).toInt();
     addr_file = TAPP_PARAM(p, "addr_file").toLongLong();
     addr_begin = TAPP_PARAM(p, "addr_device").toLongLong();
-    addr_end = addr_begin + TAPP_PARAM(p, "count").toLongLong() - 1;
+    addr_end = getLastAddr(addr_begin, TAPP_PARAM(p, "count").toLongLong());
     file = TApp::getAbsoluteFile(ProjectData.getPrjWorkPath(), TAPP_PARAM(p, "file").toString());
     format = TAPP_PARAM(p, "format").toString().toLower();
 }
@@ -136,17 +159,18 @@ QString TMiscDev::getHexFromByteArrayMask(const QString& mask, const QByteArray&
 
 QString TMiscDev::getViewParamRWVChar(qint64 addr, qint64 count, int fill) {
     return QStringLiteral("0x%1..0x%2 :0x%3")
-        .arg(getHexFromInt(addr), getHexFromInt(addr + count - 1), getHexFromInt(fill));
+        .arg(getHexFromInt(addr), getHexFromInt(getLastAddr(addr, count)), getHexFromInt(fill));
 }
 
 QString TMiscDev::getViewParamRWVData(qint64 addr, const QString& text) {
     const qint64 count = getByteArrayFromHex(text).size();
     return QStringLiteral("0x%1..0x%2 :0x%3")
-        .arg(getHexFromInt(addr), getHexFromInt(addr + qMax<qint64>(count, 1) - 1), getHexFromInt(count));
+        .arg(getHexFromInt(addr), getHexFromInt(getLastAddr(addr, qMax<qint64>(count, 1))),
+             getHexFromInt(count));
 }
 
 QString TMiscDev::getViewParamRWVFile(const QString& file, const QString& format) {
-    return QStringLiteral("%1 (%2)").arg(file, format.toUpper());
+    return QStringLiteral("%1 (%2)").arg(file, TFormat::getViewFormat(format));
 }
 
 unsigned int TMiscDev::getCLK(const TData& p) {

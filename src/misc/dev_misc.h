@@ -15,6 +15,13 @@ public:
     // Length of the next chunk from addr: up to the next multiple of page, never past end (inclusive).
     static qint64 getSize(qint64 addr, qint64 end, qint64 page);
 
+    // Range arithmetic that never wraps, for values straight from a project file.
+    // Whether [addr, addr + count) lies inside [begin, begin + size); a sum past 64 bits never does.
+    static bool isRangeInside(qint64 addr, qint64 count, qint64 begin, qint64 size);
+    // addr + count - 1 and a * b, held at the 64-bit limits instead of wrapping (for views of bad values).
+    static qint64 getLastAddr(qint64 addr, qint64 count);
+    static qint64 getProduct(qint64 a, qint64 b);
+
     static QString getHexFromInt(int value);
     static QString getHexFromInt(qint64 value);
     static int getIntFromHex(const QString& text);

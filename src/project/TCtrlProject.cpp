@@ -1,18 +1,19 @@
 #include "project/TCtrlProject.h"
 
+#include "app/TFileSave.h"
 #include "devices/TSignature.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjText.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QTextStream>
 
 int TCtrlProject::load(const QString& fileName, TDataPrj* prj) {
@@ -22,9 +23,6 @@ int TCtrlProject::load(const QString& fileName, TDataPrj* prj) {
         create_empty_project(prj);
     else if (!data_to_project(data, prj))
         return InvalidJson;
-    // Commands may refer to commands and configurations further down the file: bind and check again
-    // now that all of them exist.
-    prj->updCmdObjectAll();
     const QFileInfo info(fileName);
     prj->updPrjParam(
         TData{{CTagPrj::prj_file, info.absoluteFilePath()}, {CTagPrj::work_path, info.absolutePath()}});
@@ -64,9 +62,12 @@ bool TCtrlProject::data_to_project(const QByteArray& data, TDataPrj* prj) {
             for (auto it = cmd.constBegin(); it != cmd.constEnd(); ++it)
                 record.insert(it.key(), it.value().toString());
             record.insert(CTagCmd::id_cfg, idCfg);
-            prj->newCmd(record, -1);
+            prj->newCmd(record, -1, false);
         }
     }
+    // Bound and checked once all commands exist, in one pass: commands may refer to commands and
+    // configurations further down the file.
+    prj->updCmdObjectAll();
     return true;
 }
 
@@ -140,16 +141,10 @@ QByteArray TCtrlProject::project_to_data(TDataPrj* prj) {
 }
 
 bool TCtrlProject::save(const QString& fileName, TDataPrj* prj) {
+    // The writer prints values verbatim: what it could not read back as itself is refused before the
+    // previous file is touched.
+    errorText = TPrjText::checkProject(prj);
+    if (!errorText.isEmpty()) return false;
     // Written aside and renamed into place, so a failed save never destroys the previous file.
-    QSaveFile f(fileName);
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        errorText = f.errorString();
-        return false;
-    }
-    f.write(project_to_data(prj));
-    if (!f.commit()) {
-        errorText = f.errorString();
-        return false;
-    }
-    return true;
+    return TFileSave::write(fileName, project_to_data(prj), errorText);
 }

@@ -2,7 +2,7 @@
 
 #include "devices/IDevice.h"
 #include "project/CTagPrj.h"
-
+#include "project/TPrjText.h"
 
 #include <atomic>
 
@@ -119,7 +119,9 @@ void TDataCmd::normParam() {
 
 bool TDataCmd::checkParam() {
     TLocker lock(mutex);
-    const bool ok = groupObject && groupObject->checkCmdParam(getData());
+    // A value the project file cannot keep would turn into other commands at the next save.
+    const bool ok = groupObject && groupObject->checkCmdParam(getData()) &&
+                    TPrjText::findUnwritableKey(param).isEmpty();
     validParam = ok;
     return ok;
 }

@@ -58,10 +58,16 @@ int TDataPrj::posCfgOf(int idCfg) const {
     return -1;
 }
 
+// Looked up for almost every operation: an index keeps loading and binding of large projects linear.
 int TDataPrj::aposOf(int idCmd) const {
-    for (int i = 0; i < cmdList.size(); ++i)
-        if (cmdList.at(i)->getUIN() == idCmd) return i;
-    return -1;
+    if (!aposIndexValid) {
+        aposIndex.clear();
+        aposIndex.reserve(cmdList.size());
+        for (int i = 0; i < cmdList.size(); ++i)
+            aposIndex.insert(cmdList.at(i)->getUIN(), i);
+        aposIndexValid = true;
+    }
+    return aposIndex.value(idCmd, -1);
 }
 
 int TDataPrj::getPosCfgFromIdCfg(int idCfg) const {
@@ -196,7 +202,7 @@ int TDataPrj::newCfg(const QString& name, const QString& desc, int pos) {
     return cfg->getUIN();
 }
 
-int TDataPrj::newCmd(TData data, int pos) {
+int TDataPrj::newCmd(TData data, int pos, bool bind) {
     LOCK;
     setChange();
     const int idCfg = data.value(CTagCmd::id_cfg).toInt();
@@ -204,11 +210,14 @@ int TDataPrj::newCmd(TData data, int pos) {
     const QString code = data.value(CTagCmd::cmd).toString();
     TDataCmd::removeModelKeys(data);
     auto* cmd = new TDataCmd(enable, idCfg, code, data);
-    if (pos < 0 || pos >= cmdList.size())
+    if (pos < 0 || pos >= cmdList.size()) {
         cmdList.append(cmd);
-    else
+        if (aposIndexValid) aposIndex.insert(cmd->getUIN(), cmdList.size() - 1);
+    } else {
         cmdList.insert(pos, cmd);
-    updCmdObject(cmd->getUIN());
+        aposIndexValid = false;
+    }
+    if (bind) updCmdObject(cmd->getUIN());
     emitCmd(CodeViewCmdNew, cmd->getUIN());
     return cmd->getUIN();
 }
@@ -233,6 +242,7 @@ void TDataPrj::delCmd(int idCmd) {
     TData data = cmdList.at(apos)->getData();
     data.insert(CTagCmd::pos, apos);
     delete cmdList.takeAt(apos);
+    aposIndexValid = false;
     emit signalChangeData(CodeViewCmdDel, data);
 }
 
@@ -295,6 +305,7 @@ void TDataPrj::moveCmd(int idCmd, int delta) {
     if (p < 0 || t < 0 || t >= cmdList.size()) return;
     if (cmdList.at(t)->getCfgID() != cmdList.at(p)->getCfgID()) return;
     cmdList.move(p, t);
+    aposIndexValid = false;
     updCmdObjectAll();
     emitCmd(CodeViewCmdMove, idCmd);
 }
@@ -464,6 +475,7 @@ void TDataPrj::updPrgDevList() {
 void TDataPrj::clearObjects() {
     qDeleteAll(cmdList);
     cmdList.clear();
+    aposIndexValid = false;
     qDeleteAll(cfgList);
     cfgList.clear();
     qDeleteAll(deviceCache);
@@ -620,8 +632,35 @@ void TDataPrj::updCmdObject(int idCmd) {
     const int apos = aposOf(idCmd);
     if (apos < 0) return;
     TDataCmd* cmd = cmdList.at(apos);
-    const QString code = cmd->getCmdCode();
     const int idCfg = cmd->getCfgID();
+    bindCmd(cmd, getProgName(idCfg, apos), getDeviceName(idCfg, apos));
+}
+
+// One pass from the top: each command's programmer and device follow from the commands before it in its
+// configuration, as getProgName and getDeviceName find them looking back, without looking back.
+void TDataPrj::updCmdObjectAll() {
+    LOCK;
+    QString prog, device;
+    for (int apos = 0; apos < cmdList.size(); ++apos) {
+        TDataCmd* cmd = cmdList.at(apos);
+        if (apos > 0 && cmdList.at(apos - 1)->getCfgID() != cmd->getCfgID()) prog = device = QString();
+        bindCmd(cmd, prog, device);
+        const QString code = cmd->getCmdCode();
+        const TData param = cmd->getParam();
+        if (code == CTagCmdCode::set_prog) {
+            prog = cmd->getValidDev() ? param.value(CTagCmdToolsSetProg::prog).toString() : QString();
+            device = QString();
+        } else if (code == CTagCmdCode::set_device) {
+            device = cmd->getValidDev() ? param.value(CTagCmdProgSetDevice::device).toString() : QString();
+        } else if (code == CTagCmdCode::auto_detect) {
+            device = cmd->getValidDev() ? param.value(CTagCmdProgAutoDetect::name).toString() : QString();
+        }
+    }
+}
+
+void TDataPrj::bindCmd(TDataCmd* cmd, const QString& progName, const QString& devName) {
+    const QString code = cmd->getCmdCode();
+    const TCmdCode::Family family = CmdCode.getFamily(code);
     const TData param = cmd->getParam();
     IDevice* group = nullptr;
     IDevice* device = nullptr;
@@ -634,26 +673,26 @@ void TDataPrj::updCmdObject(int idCmd) {
         group = createDevice(familyProg, QString());
         device = createDevice(param.value(CTagCmdProgSetDevice::device).toString(),
                               param.value(CTagCmdProgSetDevice::file).toString());
-        prog = createProg(getProgName(idCfg, apos));
+        prog = createProg(progName);
     } else if (code == CTagCmdCode::auto_detect) {
         const QString family = param.value(CTagCmdProgAutoDetect::name).toString();
         group = createDevice(familyProg, QString());
         device = createDevice(family, TSignature::getAutoDevFile(family));
-        prog = createProg(getProgName(idCfg, apos));
+        prog = createProg(progName);
     } else {
-        const QString groupName = getGroupName(idCfg, apos, code);
+        const QString groupName = family == TCmdCode::FamilyTools  ? familyTools
+                                  : family == TCmdCode::FamilyProg ? familyProg
+                                                                   : devName;
         group = groupName.isEmpty() ? nullptr : deviceCache.value(groupName);
         if (!group && (groupName == familyTools || groupName == familyProg))
             group = createDevice(groupName, QString());
-        const QString devName = getDeviceName(idCfg, apos);
         device = devName.isEmpty() ? nullptr : deviceCache.value(devName);
-        prog = createProg(getProgName(idCfg, apos));
+        prog = createProg(progName);
     }
     cmd->setGroupObject(group);
     cmd->setDeviceObject(device);
     cmd->setProgObject(prog);
 
-    const TCmdCode::Family family = CmdCode.getFamily(code);
     bool valid = group && group->supportCmd(code);
     if (code == CTagCmdCode::set_prog)
         valid = valid && prog;
@@ -662,12 +701,6 @@ void TDataPrj::updCmdObject(int idCmd) {
     if (code == CTagCmdCode::set_device || code == CTagCmdCode::auto_detect) valid = valid && device;
     cmd->setValidDev(valid);
     cmd->checkParam();
-}
-
-void TDataPrj::updCmdObjectAll() {
-    LOCK;
-    for (TDataCmd* cmd : cmdList)
-        updCmdObject(cmd->getUIN());
 }
 
 // ---- objects ----

@@ -48,7 +48,8 @@ public:
 
     // Editing.
     int newCfg(const QString& name, const QString& desc, int pos);
-    int newCmd(TData data, int pos);
+    // bind false leaves the command unbound and unchecked until updCmdObjectAll (loading a whole file).
+    int newCmd(TData data, int pos, bool bind = true);
     void updCmdParam(int idCmd, const TData& param);
     void delCmd(int idCmd);
     void delCmdCfg(int idCfg);
@@ -118,6 +119,8 @@ signals:
 
 private:
     int aposOf(int idCmd) const;
+    // Binds a command to its family, device and programmer objects and checks it.
+    void bindCmd(TDataCmd* cmd, const QString& progName, const QString& deviceName);
     int posCfgOf(int idCfg) const;
     int walkBack(int idCfg, int apos, const std::function<int(TDataCmd*)>& visit) const;
     void emitCmd(TCodeView code, int idCmd);
@@ -126,6 +129,8 @@ private:
     mutable TMutex mutex;
     QList<TDataCfg*> cfgList;
     QList<TDataCmd*> cmdList;
+    mutable QHash<int, int> aposIndex; // command id to absolute position, while aposIndexValid
+    mutable bool aposIndexValid = false;
     QString prjFileName, prjName, workPath;
     bool change = false;
     QHash<QString, IDevice*> deviceCache;

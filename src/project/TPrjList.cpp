@@ -1,11 +1,15 @@
 #include "project/TPrjList.h"
 
+#include "app/TFileSave.h"
+#include "app/TLang.h"
+#include "project/TPrjText.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QTextStream>
+#include <QVector>
 
 namespace {
 
@@ -25,9 +29,9 @@ void writeItems(QTextStream& out, const QList<TPrjListItem>& items, int parent, 
 }
 
 bool writeFile(const QString& fileName, const QByteArray& data, QString* error) {
-    QSaveFile f(fileName);
-    if (f.open(QIODevice::WriteOnly) && f.write(data) == data.size() && f.commit()) return true;
-    if (error) *error = f.errorString();
+    QString reason;
+    if (TFileSave::write(fileName, data, reason)) return true;
+    if (error) *error = reason;
     return false;
 }
 
@@ -56,14 +60,28 @@ QByteArray TPrjList::toData(const QList<TPrjListItem>& tree) {
 }
 
 bool TPrjList::save(const QString& fileName, const QList<TPrjListItem>& tree, QString* error) {
-    return writeFile(fileName, toData(tree), error);
+    const QString reason = checkTree(tree);
+    if (reason.isEmpty()) return writeFile(fileName, toData(tree), error);
+    if (error) *error = reason;
+    return false;
+}
+
+QString TPrjList::checkTree(const QList<TPrjListItem>& tree, int depth) {
+    if (depth > maxDepth && !tree.isEmpty()) return Lang.get(1405).arg(maxDepth);
+    for (const TPrjListItem& item : tree) {
+        if (!TPrjText::isWritable(item.name) || !TPrjText::isWritable(item.file))
+            return Lang.get(1406).arg(item.name);
+        const QString reason = checkTree(item.children, depth + 1);
+        if (!reason.isEmpty()) return reason;
+    }
+    return QString();
 }
 
 QList<TPrjListItem> TPrjList::load(const QString& fileName) {
     return fromData(readFile(fileName));
 }
 
-QList<TPrjListItem> TPrjList::fromData(const QByteArray& data) {
+QList<TPrjListItem> TPrjList::fromData(const QByteArray& data, QString* error) {
     // Entries are collected flat with their parent numbers, then assembled bottom-up so that the
     // children of every entry stay in file order.
     struct Flat {
@@ -71,6 +89,7 @@ QList<TPrjListItem> TPrjList::fromData(const QByteArray& data) {
         TPrjListItem item;
     };
     QList<Flat> flat;
+    QVector<int> depth; // of each entry, 1 at the top level
     for (const QJsonValue& v : readList(data)) {
         const QJsonObject o = v.toObject();
         Flat f{o.value(QStringLiteral("parent")).toInt(), {}};
@@ -79,6 +98,11 @@ QList<TPrjListItem> TPrjList::fromData(const QByteArray& data) {
         f.item.file = o.value(QStringLiteral("file")).toString();
         // A parent must be an earlier entry; anything else goes to the top level.
         if (f.parent < 0 || f.parent > flat.size()) f.parent = 0;
+        depth.append(f.parent ? depth.at(f.parent - 1) + 1 : 1);
+        if (depth.last() > maxDepth) {
+            if (error) *error = Lang.get(1405).arg(maxDepth);
+            return {};
+        }
         flat.append(f);
     }
     for (int i = flat.size() - 1; i >= 0; --i) {

@@ -19,12 +19,21 @@ struct TPrjListItem {
 // number in the file.
 class TPrjList {
 public:
+    // Deeper trees are taken for damage: no list a person keeps comes near it, and the tree widget and
+    // the writer walk the tree recursively.
+    static const int maxDepth = 64;
+
     static QByteArray toData(const QList<TPrjListItem>& tree);
+    // Refuses (with the reason in error) a tree that checkTree() finds fault with; the file stays as it was.
     static bool save(const QString& fileName, const QList<TPrjListItem>& tree, QString* error = nullptr);
-    // An unreadable or damaged file gives an empty tree; so does a parent number that names no earlier
-    // entry (that entry is put at the top level instead, so nothing the user listed is lost).
+    // An unreadable or damaged file gives an empty tree, a file nested deeper than maxDepth too (with the
+    // reason in error); a parent number that names no earlier entry puts that entry at the top level
+    // instead, so nothing the user listed is lost.
     static QList<TPrjListItem> load(const QString& fileName);
-    static QList<TPrjListItem> fromData(const QByteArray& data);
+    static QList<TPrjListItem> fromData(const QByteArray& data, QString* error = nullptr);
+    // Why the writer cannot write the tree as it is (a name or file it would not read back, or too deep a
+    // nesting); empty when it can.
+    static QString checkTree(const QList<TPrjListItem>& tree, int depth = 1);
 };
 
 // One row of the list of project lists ("sp.lpl").

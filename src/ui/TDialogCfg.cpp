@@ -3,6 +3,7 @@
 #include "app/TApp.h"
 #include "app/TLang.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjText.h"
 
 #include <QAbstractButton>
 #include <QDialogButtonBox>
@@ -41,10 +42,7 @@ QString TDialogCfg::getDesc() const {
 }
 
 QString TDialogCfg::checkText(const QString& text) {
-    for (const QChar c : text)
-        if (c == QLatin1Char('"') || c == QLatin1Char('\\') || c.category() == QChar::Other_Control)
-            return Lang.get(651);
-    return QString();
+    return TPrjText::isWritable(text) ? QString() : Lang.get(651);
 }
 
 QString TDialogCfg::checkName(int idCfg, const QString& name) {

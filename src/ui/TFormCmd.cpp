@@ -2,6 +2,7 @@
 
 #include "app/TApp.h"
 #include "app/TLang.h"
+#include "formats/TFormat.h"
 #include "formats/TFormatGuess.h"
 #include "misc/TNumberText.h"
 #include "project/TDataPrj.h"
@@ -291,9 +292,10 @@ QLineEdit* TFormCmd::addFile(const QString& key, const QString& caption, const Q
 void TFormCmd::followFileFormat(const QString& fileKey, QComboBox* format, bool forSave) {
     connect(this, &TFormCmd::signalFileChosen, format, [=](const QString& key, const QString& file) {
         if (key != fileKey) return;
+        // The choice lists the formats in the order of their keys.
         const QString guess = forSave ? TFormatGuess::keyOfName(file) : TFormatGuess::keyOf(file);
-        const int i = format->findText(guess, Qt::MatchFixedString);
-        if (i >= 0) format->setCurrentIndex(i);
+        const int i = TFormat::getFormatKeys().indexOf(guess);
+        if (i >= 0 && i < format->count()) format->setCurrentIndex(i);
     });
 }
 

@@ -8,8 +8,8 @@
 #include "app/TSettings.h"
 #include "devices/IDevice.h"
 #include "devices/TDevToolsExec.h"
-#include "exec/TExec.h"
-#include "exec/TThreadSync.h"
+#include "exec/TRunControl.h"
+#include "exec/TRunJournal.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TCtrlProject.h"
@@ -40,7 +40,6 @@
 #include <QStatusBar>
 #include <QTabBar>
 #include <QTabWidget>
-#include <QThread>
 #include <QToolBar>
 
 namespace {
@@ -52,8 +51,11 @@ static void initResources() {
     Q_INIT_RESOURCE(icons);
 }
 
-TMainWindow::TMainWindow(QWidget* parent) : QMainWindow(parent), history(&ProjectData) {
+TMainWindow::TMainWindow(QWidget* parent)
+    : QMainWindow(parent), control(new TRunControl(this)), history(&ProjectData) {
+    new TRunJournal(control, [] { return AppData.logDir; });
     initResources();
+    connectRunControl();
     setWindowIcon(TIcons::getIcon(AppData.iconsSet, QStringLiteral("app")));
     splitter = new QSplitter(this);
     prjTree = new TWgtPrjList(splitter);
@@ -89,8 +91,8 @@ TMainWindow::TMainWindow(QWidget* parent) : QMainWindow(parent), history(&Projec
 }
 
 TMainWindow::~TMainWindow() {
-    stopAll();
-    waitRuns();
+    control->stopAll();
+    control->waitAll();
 }
 
 QMessageBox::StandardButton TMainWindow::ask(const QString& text, QMessageBox::StandardButtons buttons) {
@@ -279,15 +281,25 @@ void TMainWindow::updateTab(int idCfg) {
     if (!view) return;
     const int index = cfgTabs->indexOf(view);
     const TCodeCfgStatus state = ProjectData.getCfgStatus(idCfg);
-    const char* icon = paused.contains(idCfg)    ? "pause"
-                       : state == CfgStatusRun   ? "run"
-                       : state == CfgStatusOk    ? "ok"
-                       : state == CfgStatusError ? "error"
-                                                 : nullptr;
-    cfgTabs->setTabText(index, ProjectData.getNameCfgFromIdCfg(idCfg));
+    const char* icon = control->isPaused(idCfg)    ? "pause"
+                       : state == CfgStatusRun     ? "run"
+                       : state == CfgStatusOk      ? "ok"
+                       : state == CfgStatusError   ? "error"
+                       : state == CfgStatusStopped ? "stopped"
+                                                   : nullptr;
+    // The runs' outcomes count on the tab once a run has passed or failed: passed / failed; the tool
+    // tip adds the stopped ones.
+    const TRunControl::Tally t = control->tally(idCfg);
+    const bool counted = t.passed + t.failed + t.stopped > 0;
+    const QString name = ProjectData.getNameCfgFromIdCfg(idCfg);
+    cfgTabs->setTabText(index, t.passed + t.failed > 0 ? Lang.get(1307).arg(name).arg(t.passed).arg(t.failed)
+                                                       : name);
     cfgTabs->setTabIcon(index, icon ? TIcons::getIcon(AppData.iconsSet, icon) : QIcon());
     TDataCfg* cfg = ProjectData.getCfgObject(idCfg);
-    cfgTabs->setTabToolTip(index, cfg ? cfg->getDesc() : QString());
+    const QString desc = cfg ? cfg->getDesc() : QString();
+    cfgTabs->setTabToolTip(
+        index,
+        counted ? Lang.get(1308).arg(desc).arg(t.passed).arg(t.failed).arg(t.stopped).trimmed() : desc);
 }
 
 int TMainWindow::currentIdCfg() const {
@@ -349,13 +361,13 @@ void TMainWindow::updateActions() {
     actionByKey.value("SavePrj")->setEnabled(open);
     actionByKey.value("SavePrjAs")->setEnabled(open);
     actionByKey.value("ClosePrj")->setEnabled(open);
-    actionByKey.value("Run")->setEnabled(id >= 0 && !runs.contains(id));
+    actionByKey.value("Run")->setEnabled(id >= 0 && !control->isRunning(id));
     actionByKey.value("RunAll")->setEnabled(!cfgViews.isEmpty());
-    actionByKey.value("Stop")->setEnabled(runs.contains(id));
-    actionByKey.value("StopAll")->setEnabled(!runs.isEmpty());
-    actionByKey.value("Continue")->setEnabled(paused.contains(id));
-    actionByKey.value("ContinueAll")->setEnabled(!paused.isEmpty());
-    statusRun->setText(runs.isEmpty() ? Lang.get(114) : Lang.get(27).arg(runs.size()));
+    actionByKey.value("Stop")->setEnabled(control->isRunning(id));
+    actionByKey.value("StopAll")->setEnabled(control->count() > 0);
+    actionByKey.value("Continue")->setEnabled(control->isPaused(id));
+    actionByKey.value("ContinueAll")->setEnabled(!control->pausedRuns().isEmpty());
+    statusRun->setText(control->count() == 0 ? Lang.get(114) : Lang.get(27).arg(control->count()));
     const bool editable = canEdit();
     const bool cfg = editable && id >= 0;
     const TWgtCmdList* list = currentCmdList();
@@ -447,8 +459,9 @@ bool TMainWindow::closeProject() {
         if (answer == QMessageBox::Cancel) return false;
         if (answer == QMessageBox::Save && !saveProject()) return false;
     }
-    stopAll();
-    waitRuns();
+    control->stopAll();
+    control->waitAll();
+    control->clearTallies();
     ProjectData.clrPrj();
     ProjectData.resetChange();
     history.reset();
@@ -531,106 +544,89 @@ bool TMainWindow::confirmProcess(int) {
     return true;
 }
 
+bool TMainWindow::isRunning(int idCfg) const {
+    return control->isRunning(idCfg);
+}
+bool TMainWindow::isPaused(int idCfg) const {
+    return control->isPaused(idCfg);
+}
+int TMainWindow::runCount() const {
+    return control->count();
+}
+
+void TMainWindow::connectRunControl() {
+    control->setStartGate([this](int idCfg) {
+        return cfgViews.contains(idCfg) && confirmProcess(idCfg) && confirmLockOut(idCfg);
+    });
+    control->setShowDurations([] { return AppData.logShowTime; });
+    connect(control, &TRunControl::signalStarted, this, &TMainWindow::runStarted);
+    connect(control, &TRunControl::signalEventText, this, &TMainWindow::runEventText);
+    connect(control, &TRunControl::signalEventProc, this, &TMainWindow::runEventProc);
+    connect(control, &TRunControl::signalPaused, this, &TMainWindow::runPaused);
+    connect(control, &TRunControl::signalResumed, this, [this](int idCfg) {
+        statusBar()->clearMessage();
+        updateTab(idCfg);
+        updateActions();
+    });
+    connect(control, &TRunControl::signalFinished, this, &TMainWindow::runFinished);
+}
+
 bool TMainWindow::runThread(int idCfg) {
+    return control->start(idCfg);
+}
+
+void TMainWindow::runStarted(int idCfg) {
     TWgtCfg* view = cfgViews.value(idCfg);
-    if (!view || runs.contains(idCfg) || !confirmProcess(idCfg)) return false;
-    ProjectData.setCfgStatus(idCfg, CfgStatusRun);
     if (AppData.logClearBeforeRun) view->log()->clear();
     view->log()->blockLogText(true);
     view->showLog();
-    startThread(idCfg);
-    updateTab(idCfg);
-    updateActions();
-    return true;
-}
-
-void TMainWindow::startThread(int idCfg) {
-    TWgtLogExec* log = cfgViews.value(idCfg)->log();
-    auto* thread = new QThread;
-    auto* exec = new TExec(idCfg);
-    exec->moveToThread(thread);
-    runs.insert(idCfg, thread);
-    connect(this, &TMainWindow::signalPauseReset, exec, &TExec::slotPauseReset);
-    connect(this, &TMainWindow::signalStop, exec, &TExec::slotStop);
-    connect(thread, &QThread::started, exec, &TExec::slotStart);
-    connect(exec, &TExec::signalFinished, thread, &QThread::quit);
-    const auto blocking = Qt::BlockingQueuedConnection;
-    connect(exec, &TExec::signalEventText, log, &TWgtLogExec::slotExecEventText, blocking);
-    connect(exec, &TExec::signalEventProc, log, &TWgtLogExec::slotExecEventProc, blocking);
-    connect(exec, &TExec::signalExecuteFromCmd, this, &TMainWindow::slotExecuteFromCmd, blocking);
-    connect(exec, &TExec::signalPauseFromCmd, this, &TMainWindow::slotPauseFromCmd, blocking);
-    connect(exec, &TExec::signalStatusFromCmd, this, &TMainWindow::slotStatusFromCmd, blocking);
-    connect(exec, &TExec::signalDestroy, this, &TMainWindow::slotExecFinished);
-    // Once the thread has ended nothing touches the worker any more: it is joined and destroyed here.
-    connect(thread, &QThread::finished, this, [this, thread, exec] { runFinished(thread, exec); });
-    thread->start(QThread::NormalPriority);
-}
-
-void TMainWindow::runFinished(QThread* thread, TExec* exec) {
-    thread->wait();
-    delete exec; // its signalDestroy removes the run from the table
-    delete thread;
-}
-
-void TMainWindow::slotExecFinished(int idCfg) {
-    runs.remove(idCfg);
-    paused.remove(idCfg);
-    if (TWgtCfg* view = cfgViews.value(idCfg)) view->log()->blockLogText(false);
-    if (ProjectData.getCfgStatus(idCfg) == CfgStatusRun) ProjectData.setCfgStatus(idCfg, CfgStatusError);
     updateTab(idCfg);
     updateActions();
 }
 
-void TMainWindow::slotExecuteFromCmd(int idCfg) {
-    TThreadSync::Receiver sync;
-    runThread(idCfg);
+void TMainWindow::runEventText(int idCfg, TCodeExec code, const QString& text, const QString& param) {
+    if (TWgtCfg* view = cfgViews.value(idCfg)) view->log()->slotExecEventText(code, text, param);
 }
 
-void TMainWindow::slotPauseFromCmd(int idCfg) {
-    TThreadSync::Receiver sync;
-    paused.insert(idCfg);
+void TMainWindow::runEventProc(int idCfg, int percent) {
+    if (TWgtCfg* view = cfgViews.value(idCfg)) view->log()->slotExecEventProc(percent);
+}
+
+void TMainWindow::runPaused(int idCfg) {
     statusBar()->showMessage(Lang.get(48).arg(ProjectData.getNameCfgFromIdCfg(idCfg)));
     updateTab(idCfg);
     updateActions();
 }
 
-void TMainWindow::slotStatusFromCmd(int idCfg, bool status) {
-    TThreadSync::Receiver sync;
-    ProjectData.setCfgStatus(idCfg, status ? CfgStatusOk : CfgStatusError);
-}
-
-void TMainWindow::runAll() {
-    for (int id : cfgViews.keys())
-        if (!runs.contains(id)) runThread(id);
-}
-
-void TMainWindow::stopRun(int idCfg) {
-    if (runs.contains(idCfg)) emit signalStop(idCfg);
-}
-
-void TMainWindow::stopAll() {
-    for (int id : runs.keys())
-        emit signalStop(id);
-}
-
-void TMainWindow::continueRun(int idCfg) {
-    if (!paused.remove(idCfg)) return;
-    statusBar()->clearMessage();
-    emit signalPauseReset(idCfg);
+void TMainWindow::runFinished(int idCfg, TCodeCfgStatus outcome) {
+    if (TWgtCfg* view = cfgViews.value(idCfg)) view->log()->blockLogText(false);
+    if (outcome == CfgStatusStopped)
+        statusBar()->showMessage(Lang.get(1306).arg(ProjectData.getNameCfgFromIdCfg(idCfg)));
+    else if (!control->isPaused(idCfg) && control->pausedRuns().isEmpty())
+        statusBar()->clearMessage();
     updateTab(idCfg);
     updateActions();
 }
 
-void TMainWindow::continueAll() {
-    for (int id : paused.values())
-        continueRun(id);
+void TMainWindow::runAll() {
+    for (int id : cfgViews.keys())
+        if (!control->isRunning(id)) runThread(id);
 }
 
-// The worker's signals are blocking queued: waiting here must keep the event loop turning, or a worker
-// that reports its last lines would never end.
-void TMainWindow::waitRuns() {
-    while (!runs.isEmpty())
-        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+void TMainWindow::stopRun(int idCfg) {
+    control->stop(idCfg);
+}
+
+void TMainWindow::stopAll() {
+    control->stopAll();
+}
+
+void TMainWindow::continueRun(int idCfg) {
+    control->resume(idCfg);
+}
+
+void TMainWindow::continueAll() {
+    control->resumeAll();
 }
 
 void TMainWindow::actRun() {

@@ -15,8 +15,7 @@ class QLabel;
 class QMenu;
 class QSplitter;
 class QTabWidget;
-class QThread;
-class TExec;
+class TRunControl;
 class TWgtCfg;
 class TWgtCmdList;
 class TWgtPrjList;
@@ -44,9 +43,10 @@ public:
     void stopAll();
     void continueRun(int idCfg);
     void continueAll();
-    bool isRunning(int idCfg) const { return runs.contains(idCfg); }
-    bool isPaused(int idCfg) const { return paused.contains(idCfg); }
-    int runCount() const { return runs.size(); }
+    bool isRunning(int idCfg) const;
+    bool isPaused(int idCfg) const;
+    int runCount() const;
+    TRunControl* runControl() const { return control; }
 
     int currentIdCfg() const;
     TWgtCfg* cfgView(int idCfg) const { return cfgViews.value(idCfg); }
@@ -86,15 +86,7 @@ public:
     bool canUndo() const { return history.canUndo(); }
     bool canRedo() const { return history.canRedo(); }
 
-signals:
-    void signalStop(int idCfg);
-    void signalPauseReset(int idCfg);
-
 public slots:
-    void slotExecuteFromCmd(int idCfg);
-    void slotPauseFromCmd(int idCfg);
-    void slotStatusFromCmd(int idCfg, bool status);
-    void slotExecFinished(int idCfg);
     void slotChangeData(TCodeView code, TData data);
     void slotChangePrj(bool changed);
 
@@ -122,9 +114,14 @@ private:
     void updateActions();
     void updateTitle();
     bool confirmProcess(int idCfg);
-    void startThread(int idCfg);
-    void runFinished(QThread* thread, TExec* exec);
-    void waitRuns();
+    // Fuse writes of the run that would lock the part out of serial programming are asked about once.
+    bool confirmLockOut(int idCfg);
+    void connectRunControl();
+    void runStarted(int idCfg);
+    void runEventText(int idCfg, TCodeExec code, const QString& text, const QString& param);
+    void runEventProc(int idCfg, int percent);
+    void runPaused(int idCfg);
+    void runFinished(int idCfg, TCodeCfgStatus outcome);
     void addRecent(const QString& file);
     void fillRecentMenu();
     void loadWindowSettings();
@@ -178,8 +175,7 @@ private:
     QList<QAction*> actions;
     QHash<QString, QAction*> actionByKey;
     QHash<int, TWgtCfg*> cfgViews;
-    QHash<int, QThread*> runs;
-    QSet<int> paused;
+    TRunControl* control;
     QStringList recent;
     bool processConfirmed = false;
     TPrjHistory history;

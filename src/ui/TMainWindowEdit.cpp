@@ -5,6 +5,7 @@
 #include "app/TAppData.h"
 #include "app/TLang.h"
 #include "devices/IDevice.h"
+#include "exec/TRunControl.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TCmdCode.h"
@@ -70,7 +71,7 @@ QList<TData> clipboardCommands() {
 } // namespace
 
 bool TMainWindow::canEdit() const {
-    return runs.isEmpty() && ProjectData.isOpenPrj();
+    return control->count() == 0 && ProjectData.isOpenPrj();
 }
 
 TWgtCmdList* TMainWindow::currentCmdList() const {
@@ -80,7 +81,7 @@ TWgtCmdList* TMainWindow::currentCmdList() const {
 
 // A run reads the model while it works: the project stays as it is until every run has ended.
 bool TMainWindow::beginEdit() {
-    if (!runs.isEmpty()) {
+    if (!control->count() == 0) {
         showError(Lang.get(645));
         return false;
     }
@@ -210,7 +211,7 @@ bool TMainWindow::editCmd(int idCmd, const TData& param) {
 }
 
 bool TMainWindow::editCmdForm(int idCmd) {
-    if (!runs.isEmpty()) {
+    if (!control->count() == 0) {
         showError(Lang.get(645));
         return false;
     }
@@ -379,7 +380,7 @@ bool TMainWindow::redo() {
 }
 
 bool TMainWindow::restoreStep(bool back) {
-    if (!runs.isEmpty()) {
+    if (!control->count() == 0) {
         showError(Lang.get(645));
         return false;
     }

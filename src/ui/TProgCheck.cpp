@@ -4,6 +4,7 @@
 #include "app/TAppData.h"
 #include "app/TLang.h"
 #include "devices/TDevProgExec.h"
+#include "link/CProtocol.h"
 #include "link/TProg.h"
 #include "link/TSerialPort.h"
 
@@ -34,7 +35,7 @@ bool TProgCheck::identify(const QString& name, QString& text) {
     TSerialPort port;
     if (!open(port, name, nullptr, text)) return false;
     QByteArray data;
-    const bool ok = port.sendPackage(0x81, data);
+    const bool ok = port.sendPackage(CProtocol::Prog::Ident, data);
     text = ok ? QString::fromLatin1(data.left(data.indexOf('\0') < 0 ? data.size() : data.indexOf('\0')))
               : port.getErrorText();
     port.close();

@@ -6,6 +6,7 @@
 #include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 
@@ -87,11 +88,7 @@ void TWgtCmdList::fillItem(QTreeWidgetItem* item, TDataCmd* cmd) {
     item->setCheckState(0, cmd->getEnable() ? Qt::Checked : Qt::Unchecked);
     item->setText(0, shown);
     item->setText(1, group ? group->getViewCmdParam(data, nullptr) : QString());
-    QString reason;
-    if (!cmd->getValidDev())
-        reason = Lang.get(387).arg(shown);
-    else if (!cmd->getValidParam())
-        reason = Lang.get(388).arg(shown);
+    const QString reason = TCmdProblem::get(shown, data, group);
     for (int c = 0; c < 2; ++c) {
         item->setToolTip(c, reason);
         item->setForeground(c, reason.isEmpty() ? QBrush() : QBrush(TApp::getErrorColorText()));

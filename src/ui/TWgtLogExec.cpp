@@ -115,7 +115,7 @@ void TWgtLogExec::moveToEnd() {
 
 void TWgtLogExec::slotExecEventText(TCodeExec code, QString line, QString param) {
     TThreadSync::Receiver sync;
-    if (code < 0 || code > 6) return;
+    if (code < ExecCmdStart || code > ExecFailed) return;
     QApplication::processEvents();
     show(code, line, param);
     QApplication::processEvents();

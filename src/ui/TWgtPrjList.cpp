@@ -4,8 +4,10 @@
 #include "app/TApp.h"
 #include "app/TAppData.h"
 #include "app/TLang.h"
+#include "project/TPrjText.h"
 
 #include <QContextMenuEvent>
+#include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QFile>
 #include <QFileDialog>
@@ -74,16 +76,25 @@ bool TWgtPrjList::loadPrjList(const QString& file, const QString& name, const QS
     QByteArray data;
     if (f.open(QIODevice::ReadOnly)) data = f.readAll();
     QJsonParseError err{};
-    const bool damaged =
-        f.exists() && !data.trimmed().isEmpty() &&
-        (!QJsonDocument::fromJson(data, &err).isObject() || err.error != QJsonParseError::NoError);
+    QString reason;
+    const QList<TPrjListItem> tree = TPrjList::fromData(data, &reason);
+    if (f.exists() && !data.trimmed().isEmpty() &&
+        (!QJsonDocument::fromJson(data, &err).isObject() || err.error != QJsonParseError::NoError))
+        reason = err.errorString();
+    const bool damaged = !reason.isEmpty();
     writable = !damaged && (f.isOpen() || !f.exists());
-    if (damaged) errorText = Lang.get(46).arg(listFile, err.errorString());
-    addItems(nullptr, TPrjList::fromData(data));
+    if (damaged) errorText = Lang.get(46).arg(listFile, reason);
+    // Read, but with names the writer would not write back: shown, and never written over.
+    const QString unwritable = damaged ? QString() : TPrjList::checkTree(tree);
+    if (!unwritable.isEmpty()) {
+        writable = false;
+        errorText = Lang.get(1407).arg(listFile, unwritable);
+    }
+    addItems(nullptr, tree);
     for (QTreeWidgetItemIterator it(this); *it; ++it)
         if (!current.isEmpty() && fileOf(*it) == TApp::getAbsoluteFile(current)) setCurrentItem(*it);
     loading = false;
-    if (damaged) emit signalError(errorText);
+    if (damaged || !unwritable.isEmpty()) emit signalError(errorText);
     return !damaged;
 }
 
@@ -116,6 +127,7 @@ bool TWgtPrjList::savePrjList() {
 }
 
 QTreeWidgetItem* TWgtPrjList::addFolder(const QString& name) {
+    if (!acceptText(name, Lang.get(1403))) return nullptr;
     QTreeWidgetItem* item = newItem(name, QString());
     QTreeWidgetItem* cur = currentItem();
     if (cur && fileOf(cur).isEmpty()) {
@@ -134,6 +146,7 @@ QTreeWidgetItem* TWgtPrjList::addFolder(const QString& name) {
 QTreeWidgetItem* TWgtPrjList::addProject(const QString& file, const QString& name) {
     const QString stored = TApp::getPathFile(listDir(), TApp::getAbsoluteFile(file));
     const QString shown = name.isEmpty() ? QFileInfo(file).completeBaseName() : name;
+    if (!acceptText(stored + shown, Lang.get(1404).arg(file))) return nullptr;
     QTreeWidgetItem* item = newItem(shown, stored);
     QTreeWidgetItem* cur = currentItem();
     if (cur && fileOf(cur).isEmpty()) {
@@ -149,10 +162,34 @@ QTreeWidgetItem* TWgtPrjList::addProject(const QString& file, const QString& nam
     return item;
 }
 
-void TWgtPrjList::renameCurrent(const QString& name) {
-    if (!currentItem() || name.trimmed().isEmpty()) return;
+bool TWgtPrjList::renameCurrent(const QString& name) {
+    if (!currentItem() || name.trimmed().isEmpty() || !acceptText(name, Lang.get(1403))) return false;
     currentItem()->setText(0, name.trimmed());
-    savePrjList();
+    return savePrjList();
+}
+
+bool TWgtPrjList::acceptText(const QString& text, const QString& refusal) {
+    if (TPrjText::isWritable(text)) return true;
+    errorText = refusal;
+    emit signalError(errorText);
+    return false;
+}
+
+// A name the list writer could not write back is refused in the dialog itself: OK stays disabled and
+// the reason is shown.
+QString TWgtPrjList::askName(const QString& title, const QString& text) {
+    QInputDialog dialog(this);
+    dialog.setWindowTitle(title);
+    dialog.setTextValue(text);
+    auto check = [&dialog](const QString& value) {
+        const bool good = TPrjText::isWritable(value);
+        dialog.setLabelText(good ? Lang.get(35) : Lang.get(35) + QLatin1Char('\n') + Lang.get(1403));
+        if (auto* box = dialog.findChild<QDialogButtonBox*>())
+            box->button(QDialogButtonBox::Ok)->setEnabled(good && !value.trimmed().isEmpty());
+    };
+    connect(&dialog, &QInputDialog::textValueChanged, &dialog, check);
+    check(text);
+    return dialog.exec() == QDialog::Accepted ? dialog.textValue().trimmed() : QString();
 }
 
 void TWgtPrjList::removeCurrent() {
@@ -181,10 +218,8 @@ void TWgtPrjList::slotActivated(QTreeWidgetItem* item) {
 }
 
 void TWgtPrjList::askFolder() {
-    bool ok = false;
-    const QString name =
-        QInputDialog::getText(this, Lang.get(28), Lang.get(35), QLineEdit::Normal, Lang.get(34), &ok);
-    if (ok && !name.trimmed().isEmpty()) addFolder(name.trimmed());
+    const QString name = askName(Lang.get(28), Lang.get(34));
+    if (!name.isEmpty()) addFolder(name);
 }
 
 void TWgtPrjList::askProject() {
@@ -195,10 +230,8 @@ void TWgtPrjList::askProject() {
 
 void TWgtPrjList::askRename() {
     if (!currentItem()) return;
-    bool ok = false;
-    const QString name = QInputDialog::getText(this, Lang.get(30), Lang.get(35), QLineEdit::Normal,
-                                               currentItem()->text(0), &ok);
-    if (ok) renameCurrent(name);
+    const QString name = askName(Lang.get(30), currentItem()->text(0));
+    if (!name.isEmpty()) renameCurrent(name);
 }
 
 // The folder of the chosen project, or the list's own folder for a folder entry.

@@ -24,7 +24,8 @@ public:
     // New entries go under the current folder entry, or beside the current project entry.
     QTreeWidgetItem* addFolder(const QString& name);
     QTreeWidgetItem* addProject(const QString& file, const QString& name = QString());
-    void renameCurrent(const QString& name);
+    // Names and files the list writer could not write back are refused (null, false) with signalError.
+    bool renameCurrent(const QString& name);
     void removeCurrent();
     // The absolute project file of an entry; empty for a folder.
     QString fileOf(const QTreeWidgetItem* item) const;
@@ -39,14 +40,16 @@ protected:
 
 private slots:
     void slotActivated(QTreeWidgetItem* item);
+    void askRename();
 
 private:
     void addItems(QTreeWidgetItem* parent, const QList<TPrjListItem>& items);
     QList<TPrjListItem> readItems(const QTreeWidgetItem* parent) const;
     QTreeWidgetItem* newItem(const QString& name, const QString& file);
+    bool acceptText(const QString& text, const QString& refusal);
+    QString askName(const QString& title, const QString& text);
     void askFolder();
     void askProject();
-    void askRename();
     void askRemove();
     void openFolder();
     QString listDir() const;

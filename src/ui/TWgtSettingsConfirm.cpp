@@ -16,8 +16,11 @@ TWgtSettingsConfirm::TWgtSettingsConfirm(QWidget* parent) : QWidget(parent) {
     quit = make(Lang.get(76), AppData.confirmQuit);
     savePrj = make(Lang.get(77), AppData.confirmSavePrj);
     process = make(Lang.get(78), AppData.confirmProcess);
+    checkBeforeRun = make(Lang.get(1015), AppData.checkBeforeRun);
+    checkBeforeRun->setObjectName(QStringLiteral("checkBeforeRun"));
+    checkBeforeRun->setToolTip(Lang.get(1018));
     auto* layout = new QVBoxLayout(this);
-    for (QCheckBox* box : {openLastPrj, quit, savePrj, process})
+    for (QCheckBox* box : {openLastPrj, quit, savePrj, process, checkBeforeRun})
         layout->addWidget(box);
     layout->addStretch(1);
 }
@@ -27,4 +30,5 @@ void TWgtSettingsConfirm::save() {
     AppData.confirmQuit = quit->isChecked();
     AppData.confirmSavePrj = savePrj->isChecked();
     AppData.confirmProcess = process->isChecked();
+    AppData.checkBeforeRun = checkBeforeRun->isChecked();
 }

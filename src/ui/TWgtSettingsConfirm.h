@@ -4,7 +4,8 @@
 
 class QCheckBox;
 
-// Settings page of the questions the application asks, and of opening the last project at start.
+// Settings page of the questions the application asks, of opening the last project at start and of
+// the check that runs make before they touch the chip.
 class TWgtSettingsConfirm : public QWidget {
     Q_OBJECT
 public:
@@ -15,4 +16,5 @@ public:
     QCheckBox* quit;
     QCheckBox* savePrj;
     QCheckBox* process;
+    QCheckBox* checkBeforeRun;
 };

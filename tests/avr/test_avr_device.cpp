@@ -50,6 +50,21 @@ private slots:
         QCOMPARE(dev->getViewCmdParam(fuse, nullptr), QString("62D9F7"));
     }
 
+    // Operations whose instruction the part does not have are not offered, and say why.
+    void operationsThePartLacks() {
+        auto dev = device("AT90S2313");
+        const QStringList offered = dev->getSupportCmdList();
+        for (const char* code :
+             {"fuse_read", "fuse_write", "fuse_verify", "lock_read", "lock_verify", "osccal_read"}) {
+            QVERIFY2(!offered.contains(code) && !dev->supportCmd(code), code);
+            QVERIFY(dev->getNotSupportedText(code).contains("AT90S2313"));
+        }
+        QVERIFY(dev->supportCmd("lock_write") && dev->supportCmd("erase") &&
+                dev->supportCmd("flash_file_write"));
+        QCOMPARE(dev->getNotSupportedText("lock_write"), QString());
+        QCOMPARE(device("ATmega328PB")->getSupportCmdList(), TDevAVR8_SPI::getCmdList());
+    }
+
     void checksMatchTheSpaces() {
         auto dev = device("ATmega328PB");
         QVERIFY(dev->checkCmdParam(cmd("fuse_write", {{"data", "62D9F7"}})));
@@ -57,6 +72,8 @@ private slots:
         QVERIFY(!dev->checkCmdParam(cmd("fuse_verify", {{"data", "62D9FZ"}})));
         QVERIFY(dev->checkCmdParam(cmd("lock_write", {{"data", "FC"}})));
         QVERIFY(!dev->checkCmdParam(cmd("lock_write", {{"data", "FCFF"}})));
+        // Lock bits 7 and 6 are fixed 1 in the part's instruction, which sends the byte as it is.
+        QVERIFY(!dev->checkCmdParam(cmd("lock_write", {{"data", "3C"}})));
         // The EEPROM is 1 KiB, the flash 32 KiB.
         const TData inEeprom{{"addr_device", 1000}, {"count", 24}, {"fill_char", 0}};
         QVERIFY(dev->checkCmdParam(cmd("eeprom_char_write", inEeprom)));

@@ -113,11 +113,10 @@ class TestDeviceData : public QObject {
         QVERIFY2(num(d, "alg_flash_read") == (flash > 65536 ? 1u : 0u), qPrintable(file));
         QVERIFY2((num(d, "alg_flash_write") == 0) == (flash <= 65536), qPrintable(file));
         QVERIFY2(num(d, "alg_lock_read") <= 1 && num(d, "alg_lock_write") <= 1, qPrintable(file));
-        for (const char* key :
-             {"flash_polling", "flash_delay", "eeprom_polling", "eeprom_delay", "erase_polling",
-              "erase_delay", "fuse_polling", "fuse_delay", "lock_polling", "lock_delay", "flash_addr_begin",
-              "eeprom_addr_begin", "osccal_def", "alg_ident", "alg_erase", "alg_eeprom_read",
-              "alg_eeprom_write", "alg_osccal_read"})
+        for (const char* key : {"flash_polling", "flash_delay", "eeprom_polling", "eeprom_delay",
+                                "erase_polling", "erase_delay", "fuse_polling", "fuse_delay", "lock_polling",
+                                "lock_delay", "flash_addr_begin", "eeprom_addr_begin", "osccal_def",
+                                "alg_ident", "alg_erase", "alg_eeprom_read", "alg_eeprom_write"})
             QVERIFY2(d.contains(key), qPrintable(file + " lacks " + key));
         QVERIFY2(num(d, "flash_delay") < 255 && num(d, "erase_delay") < 255, qPrintable(file));
         checkForm(d, "fuse_cfg", "fuse_def", file);

@@ -63,6 +63,24 @@ private slots:
         QCOMPARE(form.toBytes({false, true, false}, hex("FF")), hex("FA"));
     }
 
+    // Lock-out values belong to the field before them and are found in place.
+    void lockOutValues() {
+        TFormDesc form;
+        QVERIFY2(form.parse({"cap|High fuse", "ckl|20|i|e|1|Serial programming enabled (SPIEN)",
+                             "brk|20|spien|SPIEN", "cho|03|-|e|0|Clock (CKSEL)", "itm|00|Ext. Clock",
+                             "itm|02|Int. RC", "brk|00|clock|CKSEL"}),
+                 qPrintable(form.getErrorText()));
+        QVERIFY(form.lockOuts(hex("0200")).isEmpty());
+        const auto hits = form.lockOuts(hex("0020"));
+        QCOMPARE(hits.size(), 2);
+        QCOMPARE(hits.at(0).item, 1);
+        QCOMPARE(hits.at(0).lockOut.kind, QString("spien"));
+        QCOMPARE(hits.at(1).lockOut.name, QString("CKSEL"));
+        QCOMPARE(hits.at(1).meaning, QString("Ext. Clock"));
+        QVERIFY(!form.parse({"brk|00|clock|X"}));
+        QVERIFY(!form.parse({"ckl|20|i|e|1|A", "brk|40|spien|A"}));
+    }
+
     void badLinesAreNamed_data() {
         QTest::addColumn<QStringList>("lines");
         QTest::addColumn<QString>("error");

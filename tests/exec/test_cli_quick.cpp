@@ -2,6 +2,9 @@
 #include "support/CliSettings.h"
 #include "support/SimFixture.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -193,7 +196,8 @@ private slots:
         QVERIFY2(r.out.endsWith(
                      block({Lang.get(1731).arg("0x00", "0xFFFFF"), "Address: 0x00, Data: 0x00, Read: 0xFF"})),
                  qPrintable(r.out));
-        r = run({"--chip", "W25Q80RV", "--write", "missing.bin"});
+        // The check before running names the file too; without it the write itself finds it missing.
+        r = run({"--no-check", "--chip", "W25Q80RV", "--write", "missing.bin"});
         QVERIFY2(r.out.endsWith(block({Lang.get(417), Lang.get(1734).arg(dir.filePath("missing.bin"))})),
                  qPrintable(r.out));
         r = run({"--chip", "W25Q16JV_M", "--detect"});
@@ -204,6 +208,55 @@ private slots:
         r = run({"--chip", "W25Q80RV", "--erase"});
         QCOMPARE(r.status, 1);
         QVERIFY2(r.out.endsWith(block({Lang.get(393), Lang.get(1730).arg(sim.link())})), qPrintable(r.out));
+    }
+
+    // The log folder of a production line: one JSON line per run, whose CRC zlib agrees with.
+    void logFolderKeepsEveryRun() {
+        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        const QByteArray data = pattern(5000, 7);
+        writeFile("fw.bin", data);
+        Result r = run({"--log-dir", "logs", "--chip", "W25Q80RV", "--erase", "--write", "fw.bin", "--verify",
+                        "fw.bin"});
+        QCOMPARE(r.status, 0);
+        writeFile("zeros.bin", QByteArray(16, 0));
+        r = run({"--log-dir", "logs", "--chip", "W25Q80RV", "--write", "zeros.bin", "--verify", "fw.bin"});
+        QCOMPARE(r.status, 1);
+
+        QFile lines(dir.filePath("logs/runs.jsonl"));
+        QVERIFY(lines.open(QIODevice::ReadOnly));
+        const QList<QByteArray> records = lines.readAll().split('\n');
+        QCOMPARE(records.size(), 3); // two lines and the end
+        const QJsonObject good = QJsonDocument::fromJson(records[0]).object();
+        QCOMPARE(good.value("configuration").toString(), QString("W25Q80RV"));
+        QCOMPARE(good.value("programmer").toString(), QString("Sim"));
+        QCOMPARE(good.value("port").toString(), sim.link());
+        QCOMPARE(good.value("chip").toString(), QString("W25Q80RV"));
+        QCOMPARE(good.value("result").toString(), QString("ok"));
+        QVERIFY(QDateTime::fromString(good.value("time").toString(), Qt::ISODateWithMs).isValid());
+        QVERIFY(good.value("duration_s").toDouble() > 0);
+        QProcess zlib;
+        zlib.start("python3",
+                   {"-c", "import sys,zlib;print('%08X' % zlib.crc32(open(sys.argv[1],'rb').read()))",
+                    dir.filePath("fw.bin")});
+        QVERIFY(zlib.waitForFinished(10000));
+        const QJsonArray written = good.value("written").toArray();
+        QCOMPARE(written.size(), 1);
+        QCOMPARE(written[0].toObject().value("command").toString(), QString("file_write"));
+        QCOMPARE(written[0].toObject().value("bytes").toInt(), 5000);
+        QCOMPARE(written[0].toObject().value("address").toInt(), 0);
+        QCOMPARE(written[0].toObject().value("crc32").toString(), QString(zlib.readAll().trimmed()));
+
+        // The write of the failed run completed before its verify failed; the run did not.
+        const QJsonObject bad = QJsonDocument::fromJson(records[1]).object();
+        QCOMPARE(bad.value("result").toString(), QString("failed"));
+        QCOMPARE(bad.value("written").toArray().size(), 1);
+        QCOMPARE(bad.value("written").toArray()[0].toObject().value("bytes").toInt(), 16);
+
+        QFile text(dir.filePath("logs/runs.log"));
+        QVERIFY(text.open(QIODevice::ReadOnly));
+        const QString log = QString::fromUtf8(text.readAll());
+        QCOMPARE(log.count("==== "), 2);
+        QVERIFY(log.contains(Lang.get(1731).arg("0x00", "0xFFFFF")));
     }
 
     void listsTheCatalogueAndTheProgrammers() {

@@ -31,6 +31,19 @@ private slots:
         QVERIFY(sec.event(9, "x", "y", at).isEmpty());
     }
 
+    // A file name or a programmer's text cannot start a line of its own or drive the terminal.
+    void controlCharactersAreShownEscaped() {
+        using P = TLogPiece;
+        const TLogText log(false, false);
+        QCOMPARE(log.event(0, "File Write", "a\nb\x1b[31m\tc", at),
+                 (QList<P>{{P::Cmd, "File Write"}, {P::Param, " (a\\nb\\x1B[31m\\tc)"}}));
+        QCOMPARE(log.event(0, "x\ry", "", at), (QList<P>{{P::Cmd, "x\\ry"}}));
+        // A message keeps its own line breaks and nothing else.
+        QCOMPARE(log.event(2, QString("one\ntwo\r\x07") + QChar(0x9B), "", at), (QList<P>{{P::Text, "one\ntwo\\r\\x07\\x9B"}}));
+        QCOMPARE(TLogText::escape(QString("a") + QChar(0x2028) + "b\n"), QString("a\\x2028b\\n"));
+        QCOMPARE(TLogText::escape("caf\u00e9 \\ ok"), QString("caf\u00e9 \\ ok"));
+    }
+
     void failureIsABlockOfFourLines() {
         const TLogText log(true, false);
         const QString rule(60, '=');

@@ -110,10 +110,15 @@ private slots:
         SimFixture sim;
         QVERIFY(sim.start({"--trace", sim.path("trace.txt")}));
         w.addProgrammer("Sim", sim);
-        // 9.9 V is beyond the simulator's supply range.
-        QCOMPARE(
-            w.run(options(w.writeProject(project({{"Main", {setProg, cmd("set_vcc", R"("vcc": "9.9")")}}})))),
-            1);
+        // 9.9 V is beyond the simulator's supply range. Checked before running, nothing is sent at all;
+        // without the check the run opens the programmer and fails when it reaches the command.
+        const QString prj = w.writeProject(project({{"Main", {setProg, cmd("set_vcc", R"("vcc": "9.9")")}}}));
+        QCOMPARE(w.run(options(prj)), 1);
+        QVERIFY(w.output.contains(Lang.get(388).arg("Set Vcc")));
+        QCOMPARE(WorkerFixture::requests(sim.path("trace.txt")), QStringList());
+        AppData.checkBeforeRun = false;
+        QCOMPARE(w.run(options(prj)), 1);
+        AppData.checkBeforeRun = true;
         QVERIFY(w.output.contains(Lang.get(388).arg("Set Vcc")));
         QCOMPARE(WorkerFixture::requests(sim.path("trace.txt")).mid(3),
                  (QStringList{"C0 85 00 00 BB", "C0 83 01 00 02 BA"}));
@@ -127,6 +132,36 @@ private slots:
         QCOMPARE(w.run(options(w.writeProject(project({{"Main", {cmd("delay", R"("value": "5")", 0)}}})))),
                  0);
         QCOMPARE(w.output, Lang.get(391) + "\n");
+        QCOMPARE(w.errors, Lang.get(1305) + "\n");
+    }
+
+    // The programmer refuses the final leave: every command went well, the run did not.
+    void aRefusedFinalLeaveFailsTheRun() {
+        WorkerFixture w;
+        SimFixture sim;
+        QVERIFY(sim.start({"--error", "133:1"}));
+        w.addProgrammer("Sim", sim);
+        const QString file =
+            w.writeProject(project({{"Main", {setProg, cmd("set_vcc", R"("vcc": "3.3")")}}}));
+        QCOMPARE(w.run(options(file)), int(TRunner::ExitFailed));
+        QVERIFY2(w.output.contains(Lang.get(386)), qPrintable(w.output));
+        QVERIFY(!w.output.contains(Lang.get(391)));
+    }
+
+    // A file name with a line break and escape bytes, as a hostile project holds it.
+    void controlCharactersNeverReachTheTerminal() {
+        WorkerFixture w;
+        // In the project's JSON text: a backslash-n and a backslash-u001b escape.
+        const QString name = "x\\n" + Lang.get(391) + "\\u001b[2J.bin";
+        const QString params =
+            QStringLiteral("\"crc_name\": \"CRC-32\", \"file\": \"%1\", \"format\": \"bin\", "
+                           "\"addr\": \"0\", \"count\": \"1\", \"fill\": \"255\"")
+                .arg(name);
+        const QString file = w.writeProject(project({{"Main", {cmd("calc_crc", params)}}}));
+        QCOMPARE(w.run(options(file)), int(TRunner::ExitFailed));
+        QVERIFY(!w.output.contains(QChar(0x1b)));
+        QVERIFY(w.output.contains("x\\n" + Lang.get(391) + "\\x1B[2J.bin"));
+        QVERIFY2(!w.output.split('\n').contains(Lang.get(391)), qPrintable(w.output));
     }
 
     void stopEndsTheRunDuringALongDelay() {
@@ -137,7 +172,7 @@ private slots:
         FILE* out = std::tmpfile();
         TRunner runner(out, std::tmpfile());
         QTimer::singleShot(300, &runner, &TRunner::stopAll);
-        QCOMPARE(runner.run(o), 0);
+        QCOMPARE(runner.run(o), int(TRunner::ExitStopped));
         std::rewind(out);
         char buf[512] = {};
         QVERIFY(std::fread(buf, 1, sizeof buf - 1, out) > 0);

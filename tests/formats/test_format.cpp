@@ -48,7 +48,7 @@ private slots:
     void initTestCase() { Lang.loadData(QString(TARVELIX_DATA_DIR) + "/language/eng.lng"); }
 
     void formatLists() {
-        QCOMPARE(TFormat::getViewFormats(), QStringList({"HEX", "BIN", "BIN+"}));
+        QCOMPARE(TFormat::getViewFormats(), QStringList({"HEX", "BIN", "BIN+", "Intel HEX"}));
         QCOMPARE(TFormat::getMaskFormats(), QString("*.bin *.hex"));
     }
 
@@ -64,7 +64,7 @@ private slots:
     }
 
     void hexWriteSmallRangeAndUnknownKey() {
-        for (const char* key : {"hex", "", "ihex"}) {
+        for (const char* key : {"hex", "", "intel"}) {
             TFormat format(key, path("s.hex"), 0, 0x100, 0x1FF, 256);
             QVERIFY(format.open(FormatModeWrite));
             QVERIFY(format.write(0x00, QByteArray::fromHex("AABBCC")));

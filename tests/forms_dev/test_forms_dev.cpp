@@ -13,8 +13,10 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QtTest>
 
 #include <memory>
@@ -137,6 +139,8 @@ private slots:
         QCOMPARE(form->getError(), QString("Count: %1").arg(Lang.get(1720).arg("0x01", "0x300")));
     }
 
+    // ATmega328P fuses from its device file: fields named by caption, choices of meanings, every value of
+    // a choice selectable (unnamed ones in hex), each byte in hex beside its heading and in step.
     void fuseFieldsChangeExactlyTheirBits() {
         IDevice* dev = choose("ATmega328P");
         const TData p = command(dev, "fuse_write");
@@ -144,41 +148,77 @@ private slots:
         std::unique_ptr<TFormCmd> form(formOf(dev, p));
         auto* spien = form->findChild<QCheckBox*>("SPIEN");
         auto* bootsz = form->findChild<QComboBox*>("BOOTSZ");
-        auto* sut = form->findChild<QComboBox*>("SUT");
-        QVERIFY(spien && bootsz && sut);
+        auto* clock = form->findChild<QComboBox*>("SUT_CKSEL");
+        auto* low = form->findChild<QLineEdit*>("byte0");
+        auto* high = form->findChild<QLineEdit*>("byte1");
+        auto* lockOut = form->findChild<QLabel*>("lockOut");
+        QVERIFY(spien && bootsz && clock && low && high && lockOut);
         // Programmed fuses read 0: SPIEN (bit 5 of the high fuse) is checked.
         QVERIFY(spien->isChecked());
-        QCOMPARE(sut->currentText(), QString("SUT = 10"));
-        QCOMPARE(bootsz->currentText(), QString("BOOTSZ = 00"));
-        spien->setChecked(false);
-        QCOMPARE(dev->getChangedParam(p).value("data"), QVariant("62F9FF"));
-        spien->setChecked(true);
-        bootsz->setCurrentIndex(3);
+        QCOMPARE(spien->text(), QString("Serial program downloading (SPI) enabled (SPIEN)"));
+        QCOMPARE(clock->currentText(),
+                 QString("Int. RC Osc. 8 MHz; Start-up time PWRDWN/RESET: 6 CK/14 CK + 65 ms"));
+        QCOMPARE(high->text(), QString("D9"));
+        QVERIFY(lockOut->isHidden());
+        bootsz->setCurrentIndex(0);
+        QCOMPARE(bootsz->currentText(), QString("Boot Flash size=256 words start address=$3F00"));
         QCOMPARE(dev->getChangedParam(p).value("data"), QVariant("62DFFF"));
-        sut->setCurrentText("SUT = 01");
-        QCOMPARE(dev->getChangedParam(p).value("data"), QVariant("52DFFF"));
+        QCOMPARE(high->text(), QString("DF"));
+        clock->setCurrentText("0x35");
+        QCOMPARE(dev->getChangedParam(p).value("data"), QVariant("75DFFF"));
+        QCOMPARE(low->text(), QString("75"));
+
+        // The whole byte typed in hex moves the fields; SPIEN unprogrammed is named in red.
+        high->clear();
+        QTest::keyClicks(high, "F9");
+        QVERIFY(!spien->isChecked());
+        QCOMPARE(bootsz->currentIndex(), 3);
+        QCOMPARE(dev->getChangedParam(p).value("data"), QVariant("75F9FF"));
+        QVERIFY(!lockOut->isHidden());
+        QCOMPARE(lockOut->text(), Lang.get(1101).arg("SPIEN"));
+        QCOMPARE(
+            lockOut->text(),
+            QString("SPIEN unprogrammed: serial programming disabled; only a high-voltage programmer can "
+                    "recover the part"));
+
+        // The factory value is one click away.
+        form->findChild<QPushButton*>("factory")->click();
+        QCOMPARE(dev->getChangedParam(p), p);
+        QCOMPARE(high->text(), QString("D9"));
+        QVERIFY(spien->isChecked() && lockOut->isHidden());
     }
 
-    void invertedCheckAndChoiceRoundTrip() {
+    void clockLockOutAndRoundTrip() {
         IDevice* dev = choose("ATmega328P");
         TData p = command(dev, "fuse_verify");
         p.insert("data", "e2d9ff");
         std::unique_ptr<TFormCmd> form(formOf(dev, p));
         auto* ckdiv8 = form->findChild<QCheckBox*>("CKDIV8");
-        auto* cksel = form->findChild<QComboBox*>("CKSEL");
+        auto* clock = form->findChild<QComboBox*>("SUT_CKSEL");
         QVERIFY(!ckdiv8->isChecked());
-        QCOMPARE(cksel->currentText(), QString("CKSEL = 0010"));
+        const QString internal = clock->currentText();
         ckdiv8->setChecked(true);
-        cksel->setCurrentIndex(15);
-        QCOMPARE(dev->getChangedParam(p).value("data"), QVariant("6FD9FF"));
+        clock->setCurrentIndex(clock->count() - 1);
+        QCOMPARE(dev->getChangedParam(p).value("data"), QVariant("40D9FF"));
+        QCOMPARE(form->findChild<QLabel*>("lockOut")->text(),
+                 Lang.get(1104).arg("SUT_CKSEL", clock->currentText()));
         // Back to the bits it had: the record keeps its own spelling.
         ckdiv8->setChecked(false);
-        cksel->setCurrentIndex(2);
+        clock->setCurrentText(internal);
         QCOMPARE(dev->getChangedParam(p), p);
 
         // A read command shows the bytes but does not edit them.
         form.reset(formOf(dev, command(dev, "lock_read")));
         QVERIFY(!form->findChild<QComboBox*>("LB")->isEnabled());
+        QVERIFY(!form->findChild<QPushButton*>("factory"));
+    }
+
+    // A part without a device file keeps one box per bit.
+    void partWithoutDeviceFileKeepsBits() {
+        IDevice* dev = choose("ATmega161");
+        std::unique_ptr<TFormCmd> form(formOf(dev, command(dev, "fuse_write")));
+        QCOMPARE(form->findChildren<QCheckBox*>().size(), 8);
+        QVERIFY(form->findChildren<QComboBox*>().isEmpty());
     }
 
     void spiRegisterForms() {

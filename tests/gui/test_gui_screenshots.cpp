@@ -35,12 +35,12 @@ class TestGuiScreenshots : public QObject {
     }
 
     // The form of a command in its dialog, at the dialog's natural height.
-    void saveForm(IDevice* group, const TData& param, const QString& name) {
+    void saveForm(IDevice* group, const TData& param, const QString& name, int width = 560) {
         QVERIFY(group);
         TDialogCmdParam dlg(group, param);
         QVERIFY2(dlg.hasForm(), qPrintable(name));
         QCOMPARE(dlg.getError(), QString());
-        dlg.resize(560, dlg.sizeHint().height());
+        dlg.resize(width, dlg.sizeHint().height());
         dlg.show();
         save(dlg, name, dlg.size());
     }
@@ -150,6 +150,29 @@ private slots:
         w.closeProject();
     }
 
+    // The programmer check stopped at its pause: the stopped run's tab and status line.
+    void stoppedRun() {
+        SimFixture sim;
+        QVERIFY(sim.start());
+        AppData.progName.clear();
+        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        TMainWindow w;
+        w.resize(1280, 800);
+        w.show();
+        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        const int check = ProjectData.getIdCfgFromNameCfg("Programmer check");
+        QVERIFY(check >= 0);
+        QVERIFY(w.runThread(check));
+        QTRY_VERIFY_WITH_TIMEOUT(w.isPaused(check), 10000);
+        w.stopRun(check);
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
+        QCOMPARE(ProjectData.getCfgStatus(check), CfgStatusStopped);
+        w.cfgTabWidget()->setCurrentWidget(w.cfgView(check));
+        w.cfgView(check)->showLog();
+        save(w, "main_window_stopped", QSize(1280, 800));
+        w.closeProject();
+    }
+
     void settingsPages() {
         TDialogSettings dlg;
         dlg.resize(640, 560);
@@ -172,13 +195,16 @@ private slots:
             saveForm(cmd->getGroupObject(), cmd->getData(), "form_" + code);
         }
         const QList<QPair<QString, QString>> registers = {{"ATmega328P", "fuse_write"},
+                                                          {"ATtiny85", "fuse_write"},
+                                                          {"ATmega2560", "fuse_write"},
                                                           {"W25Q80RV", "status_reg_write"}};
         for (const auto& r : registers) {
             IDevice* dev = catalogueDevice(r.first);
             QVERIFY2(dev, qPrintable(r.first));
             TData p{{"cmd", r.second}};
             dev->getDefaultCmdParam(p);
-            saveForm(dev, p, "form_" + r.second + "_" + r.first);
+            // The fuse choices name clock sources and start-up times at length.
+            saveForm(dev, p, "form_" + r.second + "_" + r.first, r.second == "fuse_write" ? 760 : 560);
         }
         w.closeProject();
     }

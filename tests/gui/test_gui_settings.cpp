@@ -41,6 +41,8 @@ private slots:
         dlg.pageConfirm->quit->setChecked(false);
         dlg.pageConfirm->openLastPrj->setChecked(false);
         dlg.pageConfirm->process->setChecked(false);
+        QVERIFY(dlg.pageConfirm->checkBeforeRun->isChecked()); // on unless the user turns it off
+        dlg.pageConfirm->checkBeforeRun->setChecked(false);
         dlg.pageHotKeys->setKey(6, QKeySequence("F9")); // "Run"
         QCOMPARE(dlg.pageHotKeys->table()->item(6, 0)->text(), Lang.get(9));
         dlg.accept();
@@ -57,6 +59,7 @@ private slots:
         QCOMPARE(s.value("/Confirmation/Quit").toBool(), false);
         QCOMPARE(s.value("/Confirmation/SavePrj").toBool(), true);
         QCOMPARE(s.value("/Confirmation/Process").toBool(), false);
+        QCOMPARE(s.value("/Main/CheckBeforeRun").toBool(), false);
         QCOMPARE(s.value("/HotKeyMain/Run").toString(), QString("F9"));
         QCOMPARE(s.value("/HotKeyMain/Quit").toString(), QString("Ctrl+Q"));
     }

@@ -1,4 +1,5 @@
 #include "app/TAppData.h"
+#include "app/TIcons.h"
 #include "app/TLang.h"
 #include "app/TSettings.h"
 #include "project/TDataCmd.h"
@@ -10,6 +11,7 @@
 
 #include <QAction>
 #include <QElapsedTimer>
+#include <QStatusBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTextEdit>
@@ -181,6 +183,9 @@ private slots:
         QVERIFY(w.runThread(id("B")));
         QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
         QCOMPARE(logText(w, "B").count(Lang.get(391)), 1);
+        // Each run counts on the tab, passed / failed.
+        QCOMPARE(w.cfgTabWidget()->tabText(ProjectData.getPosCfgFromIdCfg(id("B"))),
+                 Lang.get(1307).arg("B").arg(3).arg(0));
     }
 
     void stopEndsALongDelay() {
@@ -194,7 +199,15 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 30000);
         QVERIFY(clock.elapsed() < 30000); // far short of the minute the delay asks for
         QVERIFY(logText(w, "Long").endsWith("\n" + Lang.get(390)));
-        QCOMPARE(ProjectData.getCfgStatus(id("Long")), CfgStatusOk);
+        // A stopped run is no success: a tab icon, a state and a status line of its own.
+        QCOMPARE(ProjectData.getCfgStatus(id("Long")), CfgStatusStopped);
+        const int tab = ProjectData.getPosCfgFromIdCfg(id("Long"));
+        auto image = [](const QIcon& icon) { return icon.pixmap(32).toImage(); };
+        const QImage shown = image(w.cfgTabWidget()->tabIcon(tab));
+        QCOMPARE(shown, image(TIcons::getIcon(AppData.iconsSet, "stopped")));
+        QVERIFY(shown != image(TIcons::getIcon(AppData.iconsSet, "ok")));
+        QCOMPARE(w.statusBar()->currentMessage(), Lang.get(1306).arg("Long"));
+        QCOMPARE(w.cfgTabWidget()->tabText(tab), QString("Long"));
     }
 
     void pauseWaitsForContinue() {

@@ -118,30 +118,49 @@ private slots:
                  (QStringList{"SDA - P1", "SCL - P2", "WP - P3", "P4", "P5", "P6"}));
     }
 
+    // The order of the [Pins] names is the order of the pin states the application sends; the Nano's
+    // firmware keeps its pin table in that order (firmware/pins.c).
+    void nanoDescription() {
+        TProg prog(TARVELIX_DATA_DIR "/progs/arduino-nano.cfg");
+        QCOMPARE(prog.getInterface(), 0x0A10);
+        QCOMPARE(prog.getPinsType(), QString("-IhLHoOZ"));
+        QCOMPARE(prog.getPinsConnect("SPI", 0),
+                 (QStringList{"A2", "A3", "A4", "A5", "D10 - CS", "D11 - MOSI", "D12 - MISO", "D13 - SCK",
+                              "D4", "D5", "D6", "D8 - HOLD", "D9 - WP"}));
+        QCOMPARE(prog.getPinsConnect("MW", 1),
+                 (QStringList{"DO - A2", "A3", "A4", "A5", "D10", "D11", "D12", "D13", "CS - D4", "SK - D5",
+                              "DI - D6", "D8", "D9"}));
+        QVERIFY(prog.supportCmd("fuse_write") && !prog.supportCmd("set_vcc") && !prog.supportCmd("gen"));
+    }
+
     void registriesInTheSettings() {
         const QString ini = dir.filePath("app.ini");
         TSettings::setFileNameIniOverride(ini);
         TAppData data;
         data.loadData();
-        QCOMPARE(data.progType.count(), 1);
+        // The simulator first, then the types of the bridged hardware (tests/bridge) and the Nano.
+        QCOMPARE(data.progType.getTypeFromIndex(0), QString("Simulator"));
         QCOMPARE(data.progType.getFile("Simulator"), QString("sim.cfg"));
-        QCOMPARE(data.progName.getNameList(), QStringList{"Simulator"});
+        QCOMPARE(data.progType.getFile("Arduino Nano"), QString("arduino-nano.cfg"));
+        QCOMPARE(data.progName.getNameList(), (QStringList{"Simulator", "Arduino Nano"}));
         QCOMPARE(data.progName.getData("Simulator").port, QString("/tmp/tarvelix-sim"));
+        QCOMPARE(data.progName.getData("Arduino Nano").type, QString("Arduino Nano"));
+        QVERIFY(QFile::exists(TARVELIX_DATA_DIR "/progs/" + data.progType.getFile("Arduino Nano")));
         data.progName.append(true, "Bench", "/dev/ttyUSB0", "Simulator");
-        data.progDefault = 1;
+        data.progDefault = 2;
         data.saveData();
         {
             TSettings s(ini);
-            QCOMPARE(s.value("/ProgNameList/Name1").toStringList(),
+            QCOMPARE(s.value("/ProgNameList/Name2").toStringList(),
                      (QStringList{"1", "Bench", "/dev/ttyUSB0", "Simulator"}));
             QCOMPARE(s.value("/ProgTypeList/Type0").toStringList(), (QStringList{"Simulator", "sim.cfg"}));
         }
         TAppData again;
         again.loadData();
-        QCOMPARE(again.progName.getNameList(), (QStringList{"Simulator", "Bench"}));
+        QCOMPARE(again.progName.getNameList(), (QStringList{"Simulator", "Arduino Nano", "Bench"}));
         QVERIFY(again.progName.getData("Bench").flag);
         QVERIFY(!again.progName.getDataFromIndex(0).flag);
-        QCOMPARE(again.progDefault, 1);
+        QCOMPARE(again.progDefault, 2);
         // A shorter list replaces the stored one whole.
         again.progName.clear();
         again.progName.append(false, "Only", "/dev/ttyS0", "Simulator");

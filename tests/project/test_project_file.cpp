@@ -168,13 +168,15 @@ private slots:
         QVERIFY(!ctrl.getErrorText().isEmpty());
         QVERIFY(prj.getPrjFileName().isEmpty()); // a failed load does not adopt the file
 
-        // Nothing is escaped on writing: a quote in a name makes a file the reader rejects.
+        // Nothing is escaped on writing: a quote in a name makes a file the reader rejects, so saving
+        // refuses it and leaves the file alone.
         prj.clrPrj();
         prj.newCfg("say \"hi\"", "", -1);
-        const QString quoted = dir.filePath("quote.prj");
-        QVERIFY(ctrl.save(quoted, &prj));
+        const QString quoted = write("quote.prj", TCtrlProject::project_to_data(&prj));
         TDataPrj back;
         QCOMPARE(ctrl.load(quoted, &back), 2);
+        QVERIFY(!ctrl.save(quoted, &prj));
+        QVERIFY(!ctrl.getErrorText().isEmpty());
     }
 
     void mutatedFilesNeverCrash() {
@@ -212,8 +214,14 @@ private slots:
             QVERIFY(r == 0 || r == 2);
             QCOMPARE(r == 2, !ctrl.getErrorText().isEmpty());
             ++counts[r];
-            // Whatever loaded can be saved and loaded again.
-            if (r == 0) QVERIFY(ctrl.save(dir.filePath("fuzz-out.prj"), &loaded));
+            // Whatever loaded is saved so that it loads again, or refused with a reason.
+            if (r != 0) continue;
+            if (ctrl.save(dir.filePath("fuzz-out.prj"), &loaded)) {
+                TDataPrj again;
+                QCOMPARE(ctrl.load(dir.filePath("fuzz-out.prj"), &again), 0);
+            } else {
+                QVERIFY(!ctrl.getErrorText().isEmpty());
+            }
         }
         QVERIFY(counts[0] > 50 && counts[2] > 50);
     }

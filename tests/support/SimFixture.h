@@ -17,11 +17,13 @@ public:
     ~SimFixture() { stop(); }
 
     static QString program() { return QStringLiteral(TARVELIX_BIN_DIR "/tarvelix-progsim"); }
+    // Another programmer on a pseudo-terminal with the simulator's options (the simulated Nano board).
+    void setProgram(const QString& file) { executable = file; }
 
     // Starts the simulator with the given options and waits (at most timeoutMs) until its link exists.
     bool start(const QStringList& options = QStringList(), int timeoutMs = 5000) {
         stop();
-        proc.setProgram(program());
+        proc.setProgram(executable);
         proc.setArguments(QStringList{"--link", link(), "--exit-with-parent"} + options);
         proc.start();
         if (!proc.waitForStarted(timeoutMs)) return false;
@@ -53,4 +55,5 @@ public:
 private:
     QTemporaryDir dir;
     QProcess proc;
+    QString executable = program();
 };

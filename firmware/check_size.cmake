@@ -1,0 +1,20 @@
+# Prints the firmware's flash and RAM use and fails the build when it does not fit the ATmega328P with
+# its bootloader (2 KiB on old Nanos) and room for the stack.
+set(FLASH_LIMIT 30720)
+set(RAM_LIMIT 1792) # of 2048 bytes; the rest is stack
+execute_process(COMMAND "${AVR_SIZE}" -A "${ELF}" OUTPUT_VARIABLE out RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "avr-size failed on ${ELF}")
+endif()
+foreach(section text data bss)
+    set(${section} 0)
+    if(out MATCHES "\\.${section} +([0-9]+)")
+        set(${section} ${CMAKE_MATCH_1})
+    endif()
+endforeach()
+math(EXPR flash "${text} + ${data}")
+math(EXPR ram "${data} + ${bss}")
+message(STATUS "Nano firmware: flash ${flash} of ${FLASH_LIMIT} bytes, RAM ${ram} of ${RAM_LIMIT} bytes")
+if(flash GREATER FLASH_LIMIT OR ram GREATER RAM_LIMIT)
+    message(FATAL_ERROR "The Nano firmware does not fit the ATmega328P")
+endif()

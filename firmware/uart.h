@@ -1,0 +1,16 @@
+/* The serial line: received bytes collect in a ring filled by the receive interrupt. */
+#ifndef UART_H
+#define UART_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+void uart_init(void);
+bool uart_available(void);
+/* Waits at most timeout_ms for a byte; false when none came. */
+bool uart_get(uint8_t* b, uint16_t timeout_ms);
+void uart_put(uint8_t b);
+/* Sleeps until a byte arrives. */
+void uart_wait(void);
+
+#endif

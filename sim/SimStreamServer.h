@@ -1,0 +1,28 @@
+#pragma once
+
+#include "SimOptions.h"
+#include "SimPty.h"
+#include "SimServer.h"
+#include "SimStreamProtocol.h"
+#include "SimTrace.h"
+
+// SimServer for hardware with a byte protocol of its own: the same loop and the faults that make
+// sense without frames (silent, delay, unplug, a wrong first byte on every K-th answer, a refusal of
+// every command with byte CMD).
+class SimStreamServer {
+public:
+    SimStreamServer(const SimOptions& options, SimStreamProtocol& protocol, SimPty& pty, SimTrace& trace);
+
+    using End = SimServer::End;
+    End run(int stopFd);
+
+private:
+    bool answer(const QByteArray& request);
+    bool writeAll(const QByteArray& bytes);
+
+    const SimOptions& options;
+    SimStreamProtocol& protocol;
+    SimPty& pty;
+    SimTrace& trace;
+    int replies = 0;
+};
