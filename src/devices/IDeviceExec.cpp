@@ -65,16 +65,16 @@ bool IDeviceExec::storeData(const QString& hex) {
     return true;
 }
 
-bool IDeviceExec::readSetup(TData& dev, int& maxData) const {
+bool IDeviceExec::readSetup(TData& devParam, int& max) const {
     TLocker lock(ProjectData.getMutex());
     TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
     IDevice* device = cmd ? cmd->getDeviceObject() : nullptr;
     TProg* prog = cmd ? cmd->getProgObject() : nullptr;
     if (!device || !prog) return false;
-    dev = device->getDevParam();
-    unsigned short max = 0;
-    prog->getProtocolSettings(max);
-    maxData = max;
+    devParam = device->getDevParam();
+    unsigned short limit = 0;
+    prog->getProtocolSettings(limit);
+    max = limit;
     return true;
 }
 
@@ -119,6 +119,10 @@ QString differenceHeader(const TData& p) {
 }
 } // namespace
 
+bool IDeviceExec::prepareDevice(TSerialPort& port) {
+    return isOpenPort(port) && readSetup(dev, maxData) && maxData > 0;
+}
+
 bool IDeviceExec::compare(qint64 addr, const QByteArray& expected, const QByteArray& read) {
     for (int i = 0; i < expected.size(); ++i)
         if (i >= read.size() || expected.at(i) != read.at(i)) {
@@ -130,9 +134,16 @@ bool IDeviceExec::compare(qint64 addr, const QByteArray& expected, const QByteAr
     return true;
 }
 
-bool IDeviceExec::checkSignature(const TData& dev, const QString& read) {
-    const QString wanted = TAPP_PARAM(dev, "signature").toString();
-    if (TMiscDev::getByteArrayFromHex(read) == TMiscDev::getByteArrayFromHex(wanted)) return true;
+bool IDeviceExec::failAlg(const QString& err, const char* algKey) {
+    setErrorText(err.isEmpty() ? Lang.get(483).arg(TAPP_PARAM(dev, algKey).toInt()) : err);
+    return false;
+}
+
+bool IDeviceExec::identify(TSerialPort& port) {
+    QString read;
+    if (!execReadSignature(port, read)) return false;
+    const QByteArray expected = TMiscDev::getByteArrayFromHex(TAPP_PARAM(dev, "signature").toString());
+    if (TMiscDev::getByteArrayFromHex(read) == expected) return true;
     const QString devFile =
         TApp::getAbsoluteFile(AppData.getPathDevicesAbs(), TAPP_PARAM(dev, "dev_file").toString());
     const QString names = TSignature::getSignatureDeviceName(QFileInfo(devFile).absolutePath(), read);
@@ -142,8 +153,9 @@ bool IDeviceExec::checkSignature(const TData& dev, const QString& read) {
         TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
         if (IDevice* d = cmd ? cmd->getDeviceObject() : nullptr) device = d->getDeviceCode();
     }
+    // What was expected follows on a line of its own.
     setErrorText(Lang.get(404).arg(read, names) + QLatin1Char('\n') +
-                 Lang.get(TextExpected).arg(wanted.toUpper(), device));
+                 Lang.get(TextExpected).arg(TAPP_PARAM(dev, "signature").toString().toUpper(), device));
     return false;
 }
 
@@ -170,52 +182,4 @@ bool IDeviceExec::forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& 
         if (!each(at, piece)) return false;
         at += piece.size();
     }
-}
-
-bool IDeviceExec::writeFileRange(qint64 chunk, const FilePiece& write) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!openFile(data, FormatModeRead)) return false;
-    int last = -1, counter = 0;
-    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
-        return write(at, piece) && !processGUI(last, counter, at + piece.size(), end);
-    });
-}
-
-bool IDeviceExec::verifyFileRange(qint64 chunk, const PieceReader& read) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!openFile(data, FormatModeRead)) return false;
-    int last = -1, counter = 0;
-    QByteArray got;
-    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
-        return read(at, piece.size(), got) && compare(at, piece, got) &&
-               !processGUI(last, counter, at + piece.size(), end);
-    });
-}
-
-bool IDeviceExec::readFileRange(qint64 chunk, const RangeReader& read) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!openFile(data, FormatModeWrite)) return false;
-    const qint64 start = addr;
-    const bool ok = read(addr, end, [&](qint64 at, const QByteArray& piece) {
-        if (data.write(addrFile + at - start, piece)) return true;
-        setFileError(data);
-        return false;
-    });
-    if (!data.close() && ok) {
-        setFileError(data);
-        return false;
-    }
-    return ok;
 }

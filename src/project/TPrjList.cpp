@@ -125,6 +125,11 @@ QByteArray TSelectPrjList::toData(const QList<TSelectPrjListRow>& rows) {
 }
 
 bool TSelectPrjList::save(const QString& fileName, const QList<TSelectPrjListRow>& rows, QString* error) {
+    for (const TSelectPrjListRow& r : rows)
+        if (!TPrjText::isWritable(r.name) || !TPrjText::isWritable(r.file)) {
+            if (error) *error = Lang.get(1406).arg(r.name);
+            return false;
+        }
     return writeFile(fileName, toData(rows), error);
 }
 

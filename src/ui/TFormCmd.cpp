@@ -5,7 +5,9 @@
 #include "formats/TFormat.h"
 #include "formats/TFormatGuess.h"
 #include "misc/TNumberText.h"
+#include "misc/dev_misc.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjText.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -104,10 +106,10 @@ QString TFormCmd::getError() const {
 // The project file holds values verbatim, so a quote, a backslash or a control character in a value
 // would make the saved file unreadable: such values are refused here, before they reach the model.
 QString TFormCmd::unsafeValue() const {
-    static const QRegularExpression unsafe(QStringLiteral("[\"\\\\\\x00-\\x1F]"));
     const TData p = getParam();
     for (auto it = p.cbegin(); it != p.cend(); ++it) {
-        if (it.value().userType() != QMetaType::QString || !it.value().toString().contains(unsafe)) continue;
+        if (it.value().userType() != QMetaType::QString || TPrjText::isWritable(it.value().toString()))
+            continue;
         QString caption = it.key();
         for (const Field& f : fields) {
             if (f.key == it.key() && !f.caption.isEmpty()) caption = f.caption;

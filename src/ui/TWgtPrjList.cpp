@@ -50,20 +50,32 @@ QTreeWidgetItem* TWgtPrjList::newItem(const QString& name, const QString& file) 
     // Only folders take other entries.
     if (file.isEmpty()) flags |= Qt::ItemIsDropEnabled;
     item->setFlags(flags);
-    item->setIcon(0, style()->standardIcon(file.isEmpty() ? QStyle::SP_DirIcon : QStyle::SP_FileIcon));
+    // Asked of the style once: a lookup per entry is most of the time of showing a long list.
+    if (dirIcon.isNull()) {
+        dirIcon = style()->standardIcon(QStyle::SP_DirIcon);
+        fileIcon = style()->standardIcon(QStyle::SP_FileIcon);
+    }
+    item->setIcon(0, file.isEmpty() ? dirIcon : fileIcon);
     return item;
 }
 
-void TWgtPrjList::addItems(QTreeWidgetItem* parent, const QList<TPrjListItem>& items) {
-    for (const TPrjListItem& entry : items) {
-        QTreeWidgetItem* item = newItem(entry.name, entry.file);
-        if (parent)
-            parent->addChild(item);
-        else
-            addTopLevelItem(item);
-        addItems(item, entry.children);
-        item->setExpanded(entry.expand);
-    }
+QTreeWidgetItem* TWgtPrjList::buildItem(const TPrjListItem& entry, QList<QTreeWidgetItem*>& expanded) {
+    QTreeWidgetItem* item = newItem(entry.name, entry.file);
+    for (const TPrjListItem& child : entry.children)
+        item->addChild(buildItem(child, expanded));
+    if (entry.expand) expanded.append(item);
+    return item;
+}
+
+// The branches are built apart and handed to the tree at once: inserted one by one into a shown tree,
+// every entry would cost a pass over those before it.
+void TWgtPrjList::addItems(const QList<TPrjListItem>& items) {
+    QList<QTreeWidgetItem*> top, expanded;
+    for (const TPrjListItem& entry : items)
+        top.append(buildItem(entry, expanded));
+    addTopLevelItems(top);
+    for (QTreeWidgetItem* item : expanded)
+        item->setExpanded(true);
 }
 
 bool TWgtPrjList::loadPrjList(const QString& file, const QString& name, const QString& current) {
@@ -90,9 +102,10 @@ bool TWgtPrjList::loadPrjList(const QString& file, const QString& name, const QS
         writable = false;
         errorText = Lang.get(1407).arg(listFile, unwritable);
     }
-    addItems(nullptr, tree);
-    for (QTreeWidgetItemIterator it(this); *it; ++it)
-        if (!current.isEmpty() && fileOf(*it) == TApp::getAbsoluteFile(current)) setCurrentItem(*it);
+    addItems(tree);
+    const QString currentFile = current.isEmpty() ? QString() : TApp::getAbsoluteFile(current);
+    for (QTreeWidgetItemIterator it(this); *it && !currentFile.isEmpty(); ++it)
+        if (fileOf(*it) == currentFile) setCurrentItem(*it);
     loading = false;
     if (damaged || !unwritable.isEmpty()) emit signalError(errorText);
     return !damaged;

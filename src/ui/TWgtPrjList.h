@@ -2,6 +2,7 @@
 
 #include "project/TPrjList.h"
 
+#include <QIcon>
 #include <QTreeWidget>
 
 // The project-list tree of the main window: folders and project entries, kept in a list file that is
@@ -43,7 +44,8 @@ private slots:
     void askRename();
 
 private:
-    void addItems(QTreeWidgetItem* parent, const QList<TPrjListItem>& items);
+    void addItems(const QList<TPrjListItem>& items);
+    QTreeWidgetItem* buildItem(const TPrjListItem& entry, QList<QTreeWidgetItem*>& expanded);
     QList<TPrjListItem> readItems(const QTreeWidgetItem* parent) const;
     QTreeWidgetItem* newItem(const QString& name, const QString& file);
     bool acceptText(const QString& text, const QString& refusal);
@@ -55,5 +57,6 @@ private:
     QString listDir() const;
 
     QString listFile, listName, errorText;
+    QIcon dirIcon, fileIcon;
     bool writable = false, loading = false;
 };

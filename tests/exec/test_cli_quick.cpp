@@ -74,6 +74,12 @@ class TestCliQuick : public QObject {
     }
 
     QString end() { return Lang.get(391) + "\n"; }
+    // The result lines of the file commands carry a speed, which no test can fix.
+    static QString withoutResults(const QString& out) {
+        static const QRegularExpression result(QStringLiteral("^\\S.* \\d+ bytes .* in [0-9.]+ s.*\n"),
+                                               QRegularExpression::MultilineOption);
+        return QString(out).remove(result);
+    }
     QString header(const QString& chip) {
         return "Set Prog (Sim)\nTarvelix programmer simulator 1.0\nSet Device (" + chip + ")\n";
     }
@@ -90,8 +96,8 @@ private slots:
         const QString hexFile = dir.filePath("f.hex");
         Result r = run({"--chip", "W25Q80RV", "--erase", "--write", "f.hex", "--verify", "f.hex"});
         QCOMPARE(r.status, 0);
-        QCOMPARE(r.out, header("W25Q80RV") + "Erase\nFile Write (" + hexFile + " (HEX))\nFile Verify (" +
-                            hexFile + " (HEX))\n" + end());
+        QCOMPARE(withoutResults(r.out), header("W25Q80RV") + "Erase\nFile Write (" + hexFile +
+                                            " (HEX))\nFile Verify (" + hexFile + " (HEX))\n" + end());
 
         // A file the chip does not hold fails the run; the chip keeps what was written.
         writeFile("other.bin", QByteArray(0x200, 0x5A));
@@ -142,11 +148,11 @@ private slots:
                         "--fuses", "E2d9fe", "--lock", "FC"});
         QCOMPARE(r.status, 0);
         const QString file = dir.filePath("e.bin");
-        QCOMPARE(r.out, header("ATmega328P") + "EEPROM File Write (" + file +
-                            " (BIN))\nEEPROM File Verify (" + file +
-                            " (BIN))\nFuse Bits Write (E2D9FE)\nFuse Bits Verify (E2D9FE)\n"
-                            "Lock Bits Write (FC)\nLock Bits Verify (FC)\n" +
-                            end());
+        QCOMPARE(withoutResults(r.out), header("ATmega328P") + "EEPROM File Write (" + file +
+                                            " (BIN))\nEEPROM File Verify (" + file +
+                                            " (BIN))\nFuse Bits Write (E2D9FE)\nFuse Bits Verify (E2D9FE)\n"
+                                            "Lock Bits Write (FC)\nLock Bits Verify (FC)\n" +
+                                            end());
         const QByteArray image = chipImage();
         QCOMPARE(image.size(), flash + eeprom + 4);
         QCOMPARE(image.left(flash), QByteArray(flash, char(0xFF)));
@@ -180,7 +186,9 @@ private slots:
         r = run({"--chip", "W25Q80RV", "--read"});
         QCOMPARE(r.status, 2);
         // Nothing of these reached the chip.
-        QCOMPARE(chipImage(), QByteArray(1 << 20, char(0xFF)));
+        const QByteArray image = chipImage();
+        QCOMPARE(image.size(), 1 << 20);
+        QCOMPARE(image.count(char(0xFF)), 1 << 20);
     }
 
     // The fixed texts stay as they are; what the user needs to act on follows on lines of its own.

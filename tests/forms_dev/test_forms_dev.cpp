@@ -139,6 +139,23 @@ private slots:
         QCOMPARE(form->getError(), QString("Count: %1").arg(Lang.get(1720).arg("0x01", "0x300")));
     }
 
+    // Intel HEX is offered beside HEX and BIN, kept as "IHEX" as the others are kept upper case, and
+    // shown under its name in the command list.
+    void fileFormsOfferIntelHex() {
+        IDevice* dev = choose("W25Q32BV");
+        const TData p = command(dev, "file_write");
+        std::unique_ptr<TFormCmd> form(formOf(dev, p));
+        auto* format = form->findChild<QComboBox*>("format");
+        QCOMPARE(format->itemText(format->currentIndex()), QString("HEX"));
+        QCOMPARE(format->itemText(3), QString("Intel HEX"));
+        form->findChild<QLineEdit*>("file")->setText("fw.hex");
+        format->setCurrentIndex(3);
+        const TData changed = dev->getChangedParam(p);
+        QCOMPARE(changed.value("format"), QVariant("IHEX"));
+        QVERIFY(dev->checkCmdParam(changed));
+        QCOMPARE(dev->getViewCmdParam(changed, nullptr).endsWith("fw.hex (Intel HEX)"), true);
+    }
+
     // ATmega328P fuses from its device file: fields named by caption, choices of meanings, every value of
     // a choice selectable (unnamed ones in hex), each byte in hex beside its heading and in step.
     void fuseFieldsChangeExactlyTheirBits() {

@@ -183,6 +183,7 @@ private slots:
             {"process", "file", "make flash", "make flash"},
             {"calc_crc", "fill", "AA", 170},
             {"calc_crc", "format", 0, "hex"},
+            {"calc_crc", "format", 3, "ihex"},
             {"calc_crc", "count", "0x100", 256},
             {"set_prog", "prog", 1, "Bench"},
             {"set_prog", "alt_port", "ttyUSB1 (FTDI FT232R)", "ttyUSB1"},

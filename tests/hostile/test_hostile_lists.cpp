@@ -74,6 +74,12 @@ private slots:
         QCOMPARE(readFile(file), saved);
         QVERIFY(tree.loadPrjList(file));
         QCOMPARE(tree.topLevelItemCount(), 1);
+
+        // The list of lists, whose names are edited in place, is guarded the same way.
+        QString error;
+        QVERIFY(!TSelectPrjList::save(file, {{"Line \"2\"", "l.lst"}}, &error));
+        QCOMPARE(error, Lang.get(1406).arg("Line \"2\""));
+        QCOMPARE(readFile(file), saved);
     }
 
     // The rename dialog of the context menu keeps OK disabled while the name holds a quote.
