@@ -78,6 +78,47 @@ bool IDeviceExec::readSetup(TData& devParam, int& max) const {
     return true;
 }
 
+namespace {
+enum LangId {
+    TextVerifyRange = 1731,
+    TextBlankRange = 1732,
+    TextVerify = 1733,
+    TextFile = 1734,
+    TextExpected = 1735,
+    TextBlank = 1736,
+};
+
+// The device range [begin, end] a read, write or verify command names; false for other commands.
+bool commandRange(const TData& p, qint64& begin, qint64& end) {
+    const QString code = p.value(CTagCmd::cmd).toString();
+    begin = 0;
+    end = -1;
+    int id = 0;
+    if (code.contains(QLatin1String("file_"))) {
+        qint64 addrFile;
+        QString file, format;
+        TMiscDev::getCmdParamRWVFile(p, id, addrFile, begin, end, file, format);
+    } else if (code.contains(QLatin1String("data_"))) {
+        QByteArray data;
+        QString text;
+        TMiscDev::getCmdParamRWVData(p, id, begin, end, data, text);
+    } else if (code.contains(QLatin1String("char_"))) {
+        uchar fill;
+        TMiscDev::getCmdParamRWVChar(p, id, begin, end, fill);
+    }
+    return end >= begin;
+}
+
+// What failed, over which range: the line before the address of the first difference.
+QString differenceHeader(const TData& p) {
+    const bool blank = p.value(CTagCmd::cmd).toString().contains(QLatin1String("test_empty"));
+    qint64 begin, end;
+    if (!commandRange(p, begin, end)) return Lang.get(blank ? TextBlank : TextVerify);
+    auto hex = [](qint64 v) { return QStringLiteral("0x") + TMiscDev::getHexFromInt(v); };
+    return Lang.get(blank ? TextBlankRange : TextVerifyRange).arg(hex(begin), hex(end));
+}
+} // namespace
+
 bool IDeviceExec::prepareDevice(TSerialPort& port) {
     return isOpenPort(port) && readSetup(dev, maxData) && maxData > 0;
 }
@@ -85,7 +126,8 @@ bool IDeviceExec::prepareDevice(TSerialPort& port) {
 bool IDeviceExec::compare(qint64 addr, const QByteArray& expected, const QByteArray& read) {
     for (int i = 0; i < expected.size(); ++i)
         if (i >= read.size() || expected.at(i) != read.at(i)) {
-            setErrorText(TMiscDev::getMsgVerifyError(addr + i, uchar(expected.at(i)),
+            setErrorText(differenceHeader(param) + QLatin1Char('\n') +
+                         TMiscDev::getMsgVerifyError(addr + i, uchar(expected.at(i)),
                                                      i < read.size() ? uchar(read.at(i)) : 0));
             return false;
         }
@@ -105,13 +147,27 @@ bool IDeviceExec::identify(TSerialPort& port) {
     const QString devFile =
         TApp::getAbsoluteFile(AppData.getPathDevicesAbs(), TAPP_PARAM(dev, "dev_file").toString());
     const QString names = TSignature::getSignatureDeviceName(QFileInfo(devFile).absolutePath(), read);
-    setErrorText(Lang.get(404).arg(read, names));
+    QString device;
+    {
+        TLocker lock(ProjectData.getMutex());
+        TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
+        if (IDevice* d = cmd ? cmd->getDeviceObject() : nullptr) device = d->getDeviceCode();
+    }
+    // What was expected follows on a line of its own.
+    setErrorText(Lang.get(404).arg(read, names) + QLatin1Char('\n') +
+                 Lang.get(TextExpected).arg(TAPP_PARAM(dev, "signature").toString().toUpper(), device));
     return false;
+}
+
+void IDeviceExec::setFileError(const TFormat& data) {
+    const QString file =
+        TApp::getAbsoluteFile(ProjectData.getPrjWorkPath(), TAPP_PARAM(param, "file").toString());
+    setErrorText(data.getErrorText() + QLatin1Char('\n') + Lang.get(TextFile).arg(file));
 }
 
 bool IDeviceExec::openFile(TFormat& data, TFormatMode mode) {
     if (data.open(mode)) return true;
-    setErrorText(data.getErrorText());
+    setFileError(data);
     return false;
 }
 
@@ -119,7 +175,7 @@ bool IDeviceExec::forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& 
     for (long long at = addr;;) {
         QByteArray piece;
         if (!data.read(at, piece)) {
-            setErrorText(data.getErrorText());
+            setFileError(data);
             return false;
         }
         if (piece.isEmpty()) return true;

@@ -77,14 +77,18 @@ protected:
     bool readSetup(TData& dev, int& maxData) const;
     // An open port, the device's parameters and a payload limit: where every device command starts.
     bool prepareDevice(TSerialPort& port);
-    // The first byte where read differs from expected (or is missing) becomes the verify error text.
+    // The first byte where read differs from expected (or is missing) becomes the verify error text,
+    // after a line that says what failed over which range of the command.
     bool compare(qint64 addr, const QByteArray& expected, const QByteArray& read);
     // After a packet builder failed: its text, or, when it sent nothing, the algorithm that the device
     // needs and this program does not have (the number is the device parameter algKey).
     bool failAlg(const QString& err, const char* algKey);
     // Reads the identification (execReadSignature) and compares it with the catalogue's signature; a
-    // difference names the devices that have the signature read.
+    // difference names the devices that have the signature read and, on a line of its own, what was
+    // expected.
     bool identify(TSerialPort& port);
+    // A data file's error, with the file's path on a line of its own.
+    void setFileError(const TFormat& data);
 
     // The data file of a file command; a failure to open it becomes the error text.
     bool openFile(TFormat& data, TFormatMode mode);

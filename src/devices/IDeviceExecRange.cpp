@@ -168,7 +168,7 @@ bool IDeviceExec::writeFile(const TMemorySpace& space) {
         return !progress(space, last, counter, at + piece.size(), end);
     });
     if (!ok) return false;
-    if (!data.close()) return setErrorText(data.getErrorText()), false;
+    if (!data.close()) return setFileError(data), false;
     report(done, TRangeReport::Written, file, format);
     return true;
 }
@@ -189,7 +189,7 @@ bool IDeviceExec::verifyFile(const TMemorySpace& space) {
         return !progress(space, last, counter, at + piece.size(), end);
     });
     if (!ok) return false;
-    if (!data.close()) return setErrorText(data.getErrorText()), false;
+    if (!data.close()) return setFileError(data), false;
     report(done, TRangeReport::Verified, file, format);
     return true;
 }
@@ -209,12 +209,12 @@ bool IDeviceExec::readFile(const TMemorySpace& space) {
     bool ok = openFile(data, FormatModeWrite) &&
               readRange(space, addr, end, [&](qint64 at, const QByteArray& piece) {
                   if (!data.write(addrFile + at - start, piece))
-                      return setErrorText(data.getErrorText()), false;
+                      return setFileError(data), false;
                   done.add(at, piece.size());
                   return true;
               });
     const bool closed = data.close();
-    if (ok && !closed) setErrorText(data.getErrorText());
+    if (ok && !closed) setFileError(data);
     ok = ok && closed;
     if (ok && !aside.commit()) ok = (setErrorText(aside.getErrorText()), false);
     if (!ok) {

@@ -224,7 +224,7 @@ bool TDevToolsExec::execCalcCRC() {
         long long pos = at;
         QByteArray bytes;
         if (!data.read(pos, bytes)) {
-            setErrorText(data.getErrorText());
+            setFileError(data);
             return false;
         }
         if (bytes.isEmpty() || pos >= end) {

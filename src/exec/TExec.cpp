@@ -166,6 +166,7 @@ void TExec::slotStart() {
     if (!result && error.isEmpty() && exec) error = exec->getErrorText();
 
     const bool timeout = port.isTimeOut();
+    if (!result) error = withPort(port, error, timeout);
     bool verdict = result;
     if (!isLeave && exec && port.isOpen() && !timeout) {
         TDevProgExec prog{TData()};
@@ -187,6 +188,16 @@ void TExec::slotStart() {
     delete exec;
     TThreadSync::emitBlocking([&] { emit signalStatusFromCmd(idCfg, result); });
     emit signalFinished();
+}
+
+// A failure of the link itself (no port, no answer, a pulled cable) names the port on a line of its own;
+// an error the programmer answered with does not need it.
+QString TExec::withPort(const TSerialPort& port, const QString& error, bool timeout) {
+    const QString name = port.getPortName();
+    if (name.isEmpty() || error.isEmpty() || !(timeout || (!port.isOpen() && error == port.getErrorText())))
+        return error;
+    const QString path = name.startsWith(QLatin1Char('/')) ? name : QStringLiteral("/dev/") + name;
+    return error + QLatin1Char('\n') + Lang.get(1730).arg(path);
 }
 
 void TExec::relayEventText(TCodeExec code, QString text, QString param) {

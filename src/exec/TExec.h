@@ -52,6 +52,7 @@ private:
     bool leaveProgrammer(TSerialPort& port);
     bool checkCommand(TRunCheck& check, const TData& data, QString& error);
     void connectExec(IDeviceExec* exec, const QString& code);
+    static QString withPort(const TSerialPort& port, const QString& error, bool timeout);
 
     const int idCfg;
     // Taken from the settings when the run is made, in the interface thread.
