@@ -92,7 +92,7 @@ private slots:
         QVERIFY2(w.output.contains(Lang.get(388).arg(CmdCode.getName(code))), qPrintable(w.output));
         // Nothing but the programmer's own packets went out: no device command reached the chip.
         const QStringList frames = WorkerFixture::requests(sim.path("trace.txt"));
-        QVERIFY(frames.size() > seenFrames);
+        QVERIFY(frames.size() >= seenFrames); // checked before running, not even the programmer is opened
         for (const QString& frame : frames.mid(seenFrames))
             QVERIFY2(frame.split(' ').value(1).toInt(nullptr, 16) > 4, qPrintable(frame));
         seenFrames = frames.size();
