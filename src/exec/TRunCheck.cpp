@@ -9,8 +9,10 @@
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
+#include "project/TCmdProblem.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjText.h"
 
 #include <QFileInfo>
 
@@ -60,7 +62,8 @@ bool TRunCheck::readsFile(const TData& data, FileUse& use) {
     use.addrFile = use.addrDevice = data.value(addr).toLongLong();
     // A count of 0 sums the file from addr to its end.
     const qint64 n = data.value(count).toLongLong();
-    use.last = n > 0 ? use.addrDevice + n - 1 : std::numeric_limits<qint32>::max() + use.addrDevice;
+    use.last =
+        TMiscDev::getLastAddr(use.addrDevice, n > 0 ? n : std::numeric_limits<qint32>::max() + qint64(1));
     return true;
 }
 
@@ -112,7 +115,9 @@ TRunCheck::Item TRunCheck::describe(TDataCmd* cmd, int pos, int cfg) const {
     item.idCmd = cmd->getUIN();
     item.where = Lang.get(text_where).arg(pos + 1).arg(name, ProjectData.getNameCfgFromIdCfg(cfg));
     if (!group || !cmd->getValidDev()) {
-        item.invalid = Lang.get(387).arg(name);
+        item.invalid = group ? TCmdProblem::get(name, data) : Lang.get(387).arg(name);
+    } else if (!TPrjText::findUnwritableKey(data).isEmpty()) {
+        item.invalid = TPrjText::getInvalidParamText(name, data);
     } else if (!cmd->getValidParam()) {
         const QString key = wrongParam(group, data);
         item.invalid =
