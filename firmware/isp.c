@@ -160,8 +160,9 @@ static void single_instruction(const request_t* r) {
     if (i[0] == I_EXTENDED_ADDRESS) echo[3] = i[2];
     if (r->data[0] == WAIT_POLL) {
         if (!busy_wait(target_ready, POLL_TIMEOUT_MS)) return reply_error(ERR_BUSY);
-    } else {
-        delay_ms(r->data[0]);
+    } else if (r->data[0]) {
+        /* The catalogue's write times are cut to whole milliseconds (4.5 ms travels as 4). */
+        delay_ms((uint16_t)(r->data[0] + 1));
     }
     reply_begin(PKT_7, 4);
     for (uint8_t k = 0; k < 4; ++k)

@@ -1,4 +1,4 @@
-/* The serial line: received bytes collect in a ring filled by the receive interrupt. */
+/* The serial line, polled; the receive interrupt wakes the processor from its sleep. */
 #ifndef UART_H
 #define UART_H
 

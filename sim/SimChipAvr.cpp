@@ -22,6 +22,8 @@ QByteArray hexBytes(const QVariant& v) {
 // EESAVE, where the megaAVR parts keep it: high fuse bit 3, programmed when 0.
 constexpr unsigned char eesaveBit = 0x08;
 constexpr unsigned char waitPoll = 0xFF;
+// Poll RDY/BSY: every part answers it, bit 0 of the last byte set while a write is still going on.
+constexpr unsigned char pollReady = 0xF0;
 
 // The fuse byte (low, high, extended) each fuse instruction reaches; parts with one fuse byte call it
 // "fuse".
@@ -175,13 +177,20 @@ void SimChipAvr::writeTime(const QString& name, unsigned char wait) {
     if (!timing || needUs <= 0) return;
     const int waitUs = wait == waitPoll ? needUs : wait * 1000;
     busy = waitUs < needUs;
+    writeStart.start();
+    writeUs = needUs;
     QThread::usleep(ulong(waitUs));
 }
 
 SimReply SimChipAvr::instruction(const QByteArray& data) {
     if (data.size() != 5) return SimReply::fail(ErrLength);
-    if (!programming || takeBusy()) return SimReply::ok(QByteArray(4, char(0xFF)));
     const auto b = [&](int i) { return static_cast<unsigned char>(data.at(1 + i)); };
+    if (programming && b(0) == pollReady && b(1) == 0x00) {
+        const bool writing = busy && writeStart.nsecsElapsed() < qint64(writeUs) * 1000;
+        busy = writing;
+        return SimReply::ok(QByteArray(1, '\0') + char(b(0)) + char(b(1)) + char(writing ? 1 : 0));
+    }
+    if (!programming || takeBusy()) return SimReply::ok(QByteArray(4, char(0xFF)));
     const quint32 instr = quint32(b(0)) << 24 | quint32(b(1)) << 16 | quint32(b(2)) << 8 | b(3);
     QByteArray reply(4, 0);
     reply[1] = char(b(0));

@@ -58,6 +58,8 @@ private:
     QVariantMap params;
     bool timing;
     bool busy = false; // the last write outlasted the programmer's wait
+    QElapsedTimer writeStart;
+    int writeUs = 0;
     bool programming = false;
     int extended = 0; // upper byte-address bits set by the extended address instruction
 };

@@ -24,7 +24,7 @@ QString SimOptions::usage() {
            "       [--image FILE] [--trace FILE] [--interface N] [--noise N] [--corrupt K]\n"
            "       [--silent-after K] [--delay-ms D] [--error CMD:CODE]... [--unplug-after K]\n"
            "       [--exit-with-parent] [--pins N] [--timing on|off] [--write-cycle MS]\n"
-           "       [--protocol native|serprog|stk500v1]\n";
+           "       [--protocol native|serprog|stk500v1|buspirate]\n";
 }
 
 bool SimOptions::parse(const QStringList& args, QString& error) {

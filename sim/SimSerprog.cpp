@@ -24,11 +24,6 @@ const unsigned char offered[] = {Nop,     QIface,     QCmdMap,  QPgmName, QSerBu
 const unsigned char busSpi = 0x08;
 const int serialBuffer = 4096;
 
-// Opcodes that need no write enable: write enable and disable, volatile status enable, resets, power.
-bool needsWriteEnable(unsigned char op) {
-    return op != 0x06 && op != 0x04 && op != 0x50 && op != 0x66 && op != 0x99 && op != 0xB9 && op != 0xAB;
-}
-
 int u24(const QByteArray& d, int at) {
     return uchar(d.at(at)) | uchar(d.at(at + 1)) << 8 | uchar(d.at(at + 2)) << 16;
 }
@@ -58,9 +53,7 @@ int parameterSize(unsigned char op) {
 }
 } // namespace
 
-SimSerprog::SimSerprog(SimSocket& s) : socket(s) {
-    socket.select(QByteArray());
-}
+SimSerprog::SimSerprog(SimSocket& s) : socket(s), bus(s) {}
 
 QByteArray SimSerprog::commandMap() {
     QByteArray map(32, '\0');
@@ -128,28 +121,8 @@ QByteArray SimSerprog::setFreq(const QByteArray& request) {
     return QByteArray(1, ack) + le(actual, 4);
 }
 
-// Reads go to the socket as read transactions, the rest as write transactions; the status register
-// shows the write enable latch that this firmware keeps.
 QByteArray SimSerprog::spiOp(const QByteArray& request) {
     const int sent = u24(request, 1), count = u24(request, 4);
-    const QByteArray tx = request.mid(7, sent);
     if (sent > writeMax || count > readMax) return refusal(request);
-    if (tx.isEmpty()) return QByteArray(1, ack) + QByteArray(count, char(0xFF));
-    const unsigned char op = uchar(tx.at(0));
-    if (count > 0) {
-        const SimReply r = socket.request(3, le(count, 2) + tx);
-        QByteArray data = r.isError ? QByteArray(count, char(0xFF)) : r.data;
-        if (op == 0x05 && writeEnabled)
-            for (char& c : data)
-                c = char(c | 0x02);
-        return QByteArray(1, ack) + data;
-    }
-    if (op == 0x06 || op == 0x04) {
-        writeEnabled = op == 0x06;
-        return QByteArray(1, ack);
-    }
-    if (needsWriteEnable(op) && !writeEnabled) return QByteArray(1, ack);
-    socket.request(4, tx);
-    writeEnabled = false;
-    return QByteArray(1, ack);
+    return QByteArray(1, ack) + bus.transfer(request.mid(7, sent), count);
 }

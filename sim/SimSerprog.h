@@ -1,11 +1,11 @@
 #pragma once
 
 #include "SimSocket.h"
+#include "SimSpiBus.h"
 #include "SimStreamProtocol.h"
 
 // A serprog programmer (as pico-serprog is) with an SPI flash in its socket: interface version 1,
-// bus type SPI, O_SPIOP. It keeps the write enable latch itself, so a write without write enable
-// before it changes nothing, as on the chip.
+// bus type SPI, O_SPIOP.
 class SimSerprog : public SimStreamProtocol {
 public:
     explicit SimSerprog(SimSocket& socket);
@@ -24,5 +24,5 @@ private:
     static QByteArray commandMap();
 
     SimSocket& socket;
-    bool writeEnabled = false;
+    SimSpiBus bus;
 };

@@ -3,7 +3,7 @@
 # Usage: tools/deps.sh [extra package ...]
 set -euo pipefail
 pkgs=(cmake g++ make qtbase5-dev qtbase5-dev-tools libqt5serialport5-dev python3 srecord python3-intelhex
-      gcc-avr avr-libc binutils-avr libsimavr-dev "$@")
+      gcc-avr avr-libc binutils-avr libsimavr-dev flashrom avrdude "$@")
 missing=()
 for p in "${pkgs[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -167,11 +167,18 @@ QDialogButtonBox* TApp::createOkCancel(QDialog* dialog, QPushButton** ok) {
     return buttons;
 }
 
+// A red that reads well on the dialog's own background, light or dark.
+QColor TApp::getErrorColorReadable(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() >= 128 ? QColor(0xB0, 0x10, 0x10)
+                                                              : QColor(0xFF, 0x8A, 0x80);
+}
+
 QLabel* TApp::createErrorLabel(QWidget* parent) {
     auto* label = new QLabel(parent);
+    label->setObjectName(QStringLiteral("error"));
     label->setWordWrap(true);
     QPalette pal = label->palette();
-    pal.setColor(QPalette::WindowText, getErrorColorText());
+    pal.setColor(QPalette::WindowText, getErrorColorReadable(pal));
     label->setPalette(pal);
     return label;
 }

@@ -8,6 +8,7 @@
 class QDialog;
 class QDialogButtonBox;
 class QLabel;
+class QPalette;
 class QPushButton;
 class QWidget;
 
@@ -37,6 +38,7 @@ public:
     static QColor getSystemColorBackground();
     static QColor getSystemColorButton();
     static QColor getErrorColorText();
+    static QColor getErrorColorReadable(const QPalette& palette);
     static QColor getErrorColorBackground();
 
     static void setWindowGeometryMain(QWidget* wgt, int left, int top, int width, int height);

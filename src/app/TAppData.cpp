@@ -100,6 +100,7 @@ void TAppData::loadData() {
     confirmSavePrj = s.value("/Confirmation/SavePrj", true).toBool();
     confirmProcess = s.value("/Confirmation/Process", true).toBool();
     checkBeforeRun = s.value("/Main/CheckBeforeRun", true).toBool();
+    logDir = s.value("/Main/LogDir", QString()).toString();
     loadProgs(s);
 }
 
@@ -180,6 +181,7 @@ void TAppData::saveData() const {
     s.setValue("/Confirmation/SavePrj", confirmSavePrj);
     s.setValue("/Confirmation/Process", confirmProcess);
     s.setValue("/Main/CheckBeforeRun", checkBeforeRun);
+    s.setValue("/Main/LogDir", logDir);
     saveProgs(s);
     s.sync();
 }

@@ -50,6 +50,7 @@ public:
 
     // Whether a run checks its commands and data files before the first command is sent.
     bool checkBeforeRun = true;
+    QString logDir; // the run journal's folder; empty: none
 
     // Programmer registries and the index of the default programmer.
     TProgType progType;

@@ -4,6 +4,7 @@
 #include "app/TLang.h"
 #include "app/TSettings.h"
 #include "app/TTypes.h"
+#include "exec/TQuickRun.h"
 #include "exec/TRunner.h"
 #include "ui/TMainWindow.h"
 
@@ -37,6 +38,31 @@ void applyFonts() {
     if (AppData.fontMonoSize == 0) AppData.fontMonoSize = font.pointSize();
 }
 
+// The one-line chip operations; their order on the command line is read by TQuickRun itself.
+void addQuickOptions(QCommandLineParser& parser) {
+    const auto add = [&](const char* name, const char* help, const char* value = nullptr) {
+        parser.addOption(value ? QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(help),
+                                                    QString::fromLatin1(value))
+                               : QCommandLineOption(QString::fromLatin1(name), QString::fromLatin1(help)));
+    };
+    add("prog", "Programmer for a one-line operation (default: the default programmer).", "NAME");
+    add("chip", "Chip for a one-line operation, or \"auto\" to detect it.", "PART");
+    add("detect", "Read the chip's identification and compare it.");
+    add("erase", "Erase the chip.");
+    add("write", "Write FILE into the chip's memory.", "FILE");
+    add("verify", "Compare the chip's memory with FILE.", "FILE");
+    add("read", "Read the chip's memory into FILE.", "FILE");
+    add("format", "Data file format: bin, hex or ihex (default: from the file's contents or extension).",
+        "FORMAT");
+    add("memory", "Memory of the file options: flash (default) or eeprom.", "MEMORY");
+    add("fuses", "Write and verify the fuse bytes, as hex digits.", "HEX");
+    add("lock", "Write and verify the lock byte, as hex digits.", "HEX");
+    add("vcc", "Supply voltage to set before the operations.", "VOLTS");
+    add("list-chips", "List the chips of the catalogue whose name matches the optional PATTERN.");
+    add("list-progs", "List the programmers that are set up.");
+    add("log-dir", "Append every run's log and one JSON line to files in DIR.", "DIR");
+}
+
 struct Options {
     QCommandLineOption settings{QStringLiteral("settings"), QStringLiteral("Use FILE as the settings file."),
                                 QStringLiteral("FILE")};
@@ -68,6 +94,7 @@ struct Options {
         parser.addHelpOption();
         parser.addVersionOption();
         parser.addOptions({settings, run, config, save, pauses, process, lockOut, list, noCheck});
+        addQuickOptions(parser);
         parser.addPositionalArgument(QStringLiteral("project"),
                                      QStringLiteral("Project file to open in the window."),
                                      QStringLiteral("[PROJECT.prj]"));
@@ -90,7 +117,10 @@ int main(int argc, char** argv) {
     QCommandLineParser parser;
     options.addTo(parser);
     const bool parsed = parser.parse(argumentList(argc, argv));
-    const bool console = !parsed || parser.isSet(options.run) || parser.isSet(options.list) ||
+    const bool quick = TQuickRun::wanted(argumentList(argc, argv)) ||
+                       parser.isSet(QStringLiteral("list-chips")) ||
+                       parser.isSet(QStringLiteral("list-progs"));
+    const bool console = !parsed || quick || parser.isSet(options.run) || parser.isSet(options.list) ||
                          parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all")) ||
                          parser.isSet(QStringLiteral("version"));
     std::unique_ptr<QCoreApplication> app(console ? new QCoreApplication(argc, argv)
@@ -121,8 +151,25 @@ int main(int argc, char** argv) {
 
     AppData.loadData();
     Lang.loadData(AppData.getLanguageFileAbs());
+    // For this process only: the settings file keeps its folder.
+    if (parser.isSet(QStringLiteral("log-dir")))
+        AppData.logDir = absolute(parser.value(QStringLiteral("log-dir")));
 
     if (parser.isSet(options.list)) return TRunner().list(absolute(parser.value(options.list)));
+    if (parser.isSet(QStringLiteral("list-chips")))
+        return TQuickRun().listChips(parser.positionalArguments().value(0));
+    if (parser.isSet(QStringLiteral("list-progs"))) return TQuickRun().listProgs();
+    if (quick) {
+        TQuickRun::Options opt;
+        QString error;
+        if (!TQuickRun::parse(app->arguments(), opt, error)) {
+            std::fprintf(stderr, "%s\n", qPrintable(error));
+            return TRunner::ExitUsage;
+        }
+        if (parser.isSet(options.noCheck)) AppData.checkBeforeRun = false;
+        opt.allowLockout = parser.isSet(options.lockOut);
+        return TQuickRun().run(opt, startDir.absolutePath());
+    }
     if (parser.isSet(options.run)) {
         TRunner::Options opt;
         opt.project = absolute(parser.value(options.run));

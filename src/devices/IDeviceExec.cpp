@@ -1,8 +1,10 @@
 #include "devices/IDeviceExec.h"
 
 #include "app/TApp.h"
+#include "app/TAppData.h"
 #include "app/TLang.h"
 #include "devices/IDevice.h"
+#include "devices/TSignature.h"
 #include "formats/TFormat.h"
 #include "link/TProg.h"
 #include "link/TSerialPort.h"
@@ -12,6 +14,7 @@
 #include "project/TDataPrj.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 IDeviceExec::IDeviceExec(const TData& p, QObject* parent) : QObject(parent), param(p) {}
 
@@ -62,32 +65,109 @@ bool IDeviceExec::storeData(const QString& hex) {
     return true;
 }
 
-bool IDeviceExec::readSetup(TData& dev, int& maxData) const {
+bool IDeviceExec::readSetup(TData& devParam, int& max) const {
     TLocker lock(ProjectData.getMutex());
     TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
     IDevice* device = cmd ? cmd->getDeviceObject() : nullptr;
     TProg* prog = cmd ? cmd->getProgObject() : nullptr;
     if (!device || !prog) return false;
-    dev = device->getDevParam();
-    unsigned short max = 0;
-    prog->getProtocolSettings(max);
-    maxData = max;
+    devParam = device->getDevParam();
+    unsigned short limit = 0;
+    prog->getProtocolSettings(limit);
+    max = limit;
     return true;
+}
+
+namespace {
+enum LangId {
+    TextVerifyRange = 1731,
+    TextBlankRange = 1732,
+    TextVerify = 1733,
+    TextFile = 1734,
+    TextExpected = 1735,
+    TextBlank = 1736,
+};
+
+// The device range [begin, end] a read, write or verify command names; false for other commands.
+bool commandRange(const TData& p, qint64& begin, qint64& end) {
+    const QString code = p.value(CTagCmd::cmd).toString();
+    begin = 0;
+    end = -1;
+    int id = 0;
+    if (code.contains(QLatin1String("file_"))) {
+        qint64 addrFile;
+        QString file, format;
+        TMiscDev::getCmdParamRWVFile(p, id, addrFile, begin, end, file, format);
+    } else if (code.contains(QLatin1String("data_"))) {
+        QByteArray data;
+        QString text;
+        TMiscDev::getCmdParamRWVData(p, id, begin, end, data, text);
+    } else if (code.contains(QLatin1String("char_"))) {
+        uchar fill;
+        TMiscDev::getCmdParamRWVChar(p, id, begin, end, fill);
+    }
+    return end >= begin;
+}
+
+// What failed, over which range: the line before the address of the first difference.
+QString differenceHeader(const TData& p) {
+    const bool blank = p.value(CTagCmd::cmd).toString().contains(QLatin1String("test_empty"));
+    qint64 begin, end;
+    if (!commandRange(p, begin, end)) return Lang.get(blank ? TextBlank : TextVerify);
+    auto hex = [](qint64 v) { return QStringLiteral("0x") + TMiscDev::getHexFromInt(v); };
+    return Lang.get(blank ? TextBlankRange : TextVerifyRange).arg(hex(begin), hex(end));
+}
+} // namespace
+
+bool IDeviceExec::prepareDevice(TSerialPort& port) {
+    return isOpenPort(port) && readSetup(dev, maxData) && maxData > 0;
 }
 
 bool IDeviceExec::compare(qint64 addr, const QByteArray& expected, const QByteArray& read) {
     for (int i = 0; i < expected.size(); ++i)
         if (i >= read.size() || expected.at(i) != read.at(i)) {
-            setErrorText(TMiscDev::getMsgVerifyError(addr + i, uchar(expected.at(i)),
+            setErrorText(differenceHeader(param) + QLatin1Char('\n') +
+                         TMiscDev::getMsgVerifyError(addr + i, uchar(expected.at(i)),
                                                      i < read.size() ? uchar(read.at(i)) : 0));
             return false;
         }
     return true;
 }
 
+bool IDeviceExec::failAlg(const QString& err, const char* algKey) {
+    setErrorText(err.isEmpty() ? Lang.get(483).arg(TAPP_PARAM(dev, algKey).toInt()) : err);
+    return false;
+}
+
+bool IDeviceExec::identify(TSerialPort& port) {
+    QString read;
+    if (!execReadSignature(port, read)) return false;
+    const QByteArray expected = TMiscDev::getByteArrayFromHex(TAPP_PARAM(dev, "signature").toString());
+    if (TMiscDev::getByteArrayFromHex(read) == expected) return true;
+    const QString devFile =
+        TApp::getAbsoluteFile(AppData.getPathDevicesAbs(), TAPP_PARAM(dev, "dev_file").toString());
+    const QString names = TSignature::getSignatureDeviceName(QFileInfo(devFile).absolutePath(), read);
+    QString device;
+    {
+        TLocker lock(ProjectData.getMutex());
+        TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
+        if (IDevice* d = cmd ? cmd->getDeviceObject() : nullptr) device = d->getDeviceCode();
+    }
+    // What was expected follows on a line of its own.
+    setErrorText(Lang.get(404).arg(read, names) + QLatin1Char('\n') +
+                 Lang.get(TextExpected).arg(TAPP_PARAM(dev, "signature").toString().toUpper(), device));
+    return false;
+}
+
+void IDeviceExec::setFileError(const TFormat& data) {
+    const QString file =
+        TApp::getAbsoluteFile(ProjectData.getPrjWorkPath(), TAPP_PARAM(param, "file").toString());
+    setErrorText(data.getErrorText() + QLatin1Char('\n') + Lang.get(TextFile).arg(file));
+}
+
 bool IDeviceExec::openFile(TFormat& data, TFormatMode mode) {
     if (data.open(mode)) return true;
-    setErrorText(data.getErrorText());
+    setFileError(data);
     return false;
 }
 
@@ -95,59 +175,11 @@ bool IDeviceExec::forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& 
     for (long long at = addr;;) {
         QByteArray piece;
         if (!data.read(at, piece)) {
-            setErrorText(data.getErrorText());
+            setFileError(data);
             return false;
         }
         if (piece.isEmpty()) return true;
         if (!each(at, piece)) return false;
         at += piece.size();
     }
-}
-
-bool IDeviceExec::writeFileRange(qint64 chunk, const FilePiece& write) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!openFile(data, FormatModeRead)) return false;
-    int last = -1, counter = 0;
-    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
-        return write(at, piece) && !processGUI(last, counter, at + piece.size(), end);
-    });
-}
-
-bool IDeviceExec::verifyFileRange(qint64 chunk, const PieceReader& read) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!openFile(data, FormatModeRead)) return false;
-    int last = -1, counter = 0;
-    QByteArray got;
-    return forEachFilePiece(data, addr, [&](qint64 at, const QByteArray& piece) {
-        return read(at, piece.size(), got) && compare(at, piece, got) &&
-               !processGUI(last, counter, at + piece.size(), end);
-    });
-}
-
-bool IDeviceExec::readFileRange(qint64 chunk, const RangeReader& read) {
-    int id;
-    qint64 addrFile, addr, end;
-    QString file, format;
-    TMiscDev::getCmdParamRWVFile(param, id, addrFile, addr, end, file, format);
-    TFormat data(format, file, addrFile, addr, end, chunk);
-    if (!openFile(data, FormatModeWrite)) return false;
-    const qint64 start = addr;
-    const bool ok = read(addr, end, [&](qint64 at, const QByteArray& piece) {
-        if (data.write(addrFile + at - start, piece)) return true;
-        setErrorText(data.getErrorText());
-        return false;
-    });
-    if (!data.close() && ok) {
-        setErrorText(data.getErrorText());
-        return false;
-    }
-    return ok;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "app/TTypes.h"
+#include "devices/TCmdTable.h"
+#include "devices/TMemorySpace.h"
 #include "formats/IFormat.h"
 
 #include <QObject>
@@ -9,9 +11,14 @@
 #include <functional>
 
 class TFormat;
+class TRangeReport;
 class TSerialPort;
 
 // The executing face of a command family: made for one command, run in the worker's thread.
+//
+// It also holds the one range engine of the families: write, verify and read of a range, of a
+// command's characters, literal data or file, over a memory space that the family describes
+// (TMemorySpace), with progress, stop, verify and failure texts and the result line.
 class IDeviceExec : public QObject {
     Q_OBJECT
 public:
@@ -42,6 +49,20 @@ public slots:
     void slotPauseReset() { pause = false; }
 
 protected:
+    // The read, write and verify commands over a range.
+    enum class RangeCmd {
+        WriteChar,
+        VerifyChar,
+        WriteData,
+        VerifyData,
+        ReadData,
+        WriteFile,
+        VerifyFile,
+        ReadFile
+    };
+    using Source = std::function<QByteArray(qint64 addr, int len)>;
+    using Sink = std::function<bool(qint64 addr, const QByteArray& data)>;
+
     bool isStop() const { return stop; }
     // Progress after a chunk: a changed percentage is sent, and the thread's events are processed now and
     // then, so that a stop request arrives. Returns whether the user asked to stop.
@@ -54,8 +75,20 @@ protected:
     // The catalogue parameters of the command's device and the programmer's largest payload; false when
     // the command has lost its device or its programmer.
     bool readSetup(TData& dev, int& maxData) const;
-    // The first byte where read differs from expected (or is missing) becomes the verify error text.
+    // An open port, the device's parameters and a payload limit: where every device command starts.
+    bool prepareDevice(TSerialPort& port);
+    // The first byte where read differs from expected (or is missing) becomes the verify error text,
+    // after a line that says what failed over which range of the command.
     bool compare(qint64 addr, const QByteArray& expected, const QByteArray& read);
+    // After a packet builder failed: its text, or, when it sent nothing, the algorithm that the device
+    // needs and this program does not have (the number is the device parameter algKey).
+    bool failAlg(const QString& err, const char* algKey);
+    // Reads the identification (execReadSignature) and compares it with the catalogue's signature; a
+    // difference names the devices that have the signature read and, on a line of its own, what was
+    // expected.
+    bool identify(TSerialPort& port);
+    // A data file's error, with the file's path on a line of its own.
+    void setFileError(const TFormat& data);
 
     // The data file of a file command; a failure to open it becomes the error text.
     bool openFile(TFormat& data, TFormatMode mode);
@@ -65,17 +98,37 @@ protected:
     using FilePiece = std::function<bool(qint64 addr, const QByteArray& piece)>;
     bool forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& each);
 
-    // The file commands (write, verify, read) over the command's file and device range, with progress
-    // through processGUI. The family gives the piece size the file works in and how a piece goes to the
-    // chip, comes from it, or how a range is read.
-    using PieceReader = std::function<bool(qint64 addr, int len, QByteArray& out)>;
-    using RangeReader = std::function<bool(qint64 addr, qint64 end, const FilePiece& sink)>;
-    bool writeFileRange(qint64 chunk, const FilePiece& write);
-    bool verifyFileRange(qint64 chunk, const PieceReader& read);
-    bool readFileRange(qint64 chunk, const RangeReader& read);
+    // ---- the range engine ----
+    // The range command of a row of a family's command table; false for the kinds that are none.
+    static bool rangeCmdOf(const TCmdRow& row, RangeCmd& cmd);
+    // One of the commands above over the command's parameters, with its result line.
+    bool runRange(const TMemorySpace& space, RangeCmd cmd);
+    // Loops over [addr, end] in the space's chunks; a piece written, checked or read goes into report.
+    bool writeRange(const TMemorySpace& space, qint64 addr, qint64 end, const Source& source,
+                    TRangeReport* report = nullptr);
+    bool verifyRange(const TMemorySpace& space, qint64 addr, qint64 end, const Source& expected,
+                     TRangeReport* report = nullptr);
+    bool readRange(const TMemorySpace& space, qint64 addr, qint64 end, const Sink& sink);
+    // Every byte of [begin, end] must read 0xFF.
+    bool testEmptyRange(const TMemorySpace& space, qint64 begin, qint64 end);
+    // Shows the bytes a data read got; the families whose commands keep them store them as well.
+    virtual bool showDataRead(const QString& hex) { return storeData(hex); }
 
     TData param;
+    TData dev;       // the device's catalogue parameters, after prepareDevice
+    int maxData = 0; // the programmer's largest payload, after prepareDevice
     std::atomic<bool> stop{false};
     std::atomic<bool> pause{false};
     QString errorText;
+
+private:
+    bool readPiece(const TMemorySpace& space, qint64 addr, int len, QByteArray& out);
+    bool progress(const TMemorySpace& space, int& last, int& counter, qint64 done, qint64 total);
+    bool charOrData(const TMemorySpace& space, RangeCmd cmd);
+    bool writeFile(const TMemorySpace& space);
+    bool verifyFile(const TMemorySpace& space);
+    bool readFile(const TMemorySpace& space);
+    // The result line of a range command (event 4).
+    void report(const TRangeReport& done, int kind, const QString& file = QString(),
+                const QString& format = QString());
 };

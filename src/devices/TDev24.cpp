@@ -14,10 +14,23 @@
 using namespace CTagCmdCode;
 
 TDev24::TDev24(const QString& code, const TData& param)
-    : IDevice(code), cmdList{set_clk,    set_addr,    separator,   erase,      test_empty,
-                             char_write, char_verify, data_read,   data_write, data_verify,
-                             file_read,  file_write,  file_verify, leave} {
+    : IDevice(code), cmdList(TCmdTable::codes(cmdTable())) {
     setDevParam(param);
+}
+
+const TCmdRows& TDev24::cmdTable() {
+    using K = TCmdKind;
+    using O = TCmdOp;
+    static const TCmdRows rows{
+        {set_clk, K::Clock, O::None, 0},       {set_addr, K::Own, O::None, 0},
+        {separator, K::Separator, O::None, 0}, {erase, K::Plain, O::Write, 0},
+        {test_empty, K::Plain, O::Verify, 0},  {char_write, K::Char, O::Write, 0},
+        {char_verify, K::Char, O::Verify, 0},  {data_read, K::Data, O::Read, 0},
+        {data_write, K::Data, O::Write, 0},    {data_verify, K::Data, O::Verify, 0},
+        {file_read, K::File, O::Read, 0},      {file_write, K::File, O::Write, 0},
+        {file_verify, K::File, O::Verify, 0},  {leave, K::Leave, O::None, 0},
+    };
+    return rows;
 }
 
 IDevice* TDev24::Instance(const QString& code, const TData& param) {
@@ -25,7 +38,7 @@ IDevice* TDev24::Instance(const QString& code, const TData& param) {
 }
 
 bool TDev24::supportCmd(const QString& code) const {
-    return code != separator && cmdList.contains(code);
+    return TCmdTable::find(cmdTable(), code) != nullptr;
 }
 
 QStringList TDev24::getSupportCmdList() const {
@@ -33,13 +46,10 @@ QStringList TDev24::getSupportCmdList() const {
 }
 
 void TDev24::getDefaultCmdParam(TData& p) {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    if (code == set_clk) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
-    if (code == set_addr) TDev24CDevParam::def(p);
-    if (TMiscDev::isOneOf(code, {char_write, char_verify})) TNormCmdParam::cmdRWVCharDef(this, p);
-    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify})) TNormCmdParam::cmdRWVDataDef(this, p);
-    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify})) TNormCmdParam::cmdRWVFileDef(this, p);
-    if (code == leave) TNormCmdParam::cmdLeaveDef(p, true);
+    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
+    qint64 begin, size;
+    TNormCmdParam::readDevData(this, begin, size);
+    if (row && !TCmdTable::defaults(*row, this, p, begin, size)) TDev24CDevParam::def(p); // set_addr
 }
 
 QString TDev24::getViewCmdName(const TData& p) const {
@@ -56,30 +66,19 @@ QString TDev24::getViewSetAddress(const TData& p) const {
 }
 
 QString TDev24::getViewCmdParam(const TData& p, QWidget*) const {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    if (code == set_clk) return TMiscDev::getViewFreqValue(int(TMiscDev::getCLK(p)));
-    if (code == set_addr) return getViewSetAddress(p);
-    if (TMiscDev::isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharView(p);
-    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
-        return TNormCmdParam::cmdRWVDataView(p);
-    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify}))
-        return TNormCmdParam::cmdRWVFileView(p);
-    if (code == leave) return TNormCmdParam::cmdLeaveView(p, true);
-    return QString();
+    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
+    QString text;
+    if (row && !TCmdTable::view(*row, p, text)) text = getViewSetAddress(p);
+    return text;
 }
 
 QWidget* TDev24::getFormCmdParam(const TData& p) const {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    if (code == set_clk) return keepForm(TNormCmdParam::cmdSetCLKForm(getDevConnect(), p));
-    if (code == set_addr) return keepForm(TDev24CDevParam::form(this, p));
-    if (TMiscDev::isOneOf(code, {char_write, char_verify}))
-        return keepForm(TNormCmdParam::cmdRWVCharForm(this, p));
-    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
-        return keepForm(TNormCmdParam::cmdRWVDataForm(this, p));
-    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify}))
-        return keepForm(TNormCmdParam::cmdRWVFileForm(this, p));
-    if (code == leave) return keepForm(TNormCmdParam::cmdLeaveForm(this, p, true));
-    return keepForm(nullptr);
+    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
+    qint64 begin, size;
+    TNormCmdParam::readDevData(this, begin, size);
+    TFormCmd* form = nullptr;
+    if (row && !TCmdTable::form(*row, this, p, begin, size, form)) form = TDev24CDevParam::form(this, p);
+    return keepForm(form);
 }
 
 TData TDev24::getChangedParam(const TData& p) const {
@@ -89,17 +88,12 @@ TData TDev24::getChangedParam(const TData& p) const {
 void TDev24::normCmdParam(TData&) {}
 
 bool TDev24::checkCmdParam(const TData& p) {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    if (code == set_clk) return TNormCmdParam::cmdSetCLKCheck(p);
-    if (code == set_addr) return TDev24CDevParam::check(p);
-    if (TMiscDev::isOneOf(code, {erase, test_empty})) return true;
-    if (TMiscDev::isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharCheck(this, p);
-    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
-        return TNormCmdParam::cmdRWVDataCheck(this, p);
-    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify}))
-        return TNormCmdParam::cmdRWVFileCheck(this, p);
-    if (code == leave) return TNormCmdParam::cmdLeaveCheck(p, true);
-    return false;
+    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
+    qint64 begin, size;
+    TNormCmdParam::readDevData(this, begin, size);
+    bool valid = false;
+    if (row && !TCmdTable::check(*row, p, begin, size, valid)) valid = TDev24CDevParam::check(p);
+    return valid;
 }
 
 bool TDev24::checkCmdSetDeviceParam(const TData& p) {

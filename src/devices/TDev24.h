@@ -1,6 +1,7 @@
 #pragma once
 
 #include "devices/IDevice.h"
+#include "devices/TCmdTable.h"
 
 // Two-wire (I2C) serial EEPROMs of the 24 series: one address space, page writes, a bus address set by
 // the part's address pins.
@@ -27,6 +28,9 @@ public:
 
     // "Address: A2A1A0", a pin the part does not use shown as "-".
     QString getViewSetAddress(const TData& param) const;
+
+    // The family's commands in the order offered; the editing side and the executor both follow it.
+    static const TCmdRows& cmdTable();
 
 private:
     const QStringList cmdList;

@@ -2,8 +2,6 @@
 
 #include "devices/IDeviceExec.h"
 
-#include <functional>
-
 // Runs one command of the 24-series family against the programmer.
 class TDev24CExec : public IDeviceExec {
     Q_OBJECT
@@ -28,21 +26,16 @@ public:
     bool verifyFile(TSerialPort& port);
     bool leave(TSerialPort& port);
 
-    // Emits the progress when its percentage changed.
-    void processGUI(int& lastPercent, qint64 addr, qint64 end);
+protected:
+    // The family's data reads are only shown, not kept in the command.
+    bool showDataRead(const QString& hex) override;
 
 private:
-    using Source = std::function<QByteArray(qint64 addr, int len)>;
-    using Sink = std::function<bool(qint64 addr, const QByteArray& data)>;
-
     bool prepare(TSerialPort& port);
-    bool readPiece(TSerialPort& port, qint64 addr, int len, QByteArray& out);
-    bool writeRange(TSerialPort& port, qint64 addr, qint64 end, const Source& source);
-    bool readRange(TSerialPort& port, qint64 addr, qint64 end, const Sink& sink);
-    bool verifyRange(TSerialPort& port, qint64 addr, qint64 end, const Source& expected);
+    // The EEPROM array: page-sized writes, so that no write crosses a page of the chip.
+    TMemorySpace memory(TSerialPort& port);
+    bool range(TSerialPort& port, RangeCmd cmd);
 
-    TData dev;
-    int maxData = 0;
     int page = 0;
     unsigned char addrSize = 0;
 };

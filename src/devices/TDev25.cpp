@@ -30,33 +30,43 @@ IDevice* TDev25::Instance(const QString& code, const TData& param) {
     return new TDev25(code, param);
 }
 
-QStringList TDev25::getCmdList() {
+const TCmdRows& TDev25::cmdTable() {
     using namespace CTagCmdCode;
-    return {set_clk,
-            ident,
-            erase,
-            test_empty,
-            erase_blocks,
-            test_empty_blocks,
-            char_write,
-            char_verify,
-            data_read,
-            data_write,
-            data_verify,
-            file_read,
-            file_write,
-            file_verify,
-            status_reg_read,
-            status_reg_write,
-            status_reg_verify,
-            security_reg_erase,
-            security_reg_test_empty,
-            security_reg_read,
-            security_reg_write,
-            security_reg_verify,
-            unique_id_read,
-            sfdp_reg_read,
-            leave};
+    using K = TCmdKind;
+    using O = TCmdOp;
+    const int flash = int(Region::Flash), security = int(Region::Security), sfdp = int(Region::SFDP);
+    static const TCmdRows rows{
+        {set_clk, K::Clock, O::None, flash},
+        {ident, K::Own, O::Read, flash},
+        {erase, K::Plain, O::Write, flash},
+        {test_empty, K::Plain, O::Verify, flash},
+        {erase_blocks, K::Own, O::Write, flash},
+        {test_empty_blocks, K::Own, O::Verify, flash},
+        {char_write, K::Char, O::Write, flash},
+        {char_verify, K::Char, O::Verify, flash},
+        {data_read, K::Data, O::Read, flash},
+        {data_write, K::Data, O::Write, flash},
+        {data_verify, K::Data, O::Verify, flash},
+        {file_read, K::File, O::Read, flash},
+        {file_write, K::File, O::Write, flash},
+        {file_verify, K::File, O::Verify, flash},
+        {status_reg_read, K::Own, O::Read, flash},
+        {status_reg_write, K::Own, O::Write, flash},
+        {status_reg_verify, K::Own, O::Verify, flash},
+        {security_reg_erase, K::Own, O::Write, security},
+        {security_reg_test_empty, K::Own, O::Verify, security},
+        {security_reg_read, K::File, O::Read, security},
+        {security_reg_write, K::File, O::Write, security},
+        {security_reg_verify, K::File, O::Verify, security},
+        {unique_id_read, K::Own, O::Read, flash},
+        {sfdp_reg_read, K::File, O::Read, sfdp},
+        {leave, K::Leave, O::None, flash},
+    };
+    return rows;
+}
+
+QStringList TDev25::getCmdList() {
+    return TCmdTable::codes(cmdTable());
 }
 
 bool TDev25::supportCmd(const QString& code) const {
@@ -71,14 +81,6 @@ qint64 TDev25::devValue(const char* key) const {
     return devParam.value(QLatin1String(key)).toLongLong();
 }
 
-TDev25::Region TDev25::regionOf(const QString& code) {
-    using namespace CTagCmdCode;
-    if (TMiscDev::isOneOf(code, {security_reg_read, security_reg_write, security_reg_verify}))
-        return Region::Security;
-    if (code == QLatin1String(sfdp_reg_read)) return Region::SFDP;
-    return Region::Flash;
-}
-
 void TDev25::regionRange(Region region, qint64& begin, qint64& size) const {
     begin = region == Region::Flash ? devValue("addr_begin") : 0;
     size = region == Region::Flash      ? devValue("size")
@@ -89,16 +91,12 @@ void TDev25::regionRange(Region region, qint64& begin, qint64& size) const {
 void TDev25::getDefaultCmdParam(TData& p) {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    if (!row) return;
     qint64 begin, size;
-    regionRange(regionOf(code), begin, size);
-    if (TMiscDev::isOneOf(code, {char_write, char_verify}))
-        TNormCmdParam::writeParamRWVChar(p, begin, size, 0xFF);
-    else if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
-        TNormCmdParam::writeDataRWVData(p, begin, QString());
-    else if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify, security_reg_read,
-                                      security_reg_write, security_reg_verify, sfdp_reg_read}))
-        TNormCmdParam::defRWVFile(p, begin, size);
-    else if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) {
+    regionRange(Region(row->space), begin, size);
+    if (TCmdTable::defaults(*row, this, p, begin, size)) return;
+    if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) {
         p.insert(kSize, kBlockDefault);
         p.insert(kBegin, 0);
         p.insert(kCount, devValue("size") / kBlockDefault);
@@ -106,10 +104,6 @@ void TDev25::getDefaultCmdParam(TData& p) {
         p.insert(kData, 255);
     else if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify}))
         p.insert(kData, devParam.value(QStringLiteral("status_reg_def")).toString());
-    else if (code == QLatin1String(set_clk))
-        TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
-    else if (code == QLatin1String(leave))
-        TNormCmdParam::cmdLeaveDef(p, true);
 }
 
 QString TDev25::getViewCmdName(const TData& p) const {
@@ -138,21 +132,14 @@ QString TDev25::cmdSecurityRegView(const TData& p) {
 QString TDev25::getViewCmdParam(const TData& p, QWidget*) const {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
-    if (TMiscDev::isOneOf(code, {char_write, char_verify})) return TNormCmdParam::cmdRWVCharView(p);
-    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
-        return TNormCmdParam::cmdRWVDataView(p);
-    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
-                                 security_reg_verify, sfdp_reg_read}))
-        return TNormCmdParam::cmdRWVFileView(p);
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    QString text;
+    if (!row || TCmdTable::view(*row, p, text)) return text;
     if (code == QLatin1String(ident))
         return Lang.get(473).arg(devParam.value(QStringLiteral("signature")).toString());
     if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) return cmdEraseBlocksView(p);
     if (TMiscDev::isOneOf(code, {security_reg_erase, security_reg_test_empty})) return cmdSecurityRegView(p);
-    if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify, unique_id_read}))
-        return p.value(kData).toString();
-    if (code == QLatin1String(set_clk)) return TMiscDev::getViewFreqValue(int(TMiscDev::getCLK(p)));
-    if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveView(p, true);
-    return QString();
+    return p.value(kData).toString(); // status registers, unique ID
 }
 
 QStringList TDev25::getSecurityRegLines(int registers) {
@@ -203,17 +190,12 @@ TFormCmd* TDev25::formEraseBlocks(const TData& p) const {
 QWidget* TDev25::getFormCmdParam(const TData& p) const {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
-    qint64 begin, size;
-    regionRange(regionOf(code), begin, size);
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
     TFormCmd* form = nullptr;
-    if (code == QLatin1String(set_clk)) form = TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
+    qint64 begin = 0, size = 0;
+    if (row) regionRange(Region(row->space), begin, size);
+    if (!row || TCmdTable::form(*row, this, p, begin, size, form)) return keepForm(form);
     if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) form = formEraseBlocks(p);
-    if (TMiscDev::isOneOf(code, {char_write, char_verify})) form = TNormCmdParam::formRWVChar(p, begin, size);
-    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
-        form = TNormCmdParam::formRWVData(p, begin, size);
-    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
-                                 security_reg_verify, sfdp_reg_read}))
-        form = TNormCmdParam::formRWVFile(p, begin, size);
     if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify})) {
         form = new TFormCmd(p);
         TWgtRegisterForm::addToForm(form, kData,
@@ -230,7 +212,6 @@ QWidget* TDev25::getFormCmdParam(const TData& p) const {
         TWgtRegisterForm::addToForm(form, kData,
                                     {QStringLiteral("edr|FFFFFFFFFFFFFFFF|ro|-1|") + Lang.get(592)}, true);
     }
-    if (code == QLatin1String(leave)) form = TNormCmdParam::cmdLeaveForm(this, p, true);
     return keepForm(form);
 }
 
@@ -256,27 +237,18 @@ bool TDev25::checkStatusReg(const TData& p) const {
 bool TDev25::checkCmdParam(const TData& p) {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    if (!row) return false;
     qint64 begin, size;
-    regionRange(regionOf(code), begin, size);
-    if (code == QLatin1String(set_clk)) return TNormCmdParam::cmdSetCLKCheck(p);
-    if (TMiscDev::isOneOf(code, {ident, erase, test_empty, unique_id_read})) return true;
+    regionRange(Region(row->space), begin, size);
+    bool valid = false;
+    if (TCmdTable::check(*row, p, begin, size, valid)) return valid;
+    if (TMiscDev::isOneOf(code, {ident, unique_id_read, status_reg_read})) return true;
     if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) return checkEraseBlocks(p);
-    if (TMiscDev::isOneOf(code, {char_write, char_verify}))
-        return TNormCmdParam::checkParamRWVChar(p, begin, size);
-    if (TMiscDev::isOneOf(code, {data_read, data_write, data_verify}))
-        return TNormCmdParam::checkParamRWVData(p, begin, size);
-    if (TMiscDev::isOneOf(code, {file_read, file_write, file_verify, security_reg_read, security_reg_write,
-                                 security_reg_verify, sfdp_reg_read}))
-        return TNormCmdParam::checkParamRWVFile(p, begin, size);
-    if (code == QLatin1String(status_reg_read)) return true;
     if (TMiscDev::isOneOf(code, {status_reg_write, status_reg_verify})) return checkStatusReg(p);
-    if (TMiscDev::isOneOf(code, {security_reg_erase, security_reg_test_empty})) {
-        bool ok = false;
-        p.value(kData).toUInt(&ok);
-        return ok;
-    }
-    if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveCheck(p, true);
-    return false;
+    bool ok = false; // the security register mask
+    p.value(kData).toUInt(&ok);
+    return ok;
 }
 
 bool TDev25::checkCmdSetDeviceParam(const TData&) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "devices/IDevice.h"
+#include "devices/TCmdTable.h"
 
 class TFormCmd;
 
@@ -13,6 +14,9 @@ public:
     static IDevice* Instance(const QString& code, const TData& param);
 
     static QStringList getCmdList();
+    // The family's commands in the order offered; the editing side and the executor both follow it.
+    // Memory spaces: those of Region.
+    static const TCmdRows& cmdTable();
 
     bool supportCmd(const QString& code) const override;
     QStringList getSupportCmdList() const override;
@@ -37,7 +41,6 @@ public:
 private:
     // The register spaces are their own address ranges starting at 0.
     enum class Region { Flash, Security, SFDP };
-    static Region regionOf(const QString& code);
     void regionRange(Region region, qint64& begin, qint64& size) const;
     qint64 devValue(const char* key) const;
     bool checkEraseBlocks(const TData& p) const;

@@ -1,18 +1,14 @@
 #include "devices/TDev25Exec.h"
 
 #include "app/TApp.h"
-#include "app/TAppData.h"
 #include "app/TLang.h"
+#include "devices/TDev25.h"
 #include "devices/TDev25Alg.h"
-#include "devices/TSignature.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
-
-#include <QCoreApplication>
-#include <QFileInfo>
 
 namespace {
 const QString kData = QStringLiteral("data");
@@ -27,118 +23,86 @@ bool TDev25Exec::execute(TSerialPort& port, bool&, int&, int&) {
     static const struct {
         const char* code;
         Op op;
-    } ops[] = {
+    } own[] = {
         {C::set_clk, &TDev25Exec::setCLK},
         {C::ident, &TDev25Exec::ident},
         {C::erase, &TDev25Exec::erase},
         {C::test_empty, &TDev25Exec::testEmpty},
         {C::erase_blocks, &TDev25Exec::eraseBlocks},
         {C::test_empty_blocks, &TDev25Exec::testEmptyBlocks},
-        {C::char_write, &TDev25Exec::writeChar},
-        {C::char_verify, &TDev25Exec::verifyChar},
-        {C::data_read, &TDev25Exec::readData},
-        {C::data_write, &TDev25Exec::writeData},
-        {C::data_verify, &TDev25Exec::verifyData},
-        {C::file_read, &TDev25Exec::readFile},
-        {C::file_write, &TDev25Exec::writeFile},
-        {C::file_verify, &TDev25Exec::verifyFile},
         {C::status_reg_read, &TDev25Exec::readStatusReg},
         {C::status_reg_write, &TDev25Exec::writeStatusReg},
         {C::status_reg_verify, &TDev25Exec::verifyStatusReg},
         {C::security_reg_erase, &TDev25Exec::eraseSecurityReg},
         {C::security_reg_test_empty, &TDev25Exec::testEmptySecurityReg},
-        {C::security_reg_read, &TDev25Exec::readSecurityReg},
-        {C::security_reg_write, &TDev25Exec::writeSecurityReg},
-        {C::security_reg_verify, &TDev25Exec::verifySecurityReg},
         {C::unique_id_read, &TDev25Exec::readUniqueID},
-        {C::sfdp_reg_read, &TDev25Exec::readSFDPReg},
         {C::leave, &TDev25Exec::leave},
     };
     const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
-    for (const auto& entry : ops)
-        if (code == QLatin1String(entry.code)) {
-            // An operation abandoned on the user's request is no failure of the run: the worker sees its
-            // stop flag next and ends the run as stopped.
-            const bool ok = (this->*entry.op)(port);
-            return ok || isStop();
-        }
-    return false;
+    const TCmdRow* row = TCmdTable::find(TDev25::cmdTable(), code);
+    if (!row) return false;
+    bool ok = false;
+    RangeCmd cmd;
+    if (rangeCmdOf(*row, cmd))
+        ok = range(port, Space(row->space), cmd);
+    else
+        for (const auto& entry : own)
+            if (code == QLatin1String(entry.code)) ok = (this->*entry.op)(port);
+    // An operation abandoned on the user's request is no failure of the run: the worker sees its stop
+    // flag next and ends the run as stopped.
+    return ok || isStop();
 }
 
 // ---- shared steps ----
 
 bool TDev25Exec::prepare(TSerialPort& port) {
-    if (!isOpenPort(port)) return false;
-    if (!readSetup(dev, maxData)) return false;
-    return maxData > 0;
+    return prepareDevice(port);
 }
 
 unsigned TDev25Exec::alg(const char* key) const {
     return TAPP_PARAM(dev, key).toUInt();
 }
 
-int TDev25Exec::readChunk(Space space) const {
-    return space == Space::Flash ? maxData : qMin(maxData, kRegisterSize);
-}
-
-int TDev25Exec::writeChunk(Space space) const {
-    if (space != Space::Flash) return qMin(maxData, kRegisterSize);
-    const int page = TAPP_PARAM(dev, "page_size").toInt();
-    return page > 0 ? qMin(maxData, page) : maxData;
-}
-
-bool TDev25Exec::readPiece(TSerialPort& port, Space space, qint64 addr, int len, QByteArray& out) {
-    QString err;
-    bool ok = false;
-    if (space == Space::Flash)
-        ok = TDev25Alg::read(alg("alg_flash_read"), port, addr, quint16(len), out, err);
-    else if (space == Space::Security)
-        ok = TDev25Alg::readSecurityReg(alg("alg_security_reg_read"), port, addr, quint16(len), out, err);
-    else
-        ok = TDev25Alg::readSFDPReg(alg("alg_fsdp_read"), port, addr, quint16(len), out, err);
-    if (!ok) {
-        setErrorText(err);
-        return false;
-    }
-    if (out.size() == len) return true;
-    setErrorText(Lang.get(470).arg(out.size()).arg(len));
+// An algorithm the family does not have fails without a text of its own, as the family is defined; the
+// worker names the command that failed.
+bool TDev25Exec::fail(const QString& err, const char*) {
+    setErrorText(err);
     return false;
 }
 
-bool TDev25Exec::writePiece(TSerialPort& port, Space space, qint64 addr, const QByteArray& data) {
-    QString err;
-    const bool ok = space == Space::Flash
-                        ? TDev25Alg::write(alg("alg_flash_write"), port, addr, data, err)
-                        : TDev25Alg::writeSecurityReg(alg("alg_security_reg_write"), port, addr, data, err);
-    if (!ok) setErrorText(err);
-    return ok;
+// Flash is written a page at a time; the registers and SFDP go in pieces of at most one register.
+TMemorySpace TDev25Exec::memory(TSerialPort& port, Space space) {
+    TMemorySpace s;
+    s.read = [this, &port, space](qint64 addr, int len, QByteArray& out) {
+        QString err;
+        const quint16 n = quint16(len);
+        if (space == Space::Flash)
+            return TDev25Alg::read(alg("alg_flash_read"), port, addr, n, out, err) ||
+                   fail(err, "alg_flash_read");
+        if (space == Space::Security)
+            return TDev25Alg::readSecurityReg(alg("alg_security_reg_read"), port, addr, n, out, err) ||
+                   fail(err, "alg_security_reg_read");
+        return TDev25Alg::readSFDPReg(alg("alg_fsdp_read"), port, addr, n, out, err) ||
+               fail(err, "alg_fsdp_read");
+    };
+    s.write = [this, &port, space](qint64 addr, const QByteArray& data) {
+        QString err;
+        if (space == Space::Flash)
+            return TDev25Alg::write(alg("alg_flash_write"), port, addr, data, err) ||
+                   fail(err, "alg_flash_write");
+        return TDev25Alg::writeSecurityReg(alg("alg_security_reg_write"), port, addr, data, err) ||
+               fail(err, "alg_security_reg_write");
+    };
+    const int page = TAPP_PARAM(dev, "page_size").toInt();
+    s.readChunk = space == Space::Flash ? maxData : qMin(maxData, kRegisterSize);
+    s.writeChunk = space != Space::Flash ? qMin(maxData, kRegisterSize)
+                   : page > 0            ? qMin(maxData, page)
+                                         : maxData;
+    return s;
 }
 
-// Progress counts from address 0, not from the range's start: the done value is the next address.
-bool TDev25Exec::writeRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& source) {
-    int last = -1, counter = 0;
-    for (qint64 n; (n = TMiscDev::getSize(addr, end, writeChunk(space))) > 0; addr += n) {
-        if (!writePiece(port, space, addr, source(addr, int(n)))) return false;
-        if (processGUI(last, counter, addr + n, end)) return false;
-    }
-    return true;
-}
-
-bool TDev25Exec::verifyRange(TSerialPort& port, Space space, qint64 addr, qint64 end,
-                             const Source& expected) {
-    return readRange(port, space, addr, end, [&](qint64 at, const QByteArray& read) {
-        return compare(at, expected(at, read.size()), read);
-    });
-}
-
-bool TDev25Exec::readRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Sink& sink) {
-    int last = -1, counter = 0;
-    QByteArray read;
-    for (qint64 n; (n = TMiscDev::getSize(addr, end, readChunk(space))) > 0; addr += n) {
-        if (!readPiece(port, space, addr, int(n), read) || !sink(addr, read)) return false;
-        if (processGUI(last, counter, addr + n, end)) return false;
-    }
-    return true;
+bool TDev25Exec::range(TSerialPort& port, Space space, RangeCmd cmd) {
+    return prepare(port) && runRange(memory(port, space), cmd);
 }
 
 // ---- identification, clock, leave ----
@@ -147,24 +111,13 @@ bool TDev25Exec::execReadSignature(TSerialPort& port, QString& signature) {
     if (!prepare(port)) return false;
     QByteArray id;
     QString err;
-    if (!TDev25Alg::ident(alg("alg_ident"), port, id, err)) {
-        setErrorText(err);
-        return false;
-    }
+    if (!TDev25Alg::ident(alg("alg_ident"), port, id, err)) return fail(err, "alg_ident");
     signature = TMiscDev::getHexFromByteArray(id);
     return true;
 }
 
 bool TDev25Exec::ident(TSerialPort& port) {
-    QString read;
-    if (!execReadSignature(port, read)) return false;
-    const QByteArray expected = TMiscDev::getByteArrayFromHex(TAPP_PARAM(dev, "signature").toString());
-    if (TMiscDev::getByteArrayFromHex(read) == expected) return true;
-    const QString devFile =
-        TApp::getAbsoluteFile(AppData.getPathDevicesAbs(), TAPP_PARAM(dev, "dev_file").toString());
-    const QString names = TSignature::getSignatureDeviceName(QFileInfo(devFile).absolutePath(), read);
-    setErrorText(Lang.get(404).arg(read, names));
-    return false;
+    return identify(port);
 }
 
 bool TDev25Exec::setCLK(TSerialPort& port) {
@@ -186,6 +139,18 @@ bool TDev25Exec::leave(TSerialPort& port) {
 
 // ---- erase and empty tests ----
 
+bool TDev25Exec::eraseBlockRun(TSerialPort& port, unsigned char opcode, qint64 first, qint64 count,
+                               qint64 block) {
+    int last = -1, counter = 0;
+    for (qint64 i = 0; i < count; ++i) {
+        QString err;
+        if (!TDev25Alg::erase_blocks(alg("alg_erase"), port, opcode, (first + i) * block, err))
+            return fail(err, "alg_erase");
+        if (processGUI(last, counter, i, count)) return false;
+    }
+    return true;
+}
+
 bool TDev25Exec::erase(TSerialPort& port) {
     if (!prepare(port)) return false;
     const QStringList fields = TAPP_PARAM(dev, "erase").toString().split(QLatin1Char('|'));
@@ -193,52 +158,27 @@ bool TDev25Exec::erase(TSerialPort& port) {
     const auto opcode = uchar(TMiscDev::getIntFromHex(fields.at(0)));
     const qint64 block = fields.at(1).trimmed().toLongLong();
     if (block <= 0) return false;
-    const qint64 blocks = TAPP_PARAM(dev, "size").toLongLong() / block;
-    int last = -1, counter = 0;
-    for (qint64 i = 0; i < blocks; ++i) {
-        QString err;
-        if (!TDev25Alg::erase_blocks(alg("alg_erase"), port, opcode, i * block, err)) {
-            setErrorText(err);
-            return false;
-        }
-        if (processGUI(last, counter, i, blocks)) return false;
-    }
-    return true;
+    return eraseBlockRun(port, opcode, 0, TAPP_PARAM(dev, "size").toLongLong() / block, block);
 }
 
 bool TDev25Exec::eraseBlocks(TSerialPort& port) {
     if (!prepare(port)) return false;
     const qint64 size = TAPP_PARAM(param, "size").toLongLong();
-    const qint64 begin = TAPP_PARAM(param, "begin").toLongLong();
-    const qint64 count = TAPP_PARAM(param, "count").toLongLong();
     uchar opcode = 0; // no entry for the size: the last match wins, none sends 00
     for (const QString& entry : TAPP_PARAM(dev, "erase_blocks").toStringList()) {
         const QStringList f = entry.split(QLatin1Char('|'));
         if (f.size() == 2 && f.at(1).trimmed().toLongLong() == size)
             opcode = uchar(TMiscDev::getIntFromHex(f.at(0)));
     }
-    int last = -1, counter = 0;
-    for (qint64 i = 0; i < count; ++i) {
-        QString err;
-        if (!TDev25Alg::erase_blocks(alg("alg_erase"), port, opcode, (begin + i) * size, err)) {
-            setErrorText(err);
-            return false;
-        }
-        if (processGUI(last, counter, i, count)) return false;
-    }
-    return true;
+    return eraseBlockRun(port, opcode, TAPP_PARAM(param, "begin").toLongLong(),
+                         TAPP_PARAM(param, "count").toLongLong(), size);
 }
-
-namespace {
-QByteArray blank(qint64, int len) {
-    return QByteArray(len, char(0xFF));
-}
-} // namespace
 
 bool TDev25Exec::testEmpty(TSerialPort& port) {
     if (!prepare(port)) return false;
     const qint64 begin = TAPP_PARAM(dev, "addr_begin").toLongLong();
-    return verifyRange(port, Space::Flash, begin, begin + TAPP_PARAM(dev, "size").toLongLong() - 1, blank);
+    return testEmptyRange(memory(port, Space::Flash), begin,
+                          begin + TAPP_PARAM(dev, "size").toLongLong() - 1);
 }
 
 bool TDev25Exec::testEmptyBlocks(TSerialPort& port) {
@@ -246,101 +186,34 @@ bool TDev25Exec::testEmptyBlocks(TSerialPort& port) {
     const qint64 size = TAPP_PARAM(param, "size").toLongLong();
     const qint64 begin = TAPP_PARAM(param, "begin").toLongLong();
     const qint64 count = TAPP_PARAM(param, "count").toLongLong();
-    return verifyRange(port, Space::Flash, begin * size, (begin + count) * size - 1, blank);
+    return testEmptyRange(memory(port, Space::Flash), begin * size, (begin + count) * size - 1);
 }
 
-// ---- characters and literal data ----
+// ---- characters, literal data, files ----
 
 bool TDev25Exec::writeChar(TSerialPort& port) {
-    if (!prepare(port)) return false;
-    int id;
-    qint64 addr, end;
-    uchar fill;
-    TMiscDev::getCmdParamRWVChar(param, id, addr, end, fill);
-    return writeRange(port, Space::Flash, addr, end,
-                      [fill](qint64, int n) { return QByteArray(n, char(fill)); });
+    return range(port, Space::Flash, RangeCmd::WriteChar);
 }
-
 bool TDev25Exec::verifyChar(TSerialPort& port) {
-    if (!prepare(port)) return false;
-    int id;
-    qint64 addr, end;
-    uchar fill;
-    TMiscDev::getCmdParamRWVChar(param, id, addr, end, fill);
-    return verifyRange(port, Space::Flash, addr, end,
-                       [fill](qint64, int n) { return QByteArray(n, char(fill)); });
+    return range(port, Space::Flash, RangeCmd::VerifyChar);
 }
-
 bool TDev25Exec::writeData(TSerialPort& port) {
-    if (!prepare(port)) return false;
-    int id;
-    qint64 addr, end;
-    QByteArray data;
-    QString text;
-    TMiscDev::getCmdParamRWVData(param, id, addr, end, data, text);
-    const qint64 start = addr;
-    return writeRange(port, Space::Flash, addr, end,
-                      [&](qint64 at, int n) { return data.mid(int(at - start), n); });
+    return range(port, Space::Flash, RangeCmd::WriteData);
 }
-
 bool TDev25Exec::verifyData(TSerialPort& port) {
-    if (!prepare(port)) return false;
-    int id;
-    qint64 addr, end;
-    QByteArray data;
-    QString text;
-    TMiscDev::getCmdParamRWVData(param, id, addr, end, data, text);
-    const qint64 start = addr;
-    return verifyRange(port, Space::Flash, addr, end,
-                       [&](qint64 at, int n) { return data.mid(int(at - start), n); });
+    return range(port, Space::Flash, RangeCmd::VerifyData);
 }
-
 bool TDev25Exec::readData(TSerialPort& port) {
-    if (!prepare(port)) return false;
-    int id;
-    qint64 addr, end;
-    QByteArray data;
-    QString text;
-    TMiscDev::getCmdParamRWVData(param, id, addr, end, data, text);
-    QByteArray read;
-    if (!readRange(port, Space::Flash, addr, end, [&](qint64, const QByteArray& piece) {
-            read += piece;
-            return true;
-        }))
-        return false;
-    return storeData(TMiscDev::getHexFromByteArrayMask(text, read));
+    return range(port, Space::Flash, RangeCmd::ReadData);
 }
-
-// ---- files ----
-
 bool TDev25Exec::writeFile(TSerialPort& port) {
-    return prepare(port) && writeFileSpace(port, Space::Flash);
+    return range(port, Space::Flash, RangeCmd::WriteFile);
 }
-
 bool TDev25Exec::verifyFile(TSerialPort& port) {
-    return prepare(port) && verifyFileSpace(port, Space::Flash);
+    return range(port, Space::Flash, RangeCmd::VerifyFile);
 }
-
 bool TDev25Exec::readFile(TSerialPort& port) {
-    return prepare(port) && readFileSpace(port, Space::Flash);
-}
-
-bool TDev25Exec::writeFileSpace(TSerialPort& port, Space space) {
-    return writeFileRange(writeChunk(space), [&](qint64 at, const QByteArray& piece) {
-        return writePiece(port, space, at, piece);
-    });
-}
-
-bool TDev25Exec::verifyFileSpace(TSerialPort& port, Space space) {
-    return verifyFileRange(readChunk(space), [&](qint64 at, int len, QByteArray& out) {
-        return readPiece(port, space, at, len, out);
-    });
-}
-
-bool TDev25Exec::readFileSpace(TSerialPort& port, Space space) {
-    return readFileRange(readChunk(space), [&](qint64 addr, qint64 end, const FilePiece& sink) {
-        return readRange(port, space, addr, end, sink);
-    });
+    return range(port, Space::Flash, RangeCmd::ReadFile);
 }
 
 // ---- registers ----
@@ -349,10 +222,8 @@ bool TDev25Exec::readStatusReg(TSerialPort& port) {
     if (!prepare(port)) return false;
     QByteArray read;
     QString err;
-    if (!TDev25Alg::readStatusReg(alg("alg_status_reg_read"), port, read, err)) {
-        setErrorText(err);
-        return false;
-    }
+    if (!TDev25Alg::readStatusReg(alg("alg_status_reg_read"), port, read, err))
+        return fail(err, "alg_status_reg_read");
     return storeData(TMiscDev::getHexFromByteArray(read));
 }
 
@@ -369,19 +240,16 @@ bool TDev25Exec::writeStatusReg(TSerialPort& port) {
     QByteArray data;
     if (!prepare(port) || !statusRegData(data)) return false;
     QString err;
-    if (TDev25Alg::writeStatusReg(alg("alg_status_reg_write"), port, data, err)) return true;
-    setErrorText(err);
-    return false;
+    return TDev25Alg::writeStatusReg(alg("alg_status_reg_write"), port, data, err) ||
+           fail(err, "alg_status_reg_write");
 }
 
 bool TDev25Exec::verifyStatusReg(TSerialPort& port) {
     QByteArray data, read;
     if (!prepare(port) || !statusRegData(data)) return false;
     QString err;
-    if (!TDev25Alg::readStatusReg(alg("alg_status_reg_read"), port, read, err)) {
-        setErrorText(err);
-        return false;
-    }
+    if (!TDev25Alg::readStatusReg(alg("alg_status_reg_read"), port, read, err))
+        return fail(err, "alg_status_reg_read");
     if (read == data) return true;
     setErrorText(Lang.get(472).arg(TMiscDev::getHexFromByteArray(data), TMiscDev::getHexFromByteArray(read)));
     return false;
@@ -395,10 +263,8 @@ bool TDev25Exec::eraseSecurityReg(TSerialPort& port) {
     for (int i = 0; i < registers; ++i) {
         if (i >= 32 || !(mask >> i & 1)) continue;
         QString err;
-        if (!TDev25Alg::eraseSecurityReg(alg("alg_security_reg_erase"), port, i, err)) {
-            setErrorText(err);
-            return false;
-        }
+        if (!TDev25Alg::eraseSecurityReg(alg("alg_security_reg_erase"), port, i, err))
+            return fail(err, "alg_security_reg_erase");
         if (processGUI(last, counter, i, registers)) return false;
     }
     return true;
@@ -408,37 +274,35 @@ bool TDev25Exec::testEmptySecurityReg(TSerialPort& port) {
     if (!prepare(port)) return false;
     const quint32 mask = TAPP_PARAM(param, kData).toUInt();
     const int registers = int(TAPP_PARAM(dev, "security_reg_size").toLongLong() / kRegisterSize) & 255;
+    const TMemorySpace security = memory(port, Space::Security);
     for (int i = 0; i < registers && i < 32; ++i) {
         const qint64 begin = qint64(i) * kRegisterSize;
-        if (mask >> i & 1 && !verifyRange(port, Space::Security, begin, begin + kRegisterSize - 1, blank))
-            return false;
+        if (mask >> i & 1 && !testEmptyRange(security, begin, begin + kRegisterSize - 1)) return false;
     }
     return true;
 }
 
 bool TDev25Exec::readSecurityReg(TSerialPort& port) {
-    return prepare(port) && readFileSpace(port, Space::Security);
+    return range(port, Space::Security, RangeCmd::ReadFile);
 }
 
 bool TDev25Exec::writeSecurityReg(TSerialPort& port) {
-    return prepare(port) && writeFileSpace(port, Space::Security);
+    return range(port, Space::Security, RangeCmd::WriteFile);
 }
 
 bool TDev25Exec::verifySecurityReg(TSerialPort& port) {
-    return prepare(port) && verifyFileSpace(port, Space::Security);
+    return range(port, Space::Security, RangeCmd::VerifyFile);
 }
 
 bool TDev25Exec::readSFDPReg(TSerialPort& port) {
-    return prepare(port) && readFileSpace(port, Space::SFDP);
+    return range(port, Space::SFDP, RangeCmd::ReadFile);
 }
 
 bool TDev25Exec::readUniqueID(TSerialPort& port) {
     if (!prepare(port)) return false;
     QByteArray id;
     QString err;
-    if (!TDev25Alg::readUniqueID(alg("alg_unique_id_read"), port, id, err)) {
-        setErrorText(err);
-        return false;
-    }
+    if (!TDev25Alg::readUniqueID(alg("alg_unique_id_read"), port, id, err))
+        return fail(err, "alg_unique_id_read");
     return storeData(TMiscDev::getHexFromByteArray(id));
 }

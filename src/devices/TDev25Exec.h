@@ -2,8 +2,6 @@
 
 #include "devices/IDeviceExec.h"
 
-#include <functional>
-
 // Runs one command of the 25-series family against the programmer.
 class TDev25Exec : public IDeviceExec {
     Q_OBJECT
@@ -41,28 +39,17 @@ public:
     bool leave(TSerialPort& port);
 
 private:
-    // The three memories that the read, write and verify loops run over.
+    // The three memories that the read, write and verify commands run over.
     enum class Space { Flash, Security, SFDP };
-    using Source = std::function<QByteArray(qint64 addr, int len)>;
-    using Sink = std::function<bool(qint64 addr, const QByteArray& data)>;
 
     bool prepare(TSerialPort& port);
     unsigned alg(const char* key) const;
-    int readChunk(Space space) const;
-    int writeChunk(Space space) const;
-    bool readPiece(TSerialPort& port, Space space, qint64 addr, int len, QByteArray& out);
-    bool writePiece(TSerialPort& port, Space space, qint64 addr, const QByteArray& data);
-
-    bool writeRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& source);
-    bool verifyRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& expected);
-    bool readRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Sink& sink);
-
-    bool writeFileSpace(TSerialPort& port, Space space);
-    bool verifyFileSpace(TSerialPort& port, Space space);
-    bool readFileSpace(TSerialPort& port, Space space);
+    TMemorySpace memory(TSerialPort& port, Space space);
+    bool range(TSerialPort& port, Space space, RangeCmd cmd);
+    // A packet builder's failure: its text (none for an algorithm it does not have).
+    bool fail(const QString& err, const char* algKey);
+    // Erases count blocks of block bytes from block first on with opcode, with progress.
+    bool eraseBlockRun(TSerialPort& port, unsigned char opcode, qint64 first, qint64 count, qint64 block);
 
     bool statusRegData(QByteArray& data);
-
-    TData dev;
-    int maxData = 0;
 };

@@ -5,25 +5,31 @@
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TCmdCode.h"
+#include "ui/TFormCmd.h"
 
 using namespace CTagCmdCode;
 
-namespace {
-enum class Kind { Char, Data, File, Other };
-
-Kind kindOf(const QString& code) {
-    if (code == char_write || code == char_verify) return Kind::Char;
-    if (code == data_read || code == data_write || code == data_verify) return Kind::Data;
-    if (code == file_read || code == file_write || code == file_verify) return Kind::File;
-    return Kind::Other;
-}
-} // namespace
-
 TDev93C::TDev93C(const QString& code, const TData& param)
-    : IDevice(code), cmdList{set_clk,     erase,      test_empty,  lock,        unlock,
-                             separator,   char_write, char_verify, data_read,   data_write,
-                             data_verify, file_read,  file_write,  file_verify, leave} {
+    : IDevice(code), cmdList(TCmdTable::codes(cmdTable())) {
     setDevParam(param);
+}
+
+// The clock and the leave are the family's own: as it stands, they show no parameters and the clock is
+// not checked against the programmer.
+const TCmdRows& TDev93C::cmdTable() {
+    using K = TCmdKind;
+    using O = TCmdOp;
+    static const TCmdRows rows{
+        {set_clk, K::Own, O::None, 0},        {erase, K::Plain, O::Write, 0},
+        {test_empty, K::Plain, O::Verify, 0}, {lock, K::Plain, O::None, 0},
+        {unlock, K::Plain, O::None, 0},       {separator, K::Separator, O::None, 0},
+        {char_write, K::Char, O::Write, 0},   {char_verify, K::Char, O::Verify, 0},
+        {data_read, K::Data, O::Read, 0},     {data_write, K::Data, O::Write, 0},
+        {data_verify, K::Data, O::Verify, 0}, {file_read, K::File, O::Read, 0},
+        {file_write, K::File, O::Write, 0},   {file_verify, K::File, O::Verify, 0},
+        {leave, K::Own, O::None, 0},
+    };
+    return rows;
 }
 
 IDevice* TDev93C::Instance(const QString& code, const TData& param) {
@@ -31,7 +37,7 @@ IDevice* TDev93C::Instance(const QString& code, const TData& param) {
 }
 
 bool TDev93C::supportCmd(const QString& code) const {
-    return code != separator && cmdList.contains(code);
+    return TCmdTable::find(cmdTable(), code) != nullptr;
 }
 
 QStringList TDev93C::getSupportCmdList() const {
@@ -40,10 +46,10 @@ QStringList TDev93C::getSupportCmdList() const {
 
 void TDev93C::getDefaultCmdParam(TData& p) {
     const QString code = p.value(CTagCmd::cmd).toString();
-    const Kind kind = kindOf(code);
-    if (kind == Kind::Char) TNormCmdParam::cmdRWVCharDef(this, p);
-    if (kind == Kind::Data) TNormCmdParam::cmdRWVDataDef(this, p);
-    if (kind == Kind::File) TNormCmdParam::cmdRWVFileDef(this, p);
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    qint64 begin, size;
+    TNormCmdParam::readDevData(this, begin, size);
+    if (!row || TCmdTable::defaults(*row, this, p, begin, size)) return;
     if (code == set_clk) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
     if (code == leave) TNormCmdParam::cmdLeaveDef(p, true);
 }
@@ -53,33 +59,23 @@ QString TDev93C::getViewCmdName(const TData& p) const {
 }
 
 QString TDev93C::getViewCmdParam(const TData& p, QWidget*) const {
-    switch (kindOf(p.value(CTagCmd::cmd).toString())) {
-    case Kind::Char:
-        return TNormCmdParam::cmdRWVCharView(p);
-    case Kind::Data:
-        return TNormCmdParam::cmdRWVDataView(p);
-    case Kind::File:
-        return TNormCmdParam::cmdRWVFileView(p);
-    default:
-        return QString();
-    }
+    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
+    QString text;
+    if (row) TCmdTable::view(*row, p, text);
+    return text;
 }
 
 QWidget* TDev93C::getFormCmdParam(const TData& p) const {
     const QString code = p.value(CTagCmd::cmd).toString();
-    switch (kindOf(code)) {
-    case Kind::Char:
-        return keepForm(TNormCmdParam::cmdRWVCharForm(this, p));
-    case Kind::Data:
-        return keepForm(TNormCmdParam::cmdRWVDataForm(this, p));
-    case Kind::File:
-        return keepForm(TNormCmdParam::cmdRWVFileForm(this, p));
-    default:
-        break;
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    qint64 begin, size;
+    TNormCmdParam::readDevData(this, begin, size);
+    TFormCmd* form = nullptr;
+    if (row && !TCmdTable::form(*row, this, p, begin, size, form)) {
+        if (code == set_clk) form = TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
+        if (code == leave) form = TNormCmdParam::cmdLeaveForm(this, p, true);
     }
-    if (code == set_clk) return keepForm(TNormCmdParam::cmdSetCLKForm(getDevConnect(), p));
-    if (code == leave) return keepForm(TNormCmdParam::cmdLeaveForm(this, p, true));
-    return keepForm(nullptr);
+    return keepForm(form);
 }
 
 TData TDev93C::getChangedParam(const TData& p) const {
@@ -89,17 +85,14 @@ TData TDev93C::getChangedParam(const TData& p) const {
 void TDev93C::normCmdParam(TData&) {}
 
 bool TDev93C::checkCmdParam(const TData& p) {
-    switch (kindOf(p.value(CTagCmd::cmd).toString())) {
-    case Kind::Char:
-        return TNormCmdParam::cmdRWVCharCheck(this, p);
-    case Kind::Data:
-        return TNormCmdParam::cmdRWVDataCheck(this, p);
-    case Kind::File:
-        return TNormCmdParam::cmdRWVFileCheck(this, p);
-    default:
-        if (p.value(CTagCmd::cmd).toString() == leave) return TNormCmdParam::cmdLeaveCheck(p, true);
-        return supportCmd(p.value(CTagCmd::cmd).toString());
-    }
+    const QString code = p.value(CTagCmd::cmd).toString();
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    if (!row) return false;
+    qint64 begin, size;
+    TNormCmdParam::readDevData(this, begin, size);
+    bool valid = false;
+    if (TCmdTable::check(*row, p, begin, size, valid)) return valid;
+    return code != leave || TNormCmdParam::cmdLeaveCheck(p, true);
 }
 
 bool TDev93C::checkCmdSetDeviceParam(const TData&) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "devices/IDevice.h"
+#include "devices/TCmdTable.h"
 
 // Three-wire (Microwire) EEPROMs of the 93 series. Unfinished: the catalogue never makes this family, and
 // its executor has only the clock and the erase; the other commands wait for their packets.
@@ -24,6 +25,9 @@ public:
     QWidget* getWgtCmdSetDeviceParam(const TData& param) override;
     QByteArray getCmdSetDeviceExec(const TData& param) override;
     IDeviceExec* createExecObject(const TData& param) override;
+
+    // The family's commands in the order offered.
+    static const TCmdRows& cmdTable();
 
 private:
     const QStringList cmdList;

@@ -3,8 +3,6 @@
 #include "devices/IDeviceExec.h"
 #include "devices/TDevAVR8Alg.h"
 
-#include <functional>
-
 // Runs one command of the AVR family against the programmer.
 class TDevAVR8Exec : public IDeviceExec {
     Q_OBJECT
@@ -50,34 +48,17 @@ public:
 
 private:
     enum class Space { Flash, Eeprom };
-    using Source = std::function<QByteArray(qint64 addr, int len)>;
-    using Sink = std::function<bool(qint64 addr, const QByteArray& data)>;
 
     bool prepare(TSerialPort& port);
     int alg(const char* key) const;
-    // After a failed packet builder: its text, or the missing algorithm when it sent nothing.
-    bool fail(const QString& err, const char* algKey);
-    int writeChunk(Space space) const;
-    bool readPiece(TSerialPort& port, Space space, qint64 addr, int len, QByteArray& out);
-    bool writePiece(TSerialPort& port, Space space, qint64 addr, const QByteArray& data);
-
-    bool writeRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& source);
-    bool verifyRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Source& expected);
-    bool readRange(TSerialPort& port, Space space, qint64 addr, qint64 end, const Sink& sink);
-
+    TMemorySpace memory(TSerialPort& port, Space space);
+    bool range(TSerialPort& port, Space space, RangeCmd cmd);
     bool testEmptySpace(TSerialPort& port, Space space);
-    bool writeCharSpace(TSerialPort& port, Space space, bool verify);
-    bool dataSpace(TSerialPort& port, Space space, int mode);
-    bool writeFileSpace(TSerialPort& port, Space space);
-    bool verifyFileSpace(TSerialPort& port, Space space);
-    bool readFileSpace(TSerialPort& port, Space space);
 
     bool readFuseBytes(TSerialPort& port, QByteArray& read);
     bool readLockByte(TSerialPort& port, QByteArray& read);
     // Compares the command's data with what was read; id is the text of the mismatch.
     bool verifyBytes(const QByteArray& read, int id);
 
-    TData dev;
-    int maxData = 0;
     TDevAVR8Alg::FlashState flashState;
 };

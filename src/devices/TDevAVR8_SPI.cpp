@@ -24,37 +24,54 @@ IDevice* TDevAVR8_SPI::Instance(const QString& code, const TData& param) {
     return new TDevAVR8_SPI(code, param);
 }
 
-QStringList TDevAVR8_SPI::getCmdList() {
+const TCmdRows& TDevAVR8_SPI::cmdTable() {
     using namespace CTagCmdCode;
-    return {set_clk,
-            ident,
-            erase,
-            test_empty_flash,
-            test_empty_eeprom,
-            flash_char_write,
-            flash_char_verify,
-            flash_data_read,
-            flash_data_write,
-            flash_data_verify,
-            flash_file_read,
-            flash_file_write,
-            flash_file_verify,
-            eeprom_char_write,
-            eeprom_char_verify,
-            eeprom_data_read,
-            eeprom_data_write,
-            eeprom_data_verify,
-            eeprom_file_read,
-            eeprom_file_write,
-            eeprom_file_verify,
-            fuse_read,
-            fuse_write,
-            fuse_verify,
-            lock_read,
-            lock_write,
-            lock_verify,
-            osccal_read,
-            leave};
+    using K = TCmdKind;
+    using O = TCmdOp;
+    enum { Flash = 0, Eeprom = 1 };
+    static const TCmdRows rows{
+        {set_clk, K::Clock, O::None, Flash},
+        {ident, K::Own, O::Read, Flash},
+        {erase, K::Plain, O::Write, Flash},
+        {test_empty_flash, K::Plain, O::Verify, Flash},
+        {test_empty_eeprom, K::Plain, O::Verify, Eeprom},
+        {flash_char_write, K::Char, O::Write, Flash},
+        {flash_char_verify, K::Char, O::Verify, Flash},
+        {flash_data_read, K::Data, O::Read, Flash},
+        {flash_data_write, K::Data, O::Write, Flash},
+        {flash_data_verify, K::Data, O::Verify, Flash},
+        {flash_file_read, K::File, O::Read, Flash},
+        {flash_file_write, K::File, O::Write, Flash},
+        {flash_file_verify, K::File, O::Verify, Flash},
+        {eeprom_char_write, K::Char, O::Write, Eeprom},
+        {eeprom_char_verify, K::Char, O::Verify, Eeprom},
+        {eeprom_data_read, K::Data, O::Read, Eeprom},
+        {eeprom_data_write, K::Data, O::Write, Eeprom},
+        {eeprom_data_verify, K::Data, O::Verify, Eeprom},
+        {eeprom_file_read, K::File, O::Read, Eeprom},
+        {eeprom_file_write, K::File, O::Write, Eeprom},
+        {eeprom_file_verify, K::File, O::Verify, Eeprom},
+        {fuse_read, K::Own, O::Read, Flash},
+        {fuse_write, K::Own, O::Write, Flash},
+        {fuse_verify, K::Own, O::Verify, Flash},
+        {lock_read, K::Own, O::Read, Flash},
+        {lock_write, K::Own, O::Write, Flash},
+        {lock_verify, K::Own, O::Verify, Flash},
+        {osccal_read, K::Own, O::Read, Flash},
+        {leave, K::Leave, O::None, Flash},
+    };
+    return rows;
+}
+
+QStringList TDevAVR8_SPI::getCmdList() {
+    return TCmdTable::codes(cmdTable());
+}
+
+void TDevAVR8_SPI::spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const {
+    if (row.space == 1)
+        TNormCmdParam::readDevDataEEPROM(this, begin, size);
+    else
+        TNormCmdParam::readDevDataFlash(this, begin, size);
 }
 
 QString TDevAVR8_SPI::algKey(const QString& code) {
@@ -107,25 +124,13 @@ QString TDevAVR8_SPI::bytesConfig(const QString& code) {
 }
 
 void TDevAVR8_SPI::getDefaultCmdParam(TData& p) {
-    using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
-    if (TMiscDev::isOneOf(code, {flash_char_write, flash_char_verify}))
-        TNormCmdParam::cmdRWVFlashCharDef(this, p);
-    if (TMiscDev::isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
-        TNormCmdParam::cmdRWVFlashDataDef(this, p);
-    if (TMiscDev::isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
-        TNormCmdParam::cmdRWVFlashFileDef(this, p);
-    if (TMiscDev::isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
-        TNormCmdParam::cmdRWVEEPROMCharDef(this, p);
-    if (TMiscDev::isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
-        TNormCmdParam::cmdRWVEEPROMDataDef(this, p);
-    if (TMiscDev::isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
-        TNormCmdParam::cmdRWVEEPROMFileDef(this, p);
-    if (TMiscDev::isOneOf(
-            code, {fuse_read, fuse_write, fuse_verify, lock_read, lock_write, lock_verify, osccal_read}))
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    if (!row) return;
+    qint64 begin, size;
+    spaceRange(*row, begin, size);
+    if (!TCmdTable::defaults(*row, this, p, begin, size) && !bytesGroup(code).isEmpty())
         p.insert(kData, bytesDefault(code));
-    if (code == QLatin1String(set_clk)) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
-    if (code == QLatin1String(leave)) TNormCmdParam::cmdLeaveDef(p, true);
 }
 
 QString TDevAVR8_SPI::getViewCmdName(const TData& p) const {
@@ -133,52 +138,30 @@ QString TDevAVR8_SPI::getViewCmdName(const TData& p) const {
 }
 
 QString TDevAVR8_SPI::getViewCmdParam(const TData& p, QWidget*) const {
-    using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
-    if (TMiscDev::isOneOf(code, {flash_char_write, flash_char_verify, eeprom_char_write, eeprom_char_verify}))
-        return TNormCmdParam::cmdRWVCharView(p);
-    if (TMiscDev::isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify, eeprom_data_read,
-                                 eeprom_data_write, eeprom_data_verify}))
-        return TNormCmdParam::cmdRWVDataView(p);
-    if (TMiscDev::isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify, eeprom_file_read,
-                                 eeprom_file_write, eeprom_file_verify}))
-        return TNormCmdParam::cmdRWVFileView(p);
-    if (code == QLatin1String(ident))
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    QString text;
+    if (!row || TCmdTable::view(*row, p, text)) return text;
+    if (code == QLatin1String(CTagCmdCode::ident))
         return Lang.get(485).arg(devParam.value(QStringLiteral("signature")).toString());
-    if (!bytesDefault(code).isEmpty()) return p.value(kData).toString();
-    if (code == QLatin1String(set_clk)) return TMiscDev::getViewFreqValue(int(TMiscDev::getCLK(p)));
-    if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveView(p, true);
-    return QString();
+    return bytesDefault(code).isEmpty() ? QString() : p.value(kData).toString(); // fuses, lock, calibration
 }
 
 QWidget* TDevAVR8_SPI::getFormCmdParam(const TData& p) const {
-    using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
     TFormCmd* form = nullptr;
-    if (code == QLatin1String(set_clk)) form = TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
-    if (TMiscDev::isOneOf(code, {flash_char_write, flash_char_verify}))
-        form = TNormCmdParam::cmdRWVFlashCharForm(this, p);
-    if (TMiscDev::isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
-        form = TNormCmdParam::cmdRWVFlashDataForm(this, p);
-    if (TMiscDev::isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
-        form = TNormCmdParam::cmdRWVFlashFileForm(this, p);
-    if (TMiscDev::isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
-        form = TNormCmdParam::cmdRWVEEPROMCharForm(this, p);
-    if (TMiscDev::isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
-        form = TNormCmdParam::cmdRWVEEPROMDataForm(this, p);
-    if (TMiscDev::isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
-        form = TNormCmdParam::cmdRWVEEPROMFileForm(this, p);
-    if (!bytesGroup(code).isEmpty()) {
+    qint64 begin = 0, size = 0;
+    if (row) spaceRange(*row, begin, size);
+    if (row && !TCmdTable::form(*row, this, p, begin, size, form) && !bytesGroup(code).isEmpty()) {
         // Read commands show what they read; only writes and verifies are edited.
         form = new TFormCmd(p);
-        const bool read = code.endsWith(QLatin1String("_read"));
-        const QByteArray factory = read || code == QLatin1String(osccal_read)
-                                       ? QByteArray()
-                                       : QByteArray::fromHex(bytesDefault(code).toLatin1());
+        const bool read = row->op == TCmdOp::Read;
+        // A write or verify starts from the factory bytes; a read shows what it read.
+        const QByteArray factory = read ? QByteArray() : QByteArray::fromHex(bytesDefault(code).toLatin1());
         TWgtRegisterForm::addToForm(form, kData, devParam.value(bytesConfig(code)).toStringList(), read,
                                     false, factory);
     }
-    if (code == QLatin1String(leave)) form = TNormCmdParam::cmdLeaveForm(this, p, true);
     return keepForm(form);
 }
 
@@ -205,28 +188,15 @@ bool TDevAVR8_SPI::checkBytes(const QString& code, const TData& p) const {
 }
 
 bool TDevAVR8_SPI::checkCmdParam(const TData& p) {
-    using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
-    if (code == QLatin1String(set_clk)) return TNormCmdParam::cmdSetCLKCheck(p);
-    if (TMiscDev::isOneOf(
-            code, {ident, erase, test_empty_flash, test_empty_eeprom, fuse_read, lock_read, osccal_read}))
-        return true;
-    if (TMiscDev::isOneOf(code, {flash_char_write, flash_char_verify}))
-        return TNormCmdParam::cmdRWVFlashCharCheck(this, p);
-    if (TMiscDev::isOneOf(code, {flash_data_read, flash_data_write, flash_data_verify}))
-        return TNormCmdParam::cmdRWVFlashDataCheck(this, p);
-    if (TMiscDev::isOneOf(code, {flash_file_read, flash_file_write, flash_file_verify}))
-        return TNormCmdParam::cmdRWVFlashFileCheck(this, p);
-    if (TMiscDev::isOneOf(code, {eeprom_char_write, eeprom_char_verify}))
-        return TNormCmdParam::cmdRWVEEPROMCharCheck(this, p);
-    if (TMiscDev::isOneOf(code, {eeprom_data_read, eeprom_data_write, eeprom_data_verify}))
-        return TNormCmdParam::cmdRWVEEPROMDataCheck(this, p);
-    if (TMiscDev::isOneOf(code, {eeprom_file_read, eeprom_file_write, eeprom_file_verify}))
-        return TNormCmdParam::cmdRWVEEPROMFileCheck(this, p);
-    if (TMiscDev::isOneOf(code, {fuse_write, fuse_verify, lock_write, lock_verify}))
-        return checkBytes(code, p);
-    if (code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveCheck(p, true);
-    return false;
+    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    if (!row) return false;
+    qint64 begin, size;
+    spaceRange(*row, begin, size);
+    bool valid = false;
+    if (TCmdTable::check(*row, p, begin, size, valid)) return valid;
+    // Identification and the reads of fuses, lock bits and calibration take no parameters.
+    return row->op == TCmdOp::Read || checkBytes(code, p);
 }
 
 bool TDevAVR8_SPI::checkCmdSetDeviceParam(const TData&) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "devices/IDevice.h"
+#include "devices/TCmdTable.h"
 
 // The editing side of the AVR family (serial programming over SPI): flash and EEPROM spaces, fuse and
 // lock bytes, calibration bytes, and the set-device payload.
@@ -11,6 +12,9 @@ public:
     static IDevice* Instance(const QString& code, const TData& param);
 
     static QStringList getCmdList();
+    // The family's commands in the order offered; the editing side and the executor both follow it.
+    // Memory spaces: 0 flash, 1 EEPROM.
+    static const TCmdRows& cmdTable();
 
     bool supportCmd(const QString& code) const override;
     QStringList getSupportCmdList() const override;
@@ -29,6 +33,7 @@ public:
     QString getNotSupportedText(const QString& code) const override;
 
 private:
+    void spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const;
     // The commands whose algorithm the part's description names; the catalogue leaves out an operation
     // whose serial programming instruction none of the family's algorithms sends correctly.
     QStringList offeredCmdList() const;

@@ -134,8 +134,10 @@ bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {
     for (const auto& pair : TSignature::getSignatureListFromName(family))
         if (pair.first == signature) {
             matches.append(pair.second);
-            emit signalEventText(ExecResult, Lang.get(401).arg(QStringLiteral("%1 (%2)").arg(pair.second, signature)),
-                                 QString());
+            // The device name travels as the event's parameter for callers that act on what was found.
+            emit signalEventText(ExecResult,
+                                 Lang.get(401).arg(QStringLiteral("%1 (%2)").arg(pair.second, signature)),
+                                 pair.second);
         }
     if (matches.isEmpty()) {
         const QString text = Lang.get(402) + QStringLiteral(" (%1)").arg(signature);
@@ -158,7 +160,8 @@ bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {
             }
             // The routed configuration takes the programmer over: this run lets go of the port and ends.
             port.close();
-            emit signalEventText(ExecInfo, Lang.get(403).arg(ProjectData.getNameCfgFromIdCfg(target)), QString());
+            emit signalEventText(ExecInfo, Lang.get(403).arg(ProjectData.getNameCfgFromIdCfg(target)),
+                                 QString());
             if (TAPP_PARAM(param, "execute").toBool()) emit signalExecuteFromCmd(target);
             finish = true;
             return true;

@@ -118,7 +118,8 @@ bool TDevToolsExec::execJamp(int& idCfg, int& idCmd) {
     }
     if (idCfg != from)
         emit signalEventText(
-            ExecInfo, QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), ProjectData.getNameCfgFromIdCfg(idCfg)),
+            ExecInfo,
+            QStringLiteral("\n--> %1 \"%2\"").arg(Lang.get(394), ProjectData.getNameCfgFromIdCfg(idCfg)),
             QString());
     return true;
 }
@@ -223,7 +224,7 @@ bool TDevToolsExec::execCalcCRC() {
         long long pos = at;
         QByteArray bytes;
         if (!data.read(pos, bytes)) {
-            setErrorText(data.getErrorText());
+            setFileError(data);
             return false;
         }
         if (bytes.isEmpty() || pos >= end) {
@@ -247,8 +248,9 @@ bool TDevToolsExec::execCalcCRC() {
     }
     data.close();
     if (isStop()) return true;
-    emit signalEventText(
-        ExecResult, QStringLiteral("%1: %2").arg(name, TMiscDev::getHexFromByteArray(crc->getResult())), QString());
+    emit signalEventText(ExecResult,
+                         QStringLiteral("%1: %2").arg(name, TMiscDev::getHexFromByteArray(crc->getResult())),
+                         QString());
     return true;
 }
 
@@ -260,7 +262,7 @@ bool TDevToolsExec::waitForPort(TSerialPort& port, const QString& portName) {
     QString heldBy;
     bool told = false;
     while (!TPortLock::claim(portName, &port, me, &heldBy)) {
-        if (!told) emit signalEventText(2, Lang.get(1302).arg(portName, heldBy), QString());
+        if (!told) emit signalEventText(ExecMessage, Lang.get(1302).arg(portName, heldBy), QString());
         told = true;
         QCoreApplication::processEvents();
         if (isStop()) return false;

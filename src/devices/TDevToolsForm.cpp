@@ -131,8 +131,9 @@ TFormCmd* TDevTools::cmdCalcCRCForm(const TData& p) {
     form->addChoice(crc_name, Lang.get(528), names, QVariantList(names.begin(), names.end()));
     form->addFile(file, Lang.get(529), TFormat::getMaskFormats(), false)->setObjectName(file);
     const QStringList keys = TFormat::getFormatKeys();
-    form->addChoice(format, Lang.get(530), TFormat::getViewFormats(), QVariantList(keys.begin(), keys.end()),
-                    true);
+    QComboBox* formats = form->addChoice(format, Lang.get(530), TFormat::getViewFormats(),
+                                         QVariantList(keys.begin(), keys.end()), true);
+    form->followFileFormat(file, formats, false);
     form->addHex(addr, Lang.get(531), 0, int64Max)->setObjectName(addr);
     form->addHex(count, Lang.get(532), 0, int64Max)->setObjectName(count);
     form->addHex(fill, Lang.get(533), 0, 0xFF)->setObjectName(fill);

@@ -18,6 +18,11 @@
 
 #include <memory>
 
+namespace {
+// A command that failed without a text.
+constexpr int LangSilentFailure = 1215;
+} // namespace
+
 TExec::TExec(int id, QObject* parent) : QObject(parent), idCfg(id), checkBeforeRun(AppData.checkBeforeRun) {}
 
 TExec::~TExec() {
@@ -78,6 +83,17 @@ bool TExec::leaveProgrammer(TSerialPort& port) {
     return ok;
 }
 
+// A file that an earlier read of this run wrote is checked now; a warning the command deserves is logged.
+bool TExec::checkCommand(TRunCheck& check, const TData& data, QString& error) {
+    if (checkBeforeRun && !check.checkCommand(data)) {
+        error = check.getErrorText();
+        return false;
+    }
+    const QString warning = TRunCheck::getWarning(data);
+    if (!warning.isEmpty()) relayEventText(ExecInfo, warning, QString());
+    return true;
+}
+
 bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QString& error) {
     bool finish = false;
     int idCmd = -1, current = idCfg;
@@ -111,12 +127,7 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         }
         error = TCmdProblem::get(info.name, info.data, info.group);
         if (!error.isEmpty()) return false;
-        if (checkBeforeRun && !check.checkCommand(info.data)) {
-            error = check.getErrorText();
-            return false;
-        }
-        const QString warning = TRunCheck::getWarning(info.data);
-        if (!warning.isEmpty()) relayEventText(ExecInfo, warning, QString());
+        if (!checkCommand(check, info.data, error)) return false;
         connectExec(exec, code);
         // A stop that came before the executor was connected still reaches it.
         if (stop) exec->slotStop();
@@ -136,7 +147,13 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         processEvents();
         // A command abandoned because the user asked to stop is no failure: the run ends as stopped.
         if (!ok && stop) return true;
-        if (!ok) return false;
+        if (!ok) {
+            // Some family failures carry no text of their own (as those families are defined); the log
+            // still has to say which command failed.
+            if (error.isEmpty() && exec->getErrorText().isEmpty())
+                error = Lang.get(LangSilentFailure).arg(info.name);
+            return false;
+        }
     }
 }
 
@@ -149,6 +166,7 @@ void TExec::slotStart() {
     if (!result && error.isEmpty() && exec) error = exec->getErrorText();
 
     const bool timeout = port.isTimeOut();
+    if (!result) error = withPort(port, error, timeout);
     bool verdict = result;
     if (!isLeave && exec && port.isOpen() && !timeout) {
         TDevProgExec prog{TData()};
@@ -170,6 +188,16 @@ void TExec::slotStart() {
     delete exec;
     TThreadSync::emitBlocking([&] { emit signalStatusFromCmd(idCfg, result); });
     emit signalFinished();
+}
+
+// A failure of the link itself (no port, no answer, a pulled cable) names the port on a line of its own;
+// an error the programmer answered with does not need it.
+QString TExec::withPort(const TSerialPort& port, const QString& error, bool timeout) {
+    const QString name = port.getPortName();
+    if (name.isEmpty() || error.isEmpty() || !(timeout || (!port.isOpen() && error == port.getErrorText())))
+        return error;
+    const QString path = name.startsWith(QLatin1Char('/')) ? name : QStringLiteral("/dev/") + name;
+    return error + QLatin1Char('\n') + Lang.get(1730).arg(path);
 }
 
 void TExec::relayEventText(TCodeExec code, QString text, QString param) {

@@ -7,6 +7,7 @@
 #include <atomic>
 
 class IDeviceExec;
+class TRunCheck;
 class TSerialPort;
 
 // Runs one configuration from top to bottom in a thread of its own: each checked command is announced,
@@ -49,7 +50,9 @@ private slots:
 private:
     bool runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QString& error);
     bool leaveProgrammer(TSerialPort& port);
+    bool checkCommand(TRunCheck& check, const TData& data, QString& error);
     void connectExec(IDeviceExec* exec, const QString& code);
+    static QString withPort(const TSerialPort& port, const QString& error, bool timeout);
 
     const int idCfg;
     // Taken from the settings when the run is made, in the interface thread.

@@ -52,7 +52,7 @@ QString TLogText::escape(const QString& text, bool keepLineBreaks) {
 // A command's name and parameters are one line; messages may hold several.
 QList<TLogPiece> TLogText::event(TCodeExec code, const QString& rawText, const QString& rawParam,
                                  const QTime& now) const {
-    const QString text = escape(rawText, code != 0);
+    const QString text = escape(rawText, code != ExecCmdStart);
     const QString param = escape(rawParam);
     QList<TLogPiece> pieces;
     auto timed = [&] {

@@ -4,6 +4,7 @@
 #include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "devices/TDevTools.h"
+#include "exec/TLogText.h"
 #include "formats/TDataFileCheck.h"
 #include "formats/TFormat.h"
 #include "misc/dev_misc.h"
@@ -12,7 +13,6 @@
 #include "project/TCmdProblem.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
-#include "project/TPrjText.h"
 
 #include <QFileInfo>
 
@@ -61,9 +61,11 @@ bool TRunCheck::readsFile(const TData& data, FileUse& use) {
     use.format = data.value(format).toString().toLower();
     use.addrFile = use.addrDevice = data.value(addr).toLongLong();
     // A count of 0 sums the file from addr to its end.
+    // A hostile project may give values near the limits: the end saturates instead of wrapping.
     const qint64 n = data.value(count).toLongLong();
-    use.last =
-        TMiscDev::getLastAddr(use.addrDevice, n > 0 ? n : std::numeric_limits<qint32>::max() + qint64(1));
+    const qint64 span = n > 0 ? n - 1 : std::numeric_limits<qint32>::max();
+    const qint64 top = std::numeric_limits<qint64>::max();
+    use.last = use.addrDevice > top - span ? top : use.addrDevice + span;
     return true;
 }
 
@@ -112,16 +114,18 @@ TRunCheck::Item TRunCheck::describe(TDataCmd* cmd, int pos, int cfg) const {
     IDevice* group = cmd->getGroupObject();
     QString name = group ? group->getViewCmdName(data) : QString();
     if (name.isEmpty()) name = cmd->getCmdCode();
+    // Names come from the project, which may come from anyone: none may start a line of its own in the log.
+    name = TLogText::escape(name);
     item.idCmd = cmd->getUIN();
-    item.where = Lang.get(text_where).arg(pos + 1).arg(name, ProjectData.getNameCfgFromIdCfg(cfg));
-    if (!group || !cmd->getValidDev()) {
-        item.invalid = group ? TCmdProblem::get(name, data) : Lang.get(387).arg(name);
-    } else if (!TPrjText::findUnwritableKey(data).isEmpty()) {
-        item.invalid = TPrjText::getInvalidParamText(name, data);
-    } else if (!cmd->getValidParam()) {
+    item.where =
+        Lang.get(text_where).arg(pos + 1).arg(name, TLogText::escape(ProjectData.getNameCfgFromIdCfg(cfg)));
+    item.invalid = TCmdProblem::get(name, data, group);
+    if (item.invalid.isEmpty() && !group)
+        item.invalid = IDevice::notSupportedText(group, cmd->getCmdCode(), name);
+    // The plain "invalid parameters" text gains the parameter, where the family's check can tell it.
+    if (group && item.invalid == Lang.get(388).arg(name)) {
         const QString key = wrongParam(group, data);
-        item.invalid =
-            Lang.get(388).arg(name) + (key.isEmpty() ? QString() : Lang.get(text_bad_param).arg(key));
+        if (!key.isEmpty()) item.invalid += Lang.get(text_bad_param).arg(key);
     }
     item.readsFile = readsFile(data, item.use);
     return item;
@@ -170,7 +174,7 @@ bool TRunCheck::checkFile(const Item& item) {
     if (TDataFileCheck::check(item.use.format, item.use.file, item.use.addrFile, item.use.addrDevice,
                               item.use.last, fault))
         return true;
-    error = item.where.arg(fault);
+    error = item.where.arg(fault.replace(item.use.file, TLogText::escape(item.use.file)));
     return false;
 }
 

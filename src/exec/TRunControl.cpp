@@ -8,14 +8,6 @@
 #include <QCoreApplication>
 #include <QThread>
 
-namespace {
-// Log event codes of the worker (the run's start of a command, a text line, its two ends).
-constexpr TCodeExec EventCmd = 0;
-constexpr TCodeExec EventText = 2;
-constexpr TCodeExec EventEndOk = 5;
-constexpr TCodeExec EventEndFailed = 6;
-} // namespace
-
 TRunControl::TRunControl(QObject* parent) : QObject(parent) {}
 
 TRunControl::~TRunControl() {
@@ -68,8 +60,9 @@ bool TRunControl::start(int idCfg) {
     connect(exec, &TExec::signalStatusFromCmd, this, &TRunControl::slotStatusFromCmd, blocking);
     // Once the thread has ended nothing touches the worker any more: it is joined and destroyed there.
     connect(run.thread, &QThread::finished, this, [this, idCfg] { runFinished(idCfg); });
+    QThread* thread = run.thread;
     emit signalStarted(idCfg);
-    run.thread->start(QThread::NormalPriority);
+    thread->start(QThread::NormalPriority);
     return true;
 }
 
@@ -109,28 +102,32 @@ int TRunControl::senderCfg() const {
 }
 
 // A command lasts from its announcement to the next event of the run's own making.
-void TRunControl::closeCommand(int idCfg, Run& run) {
+void TRunControl::closeCommand(int idCfg) {
+    Run& run = runs[idCfg];
     if (!run.commandOpen) return;
     run.commandOpen = false;
     if (showDurations && showDurations())
-        emit signalEventText(idCfg, EventText, Lang.get(1300).arg(seconds(run.command.elapsed())), QString());
+        emit signalEventText(idCfg, ExecMessage, Lang.get(1300).arg(seconds(run.command.elapsed())),
+                             QString());
 }
 
+// The run stays in the table while its worker waits here, but a presenter's slot may start or end
+// other runs: the entry is looked up again after every emit.
 void TRunControl::slotEventText(TCodeExec code, QString text, QString param) {
     TThreadSync::Receiver sync;
     const int idCfg = senderCfg();
-    auto it = runs.find(idCfg);
-    if (it == runs.end()) return;
-    const bool end = code == EventEndOk || code == EventEndFailed;
-    if (code == EventCmd || end) closeCommand(idCfg, *it);
-    if (end) it->finalCode = code;
+    if (!runs.contains(idCfg)) return;
+    const bool end = code == ExecSuccess || code == ExecFailed;
+    if (code == ExecCmdStart || end) closeCommand(idCfg);
+    if (end) runs[idCfg].finalCode = code;
     emit signalEventText(idCfg, code, text, param);
-    if (code == EventCmd) {
-        it->commandOpen = true;
-        it->command.start();
+    if (code == ExecCmdStart) {
+        runs[idCfg].commandOpen = true;
+        runs[idCfg].command.start();
     }
     if (end && showDurations && showDurations())
-        emit signalEventText(idCfg, EventText, Lang.get(1301).arg(seconds(it->total.elapsed())), QString());
+        emit signalEventText(idCfg, ExecMessage, Lang.get(1301).arg(seconds(runs[idCfg].total.elapsed())),
+                             QString());
 }
 
 void TRunControl::slotEventProc(int percent) {
@@ -145,9 +142,8 @@ void TRunControl::slotExecuteFromCmd(int idCfg) {
 
 void TRunControl::slotPauseFromCmd(int idCfg) {
     TThreadSync::Receiver sync;
-    auto it = runs.find(idCfg);
-    if (it == runs.end()) return;
-    it->paused = true;
+    if (!runs.contains(idCfg)) return;
+    runs[idCfg].paused = true;
     emit signalPaused(idCfg);
 }
 
@@ -162,12 +158,12 @@ void TRunControl::runFinished(int idCfg) {
     if (it == runs.end()) return;
     const Run run = *it;
     run.thread->wait();
-    const TCodeCfgStatus outcome = run.finalCode != EventEndOk ? CfgStatusError
-                                   : run.exec->endedByStop()   ? CfgStatusStopped
-                                                               : CfgStatusOk;
+    const TCodeCfgStatus outcome = run.finalCode != ExecSuccess ? CfgStatusError
+                                   : run.exec->endedByStop()    ? CfgStatusStopped
+                                                                : CfgStatusOk;
     delete run.exec;
     delete run.thread;
-    runs.erase(it);
+    runs.remove(idCfg);
     Tally& t = tallies[idCfg];
     (outcome == CfgStatusOk ? t.passed : outcome == CfgStatusStopped ? t.stopped : t.failed) += 1;
     ProjectData.setCfgStatus(idCfg, outcome);

@@ -81,13 +81,13 @@ private:
         QThread* thread = nullptr;
         TExec* exec = nullptr;
         bool paused = false;
-        int finalCode = -1; // the final event's code, 5 or 6, once it came
+        int finalCode = -1; // the final event, ExecSuccess or ExecFailed, once it came
         QElapsedTimer total, command;
         bool commandOpen = false;
     };
 
     int senderCfg() const;
-    void closeCommand(int idCfg, Run& run);
+    void closeCommand(int idCfg);
     void runFinished(int idCfg);
 
     QHash<int, Run> runs;

@@ -6,6 +6,7 @@
 #include "devices/TDevToolsExec.h"
 #include "exec/TLogText.h"
 #include "exec/TRunControl.h"
+#include "exec/TRunJournal.h"
 #include "misc/TLockOut.h"
 #include "project/CTagPrj.h"
 #include "project/TCmdProblem.h"
@@ -13,6 +14,7 @@
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjCheck.h"
 
 #include <QSocketNotifier>
 #include <QTime>
@@ -59,6 +61,11 @@ bool TRunner::loadProject(const QString& file) {
         return false;
     }
     ProjectData.resetChange();
+    // A hand-written project runs as loaded; what it got wrong is said first.
+    QByteArray data;
+    if (ctrl.file_to_data(file, data))
+        for (const QString& problem : TPrjCheck::check(data, ProjectData))
+            std::fprintf(err, "%s\n", qPrintable(problem));
     return true;
 }
 
@@ -98,8 +105,12 @@ void TRunner::installSigint() {
 }
 
 int TRunner::run(const Options& options) {
+    if (!loadProject(options.project)) return ExitUsage;
+    return runLoaded(options);
+}
+
+int TRunner::runLoaded(const Options& options) {
     opt = options;
-    if (!loadProject(opt.project)) return ExitUsage;
     QList<int> ids;
     for (const QString& name : opt.configs) {
         const int id = ProjectData.getIdCfgFromNameCfg(name);
@@ -120,6 +131,7 @@ int TRunner::run(const Options& options) {
     TLockOut::setAllowedAll(opt.allowLockout);
     log = new TLogText(AppData.logShowTime, AppData.logShowMSec);
     control = new TRunControl(this);
+    new TRunJournal(control, [] { return AppData.logDir; });
     control->setShowDurations([] { return AppData.logShowTime; });
     connect(control, &TRunControl::signalStarted, this, &TRunner::slotStarted);
     connect(control, &TRunControl::signalEventText, this, &TRunner::slotEventText);
@@ -164,6 +176,7 @@ void TRunner::clearProgress() {
 }
 
 void TRunner::slotEventText(int idCfg, TCodeExec code, QString text, QString param) {
+    emit signalEvent(code, text, param);
     const QList<TLogPiece> pieces = log->event(code, text, param, QTime::currentTime());
     if (pieces.isEmpty()) return;
     QString line = TLogText::toPlain(pieces);

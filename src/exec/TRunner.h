@@ -33,6 +33,12 @@ public:
     // Runs and returns the exit status; needs a running Qt application object.
     int run(const Options& options);
     int list(const QString& project);
+    // The same for the project already in the model (one built in memory); options.project is not read.
+    int runLoaded(const Options& options);
+
+signals:
+    // Every log event of every run, as it is printed.
+    void signalEvent(TCodeExec code, const QString& text, const QString& param);
 
 public slots:
     void stopAll(); // as the stop button of every run (Ctrl-C)

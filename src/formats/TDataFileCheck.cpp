@@ -74,9 +74,10 @@ bool TDataFileCheck::scanHex(const QString& file, QString& error) {
         if (end_line) return at(number, Lang.get(text_after_end).arg(end_line));
         if (fault != TIntelHexLine::Ok) return at(number, TIntelHexLine::faultText(fault, record.type));
         if (record.type == TIntelHexLine::End) end_line = number;
-        const int value = record.length == 2 ? record.data[0] << 8 | record.data[1] : 0;
-        if (record.type == TIntelHexLine::Segment && value > largest_own_upper)
-            return at(number, Lang.get(text_segment).arg(TMiscDev::getHexFromInt(value)));
+        if (record.type == TIntelHexLine::Segment && TIntelHexLine::addressValue(record) > largest_own_upper)
+            return at(
+                number,
+                Lang.get(text_segment).arg(TMiscDev::getHexFromInt(TIntelHexLine::addressValue(record))));
     }
     if (!end_line) return at(number, Lang.get(text_no_end));
     return true;

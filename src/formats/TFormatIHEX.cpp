@@ -54,7 +54,6 @@ bool TFormatIHEX::load() {
         if (fault == TIntelHexLine::Blank) continue;
         if (end_line) return failAt(number, Lang.get(text_after_end).arg(end_line));
         if (fault != TIntelHexLine::Ok) return failAt(number, TIntelHexLine::faultText(fault, record.type));
-        const qint64 value = qint64(record.data[0]) << 8 | (record.length > 1 ? record.data[1] : 0);
         switch (record.type) {
         case TIntelHexLine::Data:
             if (!addData(base + record.offset, record.data, record.length, number)) return false;
@@ -63,10 +62,10 @@ bool TFormatIHEX::load() {
             end_line = number;
             break;
         case TIntelHexLine::Segment:
-            base = value << 4;
+            base = TIntelHexLine::addressValue(record) << 4;
             break;
         case TIntelHexLine::Linear:
-            base = value << 16;
+            base = TIntelHexLine::addressValue(record) << 16;
             break;
         default: // start addresses mean nothing to a programmer
             break;

@@ -10,11 +10,22 @@ constexpr int text_bad_checksum = 1004;
 constexpr int text_bad_type = 1005;
 constexpr int text_bad_address_record = 1006;
 
+// Value of each character as a hexadecimal digit, -1 for any other; a table, as every byte of a file
+// goes through it.
+struct TDigits {
+    signed char value[256];
+    constexpr TDigits() : value() {
+        for (int c = 0; c < 256; ++c)
+            value[c] = c >= '0' && c <= '9'   ? c - '0'
+                       : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                       : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                                              : -1;
+    }
+};
+constexpr TDigits hex_value;
+
 int digit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    return -1;
+    return hex_value.value[uchar(c)];
 }
 
 // Data bytes an address or end record must carry.

@@ -19,6 +19,8 @@ public:
     // Decodes line (its end of line and trailing blanks are ignored) into record; record.data points
     // into buffer. Blank for an empty line.
     static Fault decode(const char* line, qint64 size, QByteArray& buffer, Record& record);
+    // The value of a type 02 or 04 record that decode accepted: its two data bytes, high byte first.
+    static qint64 addressValue(const Record& record) { return qint64(record.data[0]) << 8 | record.data[1]; }
     // Appends ":LLAAAATT<data>CC" and CR LF to out, in upper-case digits.
     static void encode(QByteArray& out, int type, quint16 offset, const uchar* data, int length);
     // The language text of a fault, with the record type where it matters.

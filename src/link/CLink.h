@@ -14,7 +14,8 @@ struct TypeEntry {
     const char* name;
     const char* file;
 };
-const TypeEntry bridgeTypes[] = {{"serprog", "serprog.cfg"}, {"Arduino as ISP", "arduino-isp.cfg"}};
+const TypeEntry bridgeTypes[] = {{"serprog", "serprog.cfg"}, {"Arduino as ISP", "arduino-isp.cfg"},
+                                   {"Bus Pirate", "buspirate.cfg"}};
 // Beside it, an Arduino Nano or Uno with the Tarvelix firmware on the usual port of its USB bridge.
 const char* const nanoTypeName = "Arduino Nano";
 const char* const nanoTypeFile = "arduino-nano.cfg";

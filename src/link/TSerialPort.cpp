@@ -138,8 +138,8 @@ bool TSerialPort::fail() {
     timeOutFlag = true;
     // A port that vanished (cable pulled) reads end-of-file or fails; say so instead of "no answer".
     const QSerialPort::SerialPortError e = port->error();
-    const bool gone =
-        e == QSerialPort::ResourceError || e == QSerialPort::ReadError || e == QSerialPort::WriteError;
+    const bool gone = lineLost || e == QSerialPort::ResourceError || e == QSerialPort::ReadError ||
+                      e == QSerialPort::WriteError;
     errorText = gone ? Lang.get(431) : Lang.get(389);
     return false;
 }

@@ -130,8 +130,10 @@ TFormCmd* TNormCmdParam::formRWVFile(const TData& p, qint64 begin, qint64 size) 
     QVariantList keys;
     for (const QString& key : TFormat::getFormatKeys())
         keys.append(key.toUpper());
-    form->addChoice(CTagCmdRWV::format, Lang.get(566), TFormat::getViewFormats(), keys, true)
-        ->setObjectName(CTagCmdRWV::format);
+    QComboBox* format =
+        form->addChoice(CTagCmdRWV::format, Lang.get(566), TFormat::getViewFormats(), keys, true);
+    format->setObjectName(CTagCmdRWV::format);
+    form->followFileFormat(CTagCmdRWV::file, format, forSave);
     form->addHex(CTagCmdRWV::addr_file, Lang.get(567), 0, std::numeric_limits<qint64>::max())
         ->setObjectName(CTagCmdRWV::addr_file);
     addAddress(form, begin, size);

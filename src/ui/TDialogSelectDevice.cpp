@@ -141,7 +141,7 @@ QString TDialogSelectDevice::getFamilyView(const QString& f) {
     if (f == QLatin1String("Dev24")) return Lang.get(548);
     if (f == QLatin1String("Dev25")) return Lang.get(549);
     if (f == QLatin1String("DevAVR8_SPI")) return Lang.get(550);
-    if (f == QLatin1String("Dev93C")) return Lang.get(554);
+    if (f == QLatin1String("Dev93")) return Lang.get(554);
     return f;
 }
 

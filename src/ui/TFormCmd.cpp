@@ -2,12 +2,18 @@
 
 #include "app/TApp.h"
 #include "app/TLang.h"
+#include "formats/TFormat.h"
+#include "formats/TFormatGuess.h"
+#include "misc/TNumberText.h"
 #include "misc/dev_misc.h"
+#include "project/TDataPrj.h"
 #include "project/TPrjText.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -18,13 +24,44 @@
 #include <QToolButton>
 
 namespace {
-// Hex text with or without "0x"; ok is false for anything else.
-qint64 parseHex(QString text, bool& ok) {
-    text = text.trimmed();
-    if (text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)) text = text.mid(2);
-    return text.isEmpty() ? (ok = false, 0) : text.toLongLong(&ok, 16);
+// The folder the last file was chosen in, for the next chooser of this session.
+QString lastFolder;
+
+QString chooseFileDefault(QWidget* parent, const QString& title, const QString& start, const QString& filter,
+                          bool forSave) {
+    return forSave ? QFileDialog::getSaveFileName(parent, title, start, filter)
+                   : QFileDialog::getOpenFileName(parent, title, start, filter);
 }
+TFormCmd::FileChooser fileChooser = chooseFileDefault;
+
+// An invalid field is framed; its text stays as typed and readable.
+const QString kInvalidStyle =
+    QStringLiteral("QLineEdit, QComboBox, QPlainTextEdit { border: 2px solid #C02020; border-radius: 2px; }");
 } // namespace
+
+void TFormCmd::setFileChooser(FileChooser chooser) {
+    fileChooser = chooser ? chooser : chooseFileDefault;
+}
+
+void TFormCmd::resetLastFolder() {
+    lastFolder.clear();
+}
+
+// The file a chooser starts at: the field's own file, else the last folder used, else the project's.
+QString TFormCmd::fileStart(const QString& current) {
+    const QString project = ProjectData.getPrjWorkPath();
+    if (!current.trimmed().isEmpty()) return TApp::getAbsoluteFile(project, current.trimmed());
+    return lastFolder.isEmpty() ? project : lastFolder;
+}
+
+// A file beside or below the project's folder is stored relative to it, so the project can move.
+QString TFormCmd::fileToStore(const QString& chosen) {
+    const QString project = ProjectData.getPrjWorkPath();
+    const QString abs = QFileInfo(chosen).absoluteFilePath();
+    if (project.isEmpty()) return abs;
+    const QString rel = QDir(project).relativeFilePath(abs);
+    return rel.startsWith(QLatin1String("../")) || QDir::isAbsolutePath(rel) ? abs : rel;
+}
 
 TFormCmd::TFormCmd(const TData& param, QWidget* parent) : QWidget(parent), origin(param) {
     layout = new QFormLayout(this);
@@ -105,14 +142,15 @@ void TFormCmd::changed() {
     emit signalChanged();
 }
 
-// Invalid editors get the error colour and the reason as their tool tip.
+// Invalid editors get a red frame and the reason as their tool tip.
 void TFormCmd::mark() {
     for (const Field& f : fields) {
         const QString reason = f.check ? f.check() : QString();
-        QPalette pal = f.editor->palette();
-        pal.setColor(QPalette::Text,
-                     reason.isEmpty() ? palette().color(QPalette::Text) : TApp::getErrorColorText());
-        f.editor->setPalette(pal);
+        const bool invalid = !reason.isEmpty();
+        if (f.editor->property(kInvalid).toBool() != invalid) {
+            f.editor->setProperty(kInvalid, invalid);
+            f.editor->setStyleSheet(invalid ? kInvalidStyle : QString());
+        }
         f.editor->setToolTip(reason);
     }
 }
@@ -151,21 +189,21 @@ QLineEdit* TFormCmd::addDouble(const QString& key, const QString& caption, doubl
 
 QLineEdit* TFormCmd::addHex(const QString& key, const QString& caption, qint64 min, qint64 max,
                             const QString& hint) {
-    auto* edit = new QLineEdit(TMiscDev::getHexFromInt(origin.value(key).toLongLong()), this);
+    auto* edit = new QLineEdit(TNumberText::show(origin.value(key).toLongLong()), this);
     edit->setObjectName(key);
     connect(edit, &QLineEdit::textEdited, this, &TFormCmd::changed);
     addField(
         key, caption, withHint(edit, hint, this),
         [edit] {
             bool ok = false;
-            return QVariant(parseHex(edit->text(), ok));
+            return QVariant(TNumberText::parse(edit->text(), ok));
         },
         [edit, min, max] {
             bool ok = false;
-            const qint64 v = parseHex(edit->text(), ok);
+            const qint64 v = TNumberText::parse(edit->text(), ok);
             return ok && v >= min && v <= max
                        ? QString()
-                       : Lang.get(491).arg(TMiscDev::getHexFromInt(min)).arg(TMiscDev::getHexFromInt(max));
+                       : Lang.get(kTextNumberRange).arg(TNumberText::show(min), TNumberText::show(max));
         });
     return edit;
 }
@@ -234,12 +272,12 @@ QLineEdit* TFormCmd::addFile(const QString& key, const QString& caption, const Q
     browse->setText(Lang.get(496));
     browse->setToolTip(Lang.get(495));
     connect(edit, &QLineEdit::textEdited, this, &TFormCmd::changed);
-    connect(browse, &QToolButton::clicked, this, [this, edit, filter, forSave] {
-        const QString start = edit->text().isEmpty() ? QString() : edit->text();
-        const QString file = forSave ? QFileDialog::getSaveFileName(this, Lang.get(495), start, filter)
-                                     : QFileDialog::getOpenFileName(this, Lang.get(495), start, filter);
+    connect(browse, &QToolButton::clicked, this, [this, key, edit, filter, forSave] {
+        const QString file = fileChooser(this, Lang.get(495), fileStart(edit->text()), filter, forSave);
         if (file.isEmpty()) return;
-        edit->setText(file);
+        lastFolder = QFileInfo(file).absolutePath();
+        edit->setText(fileToStore(file));
+        emit signalFileChosen(key, QFileInfo(file).absoluteFilePath());
         changed();
     });
     auto* box = new QWidget(this);
@@ -251,6 +289,16 @@ QLineEdit* TFormCmd::addFile(const QString& key, const QString& caption, const Q
         key, caption, box, [edit] { return QVariant(edit->text()); },
         [edit] { return edit->text().trimmed().isEmpty() ? Lang.get(494) : QString(); });
     return edit;
+}
+
+void TFormCmd::followFileFormat(const QString& fileKey, QComboBox* format, bool forSave) {
+    connect(this, &TFormCmd::signalFileChosen, format, [=](const QString& key, const QString& file) {
+        if (key != fileKey) return;
+        // The choice lists the formats in the order of their keys.
+        const QString guess = forSave ? TFormatGuess::keyOfName(file) : TFormatGuess::keyOf(file);
+        const int i = TFormat::getFormatKeys().indexOf(guess);
+        if (i >= 0 && i < format->count()) format->setCurrentIndex(i);
+    });
 }
 
 QPlainTextEdit* TFormCmd::addHexData(const QString& key, const QString& caption, bool required) {

@@ -35,7 +35,8 @@ public:
     // Decimal number with a point, in [min, max].
     QLineEdit* addDouble(const QString& key, const QString& caption, double min, double max,
                          const QString& hint = QString());
-    // Integer shown and typed as hexadecimal (addresses, counts, fill bytes), in [min, max].
+    // Address, count or byte value in [min, max]: typed as "0x1F00", "32768", "32K" or "1M", shown as "0x"
+    // hexadecimal.
     QLineEdit* addHex(const QString& key, const QString& caption, qint64 min, qint64 max,
                       const QString& hint = QString());
     // One of texts; the record stores the matching entry of values (the texts themselves when empty),
@@ -46,10 +47,14 @@ public:
     QCheckBox* addCheck(const QString& key, const QString& caption);
     // Free text; required makes an empty text invalid.
     QLineEdit* addText(const QString& key, const QString& caption, bool required = false);
-    // A file name with a chooser button; filter as in QFileDialog ("*.bin *.hex").
+    // A file name with a chooser button; filter as in QFileDialog ("*.bin *.hex"). The chooser starts at
+    // the field's file, else in the folder last chosen from, else in the project's folder; a file beside
+    // or below the project's folder is stored relative to it. signalFileChosen tells which was chosen.
     QLineEdit* addFile(const QString& key, const QString& caption, const QString& filter, bool forSave);
     // Hexadecimal bytes, blanks and line breaks allowed; empty allowed unless required.
     QPlainTextEdit* addHexData(const QString& key, const QString& caption, bool required = false);
+    // A file chosen for fileKey sets the format choice from the file's contents (for saving: its name).
+    void followFileFormat(const QString& fileKey, QComboBox* format, bool forSave);
     // A line of text without a field (a size, a note).
     QLabel* addNote(const QString& caption, const QString& text);
 
@@ -71,8 +76,20 @@ public:
     // The record's value in the type of the original: a number stays a number, a text a text.
     static QVariant typed(const QVariant& origin, const QVariant& value);
 
+    // The file dialog of the choosers (tests put their own in; an empty function restores the dialog).
+    using FileChooser = std::function<QString(QWidget* parent, const QString& title, const QString& start,
+                                              const QString& filter, bool forSave)>;
+    static void setFileChooser(FileChooser chooser);
+    static void resetLastFolder();
+    static QString fileStart(const QString& current);
+    static QString fileToStore(const QString& chosen);
+
+    // The dynamic property an invalid field's editor carries while it is marked.
+    static constexpr const char* kInvalid = "invalid";
+
 signals:
     void signalChanged();
+    void signalFileChosen(const QString& key, const QString& absoluteFile);
 
 private:
     struct Field {
@@ -85,6 +102,8 @@ private:
     void add(Field field, bool withCaption = true);
     QString unsafeValue() const;
     void mark();
+
+    static constexpr int kTextNumberRange = 1720;
 
     TData origin;
     QFormLayout* layout;

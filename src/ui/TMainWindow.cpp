@@ -9,6 +9,7 @@
 #include "devices/IDevice.h"
 #include "devices/TDevToolsExec.h"
 #include "exec/TRunControl.h"
+#include "exec/TRunJournal.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
 #include "project/TCtrlProject.h"
@@ -52,6 +53,7 @@ static void initResources() {
 
 TMainWindow::TMainWindow(QWidget* parent)
     : QMainWindow(parent), control(new TRunControl(this)), history(&ProjectData) {
+    new TRunJournal(control, [] { return AppData.logDir; });
     initResources();
     connectRunControl();
     setWindowIcon(TIcons::getIcon(AppData.iconsSet, QStringLiteral("app")));
@@ -84,6 +86,7 @@ TMainWindow::TMainWindow(QWidget* parent)
     rebuildTabs();
     if (AppData.openLastPrj && !AppData.lastPrj.isEmpty() && QFileInfo::exists(AppData.lastPrj))
         openProject(AppData.lastPrj);
+    openFirstStart();
     updateTitle();
 }
 
@@ -138,6 +141,8 @@ void TMainWindow::createActions() {
     action("Language", Lang.get(17), nullptr, [this] { actLanguage(); });
     action("PrjLists", Lang.get(18), nullptr, [this] { actPrjLists(); });
     action("HexView", Lang.get(19), "hex", [this] { actHexView(); });
+    action("GettingStarted", Lang.get(1751), nullptr, [this] { actGettingStarted(); });
+    action("Shortcuts", Lang.get(1752), nullptr, [this] { actShortcuts(); });
     action("About", Lang.get(21), nullptr, [this] { actAbout(); });
     createEditActions();
     THotKeys::apply(THotKeys::load(), actions);
@@ -197,7 +202,7 @@ void TMainWindow::createMenus() {
     add(menuBar()->addMenu(Lang.get(8)),
         {"Run", "RunAll", "", "Stop", "StopAll", "", "Continue", "ContinueAll"});
     add(menuBar()->addMenu(Lang.get(15)), {"Settings", "Language", "PrjLists", "", "HexView"});
-    add(menuBar()->addMenu(Lang.get(20)), {"About"});
+    add(menuBar()->addMenu(Lang.get(20)), {"GettingStarted", "Shortcuts", "", "About"});
     fillRecentMenu();
 }
 
@@ -410,6 +415,7 @@ bool TMainWindow::openProject(const QString& file) {
     addRecent(abs);
     rebuildTabs();
     updateTitle();
+    reportProblems(abs, data);
     return true;
 }
 
@@ -549,7 +555,9 @@ int TMainWindow::runCount() const {
 }
 
 void TMainWindow::connectRunControl() {
-    control->setStartGate([this](int idCfg) { return cfgViews.contains(idCfg) && confirmProcess(idCfg) && confirmLockOut(idCfg); });
+    control->setStartGate([this](int idCfg) {
+        return cfgViews.contains(idCfg) && confirmProcess(idCfg) && confirmLockOut(idCfg);
+    });
     control->setShowDurations([] { return AppData.logShowTime; });
     connect(control, &TRunControl::signalStarted, this, &TMainWindow::runStarted);
     connect(control, &TRunControl::signalEventText, this, &TMainWindow::runEventText);

@@ -159,6 +159,11 @@ private:
     void actPrjLists();
     void actHexView();
     void actAbout();
+    void actGettingStarted();
+    void actShortcuts();
+    // The first start opens the demo project and lists it, so the window is never empty at first.
+    void openFirstStart();
+    void reportProblems(const QString& file, const QByteArray& data);
 
     QSplitter* splitter;
     TWgtPrjList* prjTree;

@@ -13,6 +13,7 @@
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjBuilder.h"
 #include "ui/TDialogCfg.h"
 #include "ui/TDialogCmdParam.h"
 #include "ui/THotKeys.h"
@@ -156,21 +157,8 @@ void TMainWindow::fillInsertMenu(QMenu* menu) {
     addInsertMenu(menu, Lang.get(626), ProjectData.getSupportDeviceCmdList(idCmd));
 }
 
-// Bound first, so that the family that will serve the command gives its defaults; bound again, since
-// a new programmer or device changes the binding of every command after it.
 int TMainWindow::insertNewCmd(const QString& code) {
-    const int id = ProjectData.newCmd(
-        TData{{CTagCmd::id_cfg, currentIdCfg()}, {CTagCmd::status, 1}, {CTagCmd::cmd, code}}, insertPos());
-    ProjectData.updCmdObjectAll();
-    TData param = ProjectData.getCmdData(id);
-    {
-        TLocker lock(ProjectData.getMutex());
-        TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(id);
-        if (IDevice* group = cmd ? cmd->getGroupObject() : nullptr) group->getDefaultCmdParam(param);
-    }
-    ProjectData.updCmdParam(id, param);
-    ProjectData.updCmdObjectAll();
-    return id;
+    return TPrjBuilder::addCmd(ProjectData, currentIdCfg(), code, TData(), insertPos());
 }
 
 int TMainWindow::insertCmd(const QString& code) {

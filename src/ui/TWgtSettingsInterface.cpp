@@ -12,6 +12,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -81,6 +82,11 @@ TWgtSettingsInterface::TWgtSettingsInterface(QWidget* parent) : QWidget(parent) 
     layout->addWidget(showTime);
     layout->addWidget(showMSec);
     layout->addWidget(clearLog);
+    // The run journal: a folder where every run adds its log and one JSON line; empty keeps none.
+    logDir = new QLineEdit(AppData.logDir, this);
+    logDir->setObjectName(QStringLiteral("logDir"));
+    logDir->setPlaceholderText(Lang.get(1761));
+    form->addRow(Lang.get(1760), logDir);
     layout->addLayout(form);
     layout->addStretch(1);
 }
@@ -107,6 +113,7 @@ void TWgtSettingsInterface::save() {
     AppData.logShowTime = showTime->isChecked();
     AppData.logShowMSec = showMSec->isChecked();
     AppData.logClearBeforeRun = clearLog->isChecked();
+    AppData.logDir = logDir->text().trimmed();
     AppData.iconsSet = iconsSet->currentIndex();
     if (style->currentText() != AppData.style) {
         AppData.style = style->currentText();

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class QCheckBox;
+class QLineEdit;
 class QComboBox;
 class QFontComboBox;
 class QPushButton;
@@ -21,6 +22,7 @@ public:
     QCheckBox* showTime;
     QCheckBox* showMSec;
     QCheckBox* clearLog;
+    QLineEdit* logDir;
     QComboBox* iconsSet;
     QComboBox* style;
     QFontComboBox* fontApp;

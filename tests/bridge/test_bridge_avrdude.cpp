@@ -1,6 +1,5 @@
 // stk500v1 end to end: Debian's avrdude and Tarvelix's bridge drive the same simulated Arduino as
-// ISP; flash and fuses must end up byte for byte the same whichever program wrote them. (avrdude
-// writes only the extended fuse bits the part has: 0x05 for the ATmega328P.)
+// ISP; flash and fuses must end up byte for byte the same whichever program wrote them.
 #include "BridgeRig.h"
 
 #include <QtTest>
@@ -39,14 +38,14 @@ private slots:
         const ClientRun r =
             avrdude(a, "m328p",
                     {"-e", "-U", "flash:w:" + file + ":r", "-U", "flash:r:" + dir.filePath("back.bin") + ":r",
-                     "-U", "lfuse:w:0xE2:m", "-U", "hfuse:w:0xD7:m", "-U", "efuse:w:0x05:m"});
+                     "-U", "lfuse:w:0xE2:m", "-U", "hfuse:w:0xD7:m", "-U", "efuse:w:0xFD:m"});
         QVERIFY2(r.status == 0, qPrintable(r.output));
         QVERIFY2(r.output.contains("device signature = 0x1e950f (probably m328p)"), qPrintable(r.output));
         QVERIFY2(r.output.contains("32768 bytes of flash verified"), qPrintable(r.output));
         QCOMPARE(BridgeRig::read(dir.filePath("back.bin")), code);
         const QByteArray byAvrdude = a.stop();
         QCOMPARE(byAvrdude.left(flashSize), code);
-        QCOMPARE(byAvrdude.mid(flashSize + eepromSize), QByteArray::fromHex("E2D705FF"));
+        QCOMPARE(byAvrdude.mid(flashSize + eepromSize), QByteArray::fromHex("E2D7FDFF"));
 
         BridgeRig t;
         QVERIFY(t.start("stk500v1", "ATmega328P", old));
@@ -56,8 +55,8 @@ private slots:
                             BridgeRig::cmd("erase"), flash("flash_file_write", file, 0, flashSize),
                             flash("flash_file_verify", file, 0, flashSize),
                             flash("flash_file_read", back, 0, flashSize),
-                            BridgeRig::cmd("fuse_write", R"("data": "E2D705")"),
-                            BridgeRig::cmd("fuse_verify", R"("data": "E2D705")"),
+                            BridgeRig::cmd("fuse_write", R"("data": "E2D7FD")"),
+                            BridgeRig::cmd("fuse_verify", R"("data": "E2D7FD")"),
                             flash("eeprom_file_write", eeFile, 0, eepromSize),
                             flash("eeprom_file_verify", eeFile, 0, eepromSize)});
         QVERIFY2(run.status == 0, qPrintable(run.output));

@@ -76,6 +76,33 @@ private slots:
         QVERIFY2(r.output.contains(text.arg(rig.sim.link())), qPrintable(r.output));
     }
 
+    // Bus Pirate: twenty resets enter binary mode, four commands set up SPI; the identification's
+    // write-then-read is the request after them.
+    void buspirate_data() {
+        QTest::addColumn<QStringList>("faults");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("no binary mode")
+            << QStringList{"--silent-after", "0"}
+            << "The buspirate programmer on %1 does not synchronise: no answer to 0x00 as "
+               "the protocol asks";
+        QTest::newRow("refused") << QStringList{"--error", "0x04:1"}
+                                 << "The buspirate programmer on %1 refused 0x04";
+        QTest::newRow("silence") << QStringList{"--silent-after", "24"}
+                                 << "The buspirate programmer on %1 did not answer 0x04 within 200 ms";
+        QTest::newRow("unplugged") << QStringList{"--unplug-after", "24"}
+                                   << "The line to the buspirate programmer on %1 went away during 0x04";
+    }
+    void buspirate() {
+        QFETCH(QStringList, faults);
+        QFETCH(QString, text);
+        BridgeRig rig;
+        QVERIFY(rig.start("buspirate", "W25Q80RV", QByteArray(), faults));
+        const ClientRun r = rig.project(rig.describe("buspirate.cfg", 200),
+                                        {BridgeRig::setDevice("W25Q80RV", "spi"), BridgeRig::cmd("ident")});
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.output.contains(text.arg(rig.sim.link())), qPrintable(r.output));
+    }
+
     // serprog serves SPI only: a 24-series chip is refused at its set-device with error 10,
     void bridgesRefuseOtherBuses() {
         BridgeRig rig;

@@ -23,6 +23,7 @@ private slots:
         TSettings::setFileNameIniOverride(QString());
         QCOMPARE(AppData.progType.getFile("serprog"), QString("serprog.cfg"));
         QCOMPARE(AppData.progType.getFile("Arduino as ISP"), QString("arduino-isp.cfg"));
+        QCOMPARE(AppData.progType.getFile("Bus Pirate"), QString("buspirate.cfg"));
         QVERIFY(AppData.progName.contains("Simulator"));
         for (int i = 0; i < AppData.progType.count(); ++i) {
             const TProg prog(QStringLiteral(TARVELIX_DATA_DIR "/progs/") +
@@ -48,7 +49,7 @@ private slots:
         QVERIFY(!port.sendPackage(0x80, data));
         QCOMPARE(port.getErrorText(),
                  QString("The programmer description asks for the protocol \"jtag\"; Tarvelix "
-                         "knows native, serprog, stk500v1"));
+                         "knows native, serprog, stk500v1, buspirate"));
     }
 };
 

@@ -20,11 +20,8 @@ QByteArray setDevice(unsigned char resetPolarity) {
 
 // A 64 KiB part with 128-byte pages, 2 KiB EEPROM and three fuse bytes, in programming mode.
 void select(TBridgeStk500v1& b, ScriptWire& w) {
-    TData part{{"flash_page_size", 128},
-               {"eeprom_size", 2048},
-               {"flash_size", 65536},
-               {"fuse_def", "62D9FF"},
-               {"eeprom_page_size", 8}};
+    TData part{{"flash_page_size", 128}, {"eeprom_size", 2048},   {"flash_size", 65536},
+               {"fuse_def", "62D9FF"},   {"eeprom_page_size", 8}, {"fuse_delay", 4}};
     b.describeTarget(part);
     start(w);
     w.expect("428600000101010103ffffffff0080080000010000"
@@ -70,6 +67,14 @@ private slots:
                  "140010");
         QCOMPARE(b.exchange(w, 7, QByteArray::fromHex("0030000100")).data, QByteArray::fromHex("00300095"));
         QCOMPARE(b.exchange(w, 7, QByteArray::fromHex("ffac800000")).data, QByteArray::fromHex("00ac8000"));
+        // A part that answers the poll with all ones gets its description's delay instead.
+        w.expect("56aca000e220", "14a010");
+        w.expect("56f0000000"
+                 "20",
+                 "14ff10");
+        const int paused = w.paused;
+        QVERIFY(b.exchange(w, 7, QByteArray::fromHex("ffaca000e2")).ok());
+        QCOMPARE(w.paused - paused, 4);
         check(w);
     }
 

@@ -1,10 +1,12 @@
 #include "app/TAppData.h"
+#include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "devices/TDev24.h"
 #include "devices/TDev25.h"
 #include "devices/TDevProg.h"
 #include "devices/TDevTools.h"
 #include "devices/TDeviceList.h"
+#include "ui/TDialogSelectDevice.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -136,6 +138,15 @@ private slots:
         TData untouched{{"a", 1}};
         QVERIFY(!list.getDeviceInstance("Chip", "missing.dev", untouched));
         QCOMPARE(untouched, TData({{"a", 1}}));
+    }
+
+    // The selection dialog names each family the descriptions use, the 93 series' "Dev93" too.
+    void selectionNamesEveryFamilyOfTheDescriptions() {
+        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
+        QCOMPARE(TDialogSelectDevice::getFamilyView("Dev24"), Lang.get(548));
+        QCOMPARE(TDialogSelectDevice::getFamilyView("Dev25"), Lang.get(549));
+        QCOMPARE(TDialogSelectDevice::getFamilyView("DevAVR8_SPI"), Lang.get(550));
+        QCOMPARE(TDialogSelectDevice::getFamilyView("Dev93"), Lang.get(554));
     }
 };
 

@@ -1,4 +1,4 @@
-#include "eeprom/ChipKit.h"
+#include "support/ChipKit.h"
 
 #include "devices/TDev24.h"
 #include "devices/TDev24CAlg.h"

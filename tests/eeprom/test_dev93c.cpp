@@ -1,4 +1,4 @@
-#include "eeprom/ChipKit.h"
+#include "support/ChipKit.h"
 
 #include "devices/TDev93C.h"
 #include "devices/TDev93CExec.h"

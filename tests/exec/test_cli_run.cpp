@@ -1,4 +1,5 @@
 #include "app/TLang.h"
+#include "support/CliSettings.h"
 #include "support/SimFixture.h"
 #include "support/WorkerFixture.h"
 
@@ -16,17 +17,7 @@ class TestCliRun : public QObject {
     QTemporaryDir dir;
     SimFixture sim;
 
-    QString settings(const QString& link) {
-        const QString ini = dir.filePath("tarvelix.ini");
-        QFile f(ini);
-        f.open(QIODevice::WriteOnly);
-        f.write(QStringLiteral("[Main]\nLanguage=eng.lng\n[Interface]\nExecLogShowTime=false\n"
-                               "[ProgTypeList]\nType0=Simulator, " TARVELIX_DATA_DIR "/progs/sim.cfg\n"
-                               "[ProgNameList]\nName0=0, Sim, %1, Simulator\n")
-                    .arg(link)
-                    .toUtf8());
-        return ini;
-    }
+    QString settings(const QString& link) { return writeCliSettings(dir.path(), link); }
 
     QString project(const QStringList& commands) {
         const QString file = dir.filePath("p.prj");

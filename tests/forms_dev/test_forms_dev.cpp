@@ -8,6 +8,7 @@
 #include "link/TProg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "support/CatalogueSetup.h"
 #include "ui/TFormCmd.h"
 
 #include <QCheckBox>
@@ -76,10 +77,7 @@ class TestFormsDev : public QObject {
 
 private slots:
     void initTestCase() {
-        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
-        AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
-        ProjectData.setProgFactory(
-            [](const QString&) { return new TProg(QStringLiteral(TARVELIX_DATA_DIR "/progs/sim.cfg")); });
+        useSourceCatalogue();
         ProjectData.setDeviceFactory(makeDevice);
     }
 
@@ -117,8 +115,8 @@ private slots:
         std::unique_ptr<TFormCmd> form(formOf(dev, p));
         auto* addr = form->findChild<QLineEdit*>("addr_device");
         auto* count = form->findChild<QLineEdit*>("count");
-        addr->setText("400000");
-        QCOMPARE(form->getError(), QString("Address: must be a hexadecimal number from 0x00 to 0x3FFFFF"));
+        addr->setText("0x400000");
+        QCOMPARE(form->getError(), QString("Address: %1").arg(Lang.get(1720).arg("0x00", "0x3FFFFF")));
         // Each field alone is inside the part, the range they make is not.
         addr->setText("3FFFFF");
         count->setText("2");
@@ -137,8 +135,25 @@ private slots:
         // The security registers are an address space of their own.
         form.reset(formOf(dev, command(dev, "security_reg_read")));
         form->findChild<QLineEdit*>("file")->setText("sec.bin");
-        form->findChild<QLineEdit*>("count")->setText("301");
-        QCOMPARE(form->getError(), QString("Count: must be a hexadecimal number from 0x01 to 0x300"));
+        form->findChild<QLineEdit*>("count")->setText("0x301");
+        QCOMPARE(form->getError(), QString("Count: %1").arg(Lang.get(1720).arg("0x01", "0x300")));
+    }
+
+    // Intel HEX is offered beside HEX and BIN, kept as "IHEX" as the others are kept upper case, and
+    // shown under its name in the command list.
+    void fileFormsOfferIntelHex() {
+        IDevice* dev = choose("W25Q32BV");
+        const TData p = command(dev, "file_write");
+        std::unique_ptr<TFormCmd> form(formOf(dev, p));
+        auto* format = form->findChild<QComboBox*>("format");
+        QCOMPARE(format->itemText(format->currentIndex()), QString("HEX"));
+        QCOMPARE(format->itemText(3), QString("Intel HEX"));
+        form->findChild<QLineEdit*>("file")->setText("fw.hex");
+        format->setCurrentIndex(3);
+        const TData changed = dev->getChangedParam(p);
+        QCOMPARE(changed.value("format"), QVariant("IHEX"));
+        QVERIFY(dev->checkCmdParam(changed));
+        QCOMPARE(dev->getViewCmdParam(changed, nullptr).endsWith("fw.hex (Intel HEX)"), true);
     }
 
     // ATmega328P fuses from its device file: fields named by caption, choices of meanings, every value of

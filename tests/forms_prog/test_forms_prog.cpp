@@ -183,6 +183,7 @@ private slots:
             {"process", "file", "make flash", "make flash"},
             {"calc_crc", "fill", "AA", 170},
             {"calc_crc", "format", 0, "hex"},
+            {"calc_crc", "format", 3, "ihex"},
             {"calc_crc", "count", "0x100", 256},
             {"set_prog", "prog", 1, "Bench"},
             {"set_prog", "alt_port", "ttyUSB1 (FTDI FT232R)", "ttyUSB1"},
@@ -229,7 +230,7 @@ private slots:
             {"gen", "freq", "9000000", "Frequency, Hz: must be a number from 1 to 8000000"},
             {"delay", "value", "-1", "Delay, ms: must be a number from 0 to 2147483647"},
             {"counter", "delta", "2147483648", "Step: must be a number from -2147483648 to 2147483647"},
-            {"calc_crc", "fill", "100", "Fill byte: must be a hexadecimal number from 0x00 to 0xFF"},
+            {"calc_crc", "fill", "256", "Fill byte: " + Lang.get(1720).arg("0x00", "0xFF")},
             {"process", "file", " ", "Command line: must not be empty"},
         };
         for (const Case& c : cases) {

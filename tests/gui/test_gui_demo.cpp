@@ -2,6 +2,7 @@
 #include "app/TLang.h"
 #include "app/TSettings.h"
 #include "devices/IDevice.h"
+#include "exec/TRunControl.h"
 #include "link/CLink.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
@@ -49,8 +50,7 @@ class TestGuiDemo : public QObject {
     int runToEnd(TMainWindow& w, const QString& cfg) {
         const int id = ProjectData.getIdCfgFromNameCfg(cfg);
         if (id < 0 || !w.runThread(id)) return -1;
-        QTest::qWaitFor([&] { return w.runCount() == 0; }, 120000);
-        return w.runCount() == 0 ? id : -1;
+        return QTest::qWaitFor([&] { return w.runCount() == 0; }, 120000) ? id : -1;
     }
 
 private slots:
@@ -110,6 +110,48 @@ private slots:
         const QString text = log(w, id)->textEdit()->toPlainText();
         QVERIFY2(text.contains(Lang.get(410)), qPrintable(text));
         QVERIFY(!text.contains(Lang.get(391)));
+    }
+
+    // The demo's configurations share one programmer: run all of them, a few times, and each run waits
+    // for the port in its turn instead of failing on it (ten tries through the runner: test_run_control).
+    void runAllTakesTurnsOnTheSharedProgrammer() {
+        SimFixture sim;
+        QVERIFY(startSim(sim, "W25Q80RV"));
+        AppData.logClearBeforeRun = true;
+        // The demo as it is, but for the half-second delay that would only make the tries slow.
+        QFile demo(prj);
+        QVERIFY(demo.open(QIODevice::ReadOnly));
+        QByteArray json = demo.readAll();
+        json.replace(R"({"status": "1", "cmd": "delay", "value": "500"})",
+                     R"({"status": "0", "cmd": "delay", "value": "500"})");
+        const QString quick = dir.filePath("quick.prj");
+        QFile out(quick);
+        QVERIFY(out.open(QIODevice::WriteOnly) && out.write(json) == json.size());
+        out.close();
+        TMainWindow w;
+        QVERIFY(w.openProject(quick));
+        connect(w.runControl(), &TRunControl::signalPaused, &w, [&w](int id) { w.continueRun(id); });
+        const QRegularExpression answered("Set Prog \\(Simulator\\)\n(waiting for the programmer on "
+                                          "[^\n]*\n)?Tarvelix programmer simulator 1.0\n");
+        int waited = 0;
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            w.runAll();
+            QCOMPARE(w.runCount(), 4);
+            QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 60000);
+            for (const QString& name : ProjectData.getCfgListName()) {
+                const QString text = log(w, ProjectData.getIdCfgFromNameCfg(name))->textEdit()->toPlainText();
+                // Its programmer answered: the port was its own when it came to it.
+                QVERIFY2(answered.match(text).hasMatch(), qPrintable(name + ": " + text));
+                if (text.contains(Lang.get(1302).section("%1", 0, 0))) ++waited;
+            }
+        }
+        QVERIFY(waited > 0);
+        // One after another: each run's handshake (0x80) comes after the previous run's last light (0x83).
+        const QStringList frames = WorkerFixture::requests(sim.path("t.txt"));
+        QCOMPARE(frames.filter(QRegularExpression("^C0 80 ")).size(), 12);
+        for (int i = 1; i < frames.size(); ++i)
+            if (frames.at(i).startsWith("C0 80 "))
+                QVERIFY2(frames.at(i - 1).startsWith("C0 83 "), qPrintable(QString::number(i)));
     }
 
     void closingTheWindowLeavesTheProgrammerCleanly() {

@@ -90,8 +90,10 @@ private slots:
 
         const QString code = QJsonDocument::fromJson(command.toUtf8()).object().value("cmd").toString();
         QVERIFY2(w.output.contains(Lang.get(388).arg(CmdCode.getName(code))), qPrintable(w.output));
-        // Nothing but the programmer's own packets (if any) went out: no device command reached the chip.
+        // Nothing but the programmer's own packets went out, if any (the check before running refuses
+        // the command before the programmer is opened): no device command reached the chip.
         const QStringList frames = WorkerFixture::requests(sim.path("trace.txt"));
+        QVERIFY(frames.size() >= seenFrames);
         for (const QString& frame : frames.mid(seenFrames))
             QVERIFY2(frame.split(' ').value(1).toInt(nullptr, 16) > 4, qPrintable(frame));
         seenFrames = frames.size();

@@ -1,6 +1,7 @@
 // Programmer descriptions and the registries kept in the settings.
 #include "app/TAppData.h"
 #include "app/TSettings.h"
+#include "devices/TDevTools.h"
 #include "link/TProg.h"
 #include "project/TDataPrj.h"
 
@@ -113,9 +114,16 @@ private slots:
         QCOMPARE(parity, QString("None"));
         QCOMPARE(prog.getPinsType(), QString("-IlhLHoOZ"));
         QCOMPARE(prog.getCLKValue("I2C", 1), 400000);
-        QVERIFY(prog.supportCmd("set_vicc") && prog.supportCmd("file_write") && !prog.supportCmd("calc_crc"));
+        QVERIFY(prog.supportCmd("set_vicc") && prog.supportCmd("file_write") && !prog.supportCmd("lock"));
         QCOMPARE(prog.getPinsConnect("I2C", 1),
                  (QStringList{"SDA - P1", "SCL - P2", "WP - P3", "P4", "P5", "P6"}));
+    }
+
+    // Every bound command is checked against the programmer's list, the tools commands too.
+    void simulatorListsTheToolsCommands() {
+        TProg prog(TARVELIX_DATA_DIR "/progs/sim.cfg");
+        for (const QString& code : TDevTools::getCmdList())
+            if (code != "separator") QVERIFY2(prog.supportCmd(code), qPrintable(code));
     }
 
     // The order of the [Pins] names is the order of the pin states the application sends; the Nano's

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QtTest>
 
+#include <fcntl.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -172,6 +174,35 @@ private slots:
         QVERIFY(port.isTimeOut());
         QCOMPARE(port.getErrorText(), Lang.get(431));
         QVERIFY(!port.sendPackage(0x80, d));
+        QCOMPARE(port.getErrorText(), Lang.get(431));
+    }
+
+    // A peer that sends half a reply and goes away: the port says it went away, not "no answer".
+    void portVanishingInTheMiddleOfAReply() {
+        const int master = posix_openpt(O_RDWR | O_NOCTTY);
+        QVERIFY(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0);
+        const QString slave = QString::fromLatin1(ptsname(master));
+        std::thread peer([master] {
+            char request[5];
+            for (size_t got = 0; got < sizeof request;) {
+                const ssize_t n = ::read(master, request + got, sizeof request - got);
+                if (n <= 0) break;
+                got += size_t(n);
+            }
+            const unsigned char half[] = {0xC0, 0x80, 0x08, 0x00, 0x01, 0x02};
+            (void)!::write(master, half, sizeof half);
+            ::usleep(50000);
+            ::close(master);
+        });
+        TSerialPort port;
+        QVERIFY2(port.open(slave, TSerialPort::ReadWrite), qPrintable(port.getErrorText()));
+        port.setTimeOut(2000);
+        port.setProtocolParam(64);
+        QByteArray d;
+        const bool ok = port.sendPackage(0x80, d);
+        peer.join();
+        QVERIFY(!ok);
+        QVERIFY(port.isTimeOut());
         QCOMPARE(port.getErrorText(), Lang.get(431));
     }
 

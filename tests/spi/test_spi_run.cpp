@@ -155,11 +155,15 @@ private slots:
         image[0x1234] = char(0x5A);
         const Run empty = run({cmd("test_empty")}, {}, "W25Q80RV", image);
         QCOMPARE(empty.status, 1);
-        QVERIFY2(empty.output.contains("Address: 0x1234, Data: 0xFF, Read: 0x5A"), qPrintable(empty.output));
+        QVERIFY2(empty.output.contains(Lang.get(1736) + "\nAddress: 0x1234, Data: 0xFF, Read: 0x5A"),
+                 qPrintable(empty.output));
         const Run data =
             run({cmd("data_verify", R"("addr_device": "4658", "data": "FF FF 5B")")}, {}, "W25Q80RV", image);
         QCOMPARE(data.status, 1);
-        QVERIFY2(data.output.contains("Address: 0x1234, Data: 0x5B, Read: 0x5A"), qPrintable(data.output));
+        // The range is the command's own: 0x1232 (4658) and its three bytes.
+        QVERIFY2(data.output.contains(Lang.get(1731).arg("0x1232", "0x1234") +
+                                      "\nAddress: 0x1234, Data: 0x5B, Read: 0x5A"),
+                 qPrintable(data.output));
     }
 
     void registers() {

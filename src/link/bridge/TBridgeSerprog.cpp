@@ -15,29 +15,11 @@ const int syncQuietMs = 20;
 const int syncDrainMaxMs = 1000;
 const int syncAnswerMs = 50;
 const int syncAnswerBytes = 10;
-const int addressedAt = 1; // opcode, then a 24-bit address
-const int addressSize = 3;
-const unsigned char pageProgram = 0x02;
 
 int u24(const QByteArray& d) {
     return uchar(d.at(0)) | uchar(d.at(1)) << 8 | uchar(d.at(2)) << 16;
 }
 
-bool isAddressedRead(const QByteArray& tx) {
-    const unsigned char op = uchar(tx.at(0));
-    return (op == CBridge::spiReadData || op == CProtocol::Spi::OpFastRead) &&
-           tx.size() >= addressedAt + addressSize;
-}
-
-qint64 addressOf(const QByteArray& tx) {
-    return qint64(uchar(tx.at(1))) << 16 | uchar(tx.at(2)) << 8 | uchar(tx.at(3));
-}
-
-void setAddress(QByteArray& tx, qint64 addr) {
-    tx[1] = char(addr >> 16 & 0xFF);
-    tx[2] = char(addr >> 8 & 0xFF);
-    tx[3] = char(addr & 0xFF);
-}
 } // namespace
 
 QString TBridgeSerprog::protocol() const {
@@ -217,68 +199,16 @@ TBridgeReply TBridgeSerprog::transaction(IBridgeWire& wire, const QByteArray& tx
     return command(wire, CSerprog::oSpiOp, spiOp(tx, readCount), readCount, rx);
 }
 
-// A read longer than the firmware takes is cut into reads at consecutive addresses; only an
-// addressed read can be cut.
 TBridgeReply TBridgeSerprog::read(IBridgeWire& wire, const QByteArray& data) {
-    if (data.size() < 3) return TBridgeReply::error(CProtocol::ErrLength);
-    const int count = uchar(data.at(0)) | uchar(data.at(1)) << 8;
-    QByteArray tx = data.mid(2);
-    if (tx.size() > writeMax) return TBridgeReply::error(CProtocol::ErrLength);
-    if (count > readMax && !isAddressedRead(tx)) return TBridgeReply::error(CProtocol::ErrLength);
-    QByteArray all, part;
-    const qint64 start = count > readMax ? addressOf(tx) : 0;
-    do {
-        const int n = qMin(readMax, count - all.size());
-        if (count > readMax) setAddress(tx, start + all.size());
-        TBridgeReply r = transaction(wire, tx, n, part);
-        if (!r.ok()) return r;
-        all += part;
-    } while (all.size() < count);
-    return TBridgeReply::done(all);
+    return TBridgeSpiFlash::read(data, readMax, writeMax, spi(wire));
 }
 
-// As the native programmer: write enable first, then the transaction, then wait while the chip is
-// busy. A page program longer than the firmware takes goes as several programs.
 TBridgeReply TBridgeSerprog::write(IBridgeWire& wire, const QByteArray& tx) {
-    if (tx.isEmpty()) return TBridgeReply::error(CProtocol::ErrLength);
-    const bool cut = tx.size() > writeMax;
-    const int header = addressedAt + addressSize;
-    if (cut && (uchar(tx.at(0)) != pageProgram || tx.size() <= header || writeMax <= header))
-        return TBridgeReply::error(CProtocol::ErrLength);
-    const int piece = cut ? writeMax - header : tx.size();
-    const int dataBytes = cut ? tx.size() - header : piece;
-    const qint64 start = cut ? addressOf(tx) : 0;
-    QByteArray rx;
-    for (int done = 0; done < dataBytes; done += piece) {
-        QByteArray part = tx;
-        if (cut) {
-            part = tx.left(header) + tx.mid(header + done, piece);
-            setAddress(part, start + done);
-        }
-        TBridgeReply r = transaction(wire, QByteArray(1, char(CBridge::spiWriteEnable)), 0, rx);
-        if (r.ok()) r = transaction(wire, part, 0, rx);
-        if (r.ok()) r = waitReady(wire);
-        if (!r.ok()) return r;
-    }
-    return TBridgeReply::done();
+    return TBridgeSpiFlash::write(tx, writeMax, spi(wire));
 }
 
-TBridgeReply TBridgeSerprog::waitReady(IBridgeWire& wire) {
-    QElapsedTimer t;
-    t.start();
-    QElapsedTimer floating;
-    QByteArray status;
-    for (;;) {
-        TBridgeReply r = transaction(wire, QByteArray(1, char(CProtocol::Spi::OpReadStatus1)), 1, status);
-        if (!r.ok()) return r;
-        const unsigned char s = uchar(status.at(0));
-        if (!(s & CBridge::spiStatusBusy)) return TBridgeReply::done();
-        if (s != 0xFF)
-            floating.invalidate();
-        else if (!floating.isValid())
-            floating.start();
-        else if (floating.elapsed() > floatingMs)
-            return TBridgeReply::error(CProtocol::ErrNoAck);
-        if (t.elapsed() > busyTimeOutMs) return TBridgeReply::error(CProtocol::ErrBusy);
-    }
+TBridgeSpiFlash::Transaction TBridgeSerprog::spi(IBridgeWire& wire) {
+    return [this, &wire](const QByteArray& tx, int readCount, QByteArray& rx) {
+        return transaction(wire, tx, readCount, rx);
+    };
 }

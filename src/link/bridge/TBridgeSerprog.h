@@ -2,6 +2,7 @@
 
 #include "link/bridge/CSerprog.h"
 #include "link/bridge/IBridge.h"
+#include "link/bridge/TBridgeSpiFlash.h"
 
 // serprog hardware (pico-serprog, stm32-vserprog, frser-duino): serves the 25-series family's SPI
 // transactions with O_SPIOP, as the native programmer does, write enable and busy wait included.
@@ -11,10 +12,6 @@ public:
     unsigned short interfaceCode() const override;
 
     static constexpr unsigned short interface = 0x0B01;
-    // Longest busy time of a write transaction (a chip erase of a large part) and how long a status
-    // of all ones (nothing drives the data line) may last before the chip counts as absent.
-    static constexpr int busyTimeOutMs = 300000;
-    static constexpr int floatingMs = 1000;
 
     // Packet builders.
     static QByteArray spiOp(const QByteArray& tx, int readCount);
@@ -38,7 +35,7 @@ private:
     TBridgeReply transaction(IBridgeWire& wire, const QByteArray& tx, int readCount, QByteArray& rx);
     TBridgeReply read(IBridgeWire& wire, const QByteArray& data);
     TBridgeReply write(IBridgeWire& wire, const QByteArray& tx);
-    TBridgeReply waitReady(IBridgeWire& wire);
+    TBridgeSpiFlash::Transaction spi(IBridgeWire& wire);
     TBridgeReply setClock(IBridgeWire& wire, unsigned int hz);
     TBridgeReply setPins(IBridgeWire& wire, bool on);
     bool offers(unsigned char op) const;

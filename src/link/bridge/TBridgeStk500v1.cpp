@@ -9,6 +9,8 @@
 
 namespace {
 const unsigned char pollReady = 0xF0;
+const unsigned char eepromWrite = 0xC0; // C0 write byte, C1 load page, C2 write page
+const int defaultDelayMs = 10;
 const int setDeviceBody = 20;
 const int instructionSize = 5; // wait byte and four instruction bytes
 const int lockBytes = 1;
@@ -197,8 +199,8 @@ TBridgeReply TBridgeStk500v1::leave(IBridgeWire& wire) {
 }
 
 TBridgeReply TBridgeStk500v1::family(IBridgeWire& wire, unsigned char cmd, const QByteArray& data) {
-    const bool commit =
-        cmd == CProtocol::Avr::Instr && data.size() == instructionSize && uchar(data.at(1)) == CProtocol::Avr::InWritePage;
+    const bool commit = cmd == CProtocol::Avr::Instr && data.size() == instructionSize &&
+                        uchar(data.at(1)) == CProtocol::Avr::InWritePage;
     // A page load stays on the host until its commit; anything else first writes what is kept.
     if (cmd != CProtocol::Avr::WriteFlash && !commit) {
         TBridgeReply r = flushPage(wire);
@@ -260,13 +262,16 @@ TBridgeReply TBridgeStk500v1::instruction(IBridgeWire& wire, const QByteArray& d
     } else {
         r = universal(wire, a, b, c, uchar(data.at(4)), result);
     }
-    if (r.ok() && a != CProtocol::Avr::InExtendedAddress) r = wait(wire, w);
+    if (r.ok() && a != CProtocol::Avr::InExtendedAddress) r = wait(wire, w, a, b);
     if (!r.ok()) return r;
     return TBridgeReply::done(QByteArray(1, '\0').append(char(a)).append(char(b)).append(char(result)));
 }
 
-// Wait byte 0xFF: poll the part until it is ready; another value: that many milliseconds.
-TBridgeReply TBridgeStk500v1::wait(IBridgeWire& wire, unsigned char waitByte) {
+// Wait byte 0xFF: poll the part until it is ready; another value: that many milliseconds. A part
+// that answers the poll with all ones does not know it: then it gets the delay its description
+// gives for the instruction, as avrdude gives the sketch.
+TBridgeReply TBridgeStk500v1::wait(IBridgeWire& wire, unsigned char waitByte, unsigned char a,
+                                   unsigned char b) {
     if (waitByte != CProtocol::Avr::WaitPoll) {
         if (waitByte > 0) wire.pause(waitByte);
         return TBridgeReply::done();
@@ -277,9 +282,22 @@ TBridgeReply TBridgeStk500v1::wait(IBridgeWire& wire, unsigned char waitByte) {
         unsigned char busy = 0;
         TBridgeReply r = universal(wire, pollReady, 0, 0, 0, busy);
         if (!r.ok()) return r;
+        if (busy == 0xFF) {
+            wire.pause(delayOf(a, b));
+            return TBridgeReply::done();
+        }
         if (!(busy & 1)) return TBridgeReply::done();
         if (t.elapsed() > busyTimeOutMs) return TBridgeReply::error(CProtocol::ErrBusy);
     }
+}
+
+int TBridgeStk500v1::delayOf(unsigned char a, unsigned char b) const {
+    const char* key = a == CProtocol::Avr::InWritePage                                     ? "flash_delay"
+                      : a == CProtocol::Avr::InProgram && b == CProtocol::Avr::InChipErase ? "erase_delay"
+                      : a == CProtocol::Avr::InProgram                                     ? "fuse_delay"
+                      : (a & 0xF0) == eepromWrite                                          ? "eeprom_delay"
+                                                                                           : nullptr;
+    return key ? value(part, key, defaultDelayMs) : defaultDelayMs;
 }
 
 // The part's extended address register holds word-address bits 23-16.

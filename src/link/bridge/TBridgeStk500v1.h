@@ -39,7 +39,9 @@ private:
     TBridgeReply instruction(IBridgeWire& wire, const QByteArray& data);
     TBridgeReply universal(IBridgeWire& wire, unsigned char a, unsigned char b, unsigned char c,
                            unsigned char d, unsigned char& result);
-    TBridgeReply wait(IBridgeWire& wire, unsigned char waitByte);
+    TBridgeReply wait(IBridgeWire& wire, unsigned char waitByte, unsigned char a, unsigned char b);
+    // The part's delay in ms for a write instruction beginning a, b.
+    int delayOf(unsigned char a, unsigned char b) const;
     TBridgeReply targetExtended(IBridgeWire& wire, int wordBits);
     TBridgeReply flushPage(IBridgeWire& wire);
     TBridgeReply readMemory(IBridgeWire& wire, char memory, qint64 byteAddress, int length);

@@ -1,5 +1,6 @@
 #include "link/bridge/TBridgeTable.h"
 
+#include "link/bridge/TBridgeBusPirate.h"
 #include "link/bridge/TBridgeSerprog.h"
 #include "link/bridge/TBridgeStk500v1.h"
 
@@ -14,6 +15,7 @@ struct Entry {
 const Entry table[] = {
     {"serprog", [] { return std::make_unique<TBridgeSerprog>(); }},
     {"stk500v1", [] { return std::make_unique<TBridgeStk500v1>(); }},
+    {"buspirate", [] { return std::make_unique<TBridgeBusPirate>(); }},
 };
 } // namespace
 

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "app/TTypes.h"
+
+#include <QStringList>
+#include <QVector>
+
+class IDevice;
+class TFormCmd;
+
+// What a command's parameters are. The shared kinds are defaulted, shown, edited and checked here, the
+// same way for every family; a family handles its own kind (Own) itself.
+enum class TCmdKind {
+    Separator, // a divider in the offered list, not a command
+    Plain,     // no parameters (identification, erase, empty test)
+    Clock,     // the bus clock of the device's pin connection
+    Leave,     // pin states and a duration
+    Char,      // a range filled with one byte
+    Data,      // literal bytes at an address
+    File,      // a data file over a range
+    Own,       // the family's own parameters (registers, blocks, set address)
+};
+
+// What a read, write or verify command does with its range.
+enum class TCmdOp { None, Read, Write, Verify };
+
+// One row of a family's command table: the command code, its kind, what it does and the memory space it
+// works on (the family's own numbering; 0 is the main memory).
+struct TCmdRow {
+    const char* code;
+    TCmdKind kind;
+    TCmdOp op;
+    int space;
+};
+using TCmdRows = QVector<TCmdRow>;
+
+// The shared handling of a family's command table: adding a command is adding a row.
+class TCmdTable {
+public:
+    static QStringList codes(const TCmdRows& rows);
+    // nullptr for a code the table does not have and for the separator.
+    static const TCmdRow* find(const TCmdRows& rows, const QString& code);
+
+    // Each returns whether the row's kind is a shared one (and so was handled); begin and size are the
+    // range of the row's memory space.
+    static bool defaults(const TCmdRow& row, const IDevice* dev, TData& p, qint64 begin, qint64 size);
+    static bool view(const TCmdRow& row, const TData& p, QString& text);
+    static bool form(const TCmdRow& row, const IDevice* dev, const TData& p, qint64 begin, qint64 size,
+                     TFormCmd*& form);
+    static bool check(const TCmdRow& row, const TData& p, qint64 begin, qint64 size, bool& valid);
+};

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "link/bridge/TBridgeReply.h"
+
+#include <functional>
+
+// The 25-series family's two SPI transactions as the native programmer serves them, for any bridge
+// that can shift bytes: long addressed reads cut at the hardware's limit, write enable before each
+// write and a busy wait after it.
+class TBridgeSpiFlash {
+public:
+    // One SPI transaction: send tx, then read readCount bytes into rx.
+    using Transaction = std::function<TBridgeReply(const QByteArray& tx, int readCount, QByteArray& rx)>;
+
+    // Longest busy time of a write (a chip erase of a large part), and how long a status of all ones
+    // (nothing drives the data line) may last before the chip counts as absent.
+    static constexpr int busyTimeOutMs = 300000;
+    static constexpr int floatingMs = 1000;
+
+    // Packet 3: count (16-bit), then the bytes to send.
+    static TBridgeReply read(const QByteArray& data, int readMax, int writeMax, const Transaction& spi);
+    // Packet 4: the bytes to send.
+    static TBridgeReply write(const QByteArray& tx, int writeMax, const Transaction& spi);
+    static TBridgeReply waitReady(const Transaction& spi);
+};
