@@ -1,7 +1,6 @@
 #include "project/TPrjText.h"
 
 #include "app/TLang.h"
-#include "exec/TLogText.h"
 #include "project/CTagPrj.h"
 #include "project/TCmdCode.h"
 #include "project/TDataCfg.h"
@@ -23,8 +22,7 @@ QString TPrjText::findUnwritableKey(const TData& record) {
 
 QString TPrjText::getInvalidParamText(const QString& name, const TData& record) {
     const QString key = findUnwritableKey(record);
-    return key.isEmpty() ? Lang.get(388).arg(name)
-                         : Lang.get(1400).arg(name, key, TLogText::escape(record.value(key).toString()));
+    return key.isEmpty() ? Lang.get(388).arg(name) : Lang.get(1400).arg(name, key);
 }
 
 QString TPrjText::checkProject(TDataPrj* prj) {
