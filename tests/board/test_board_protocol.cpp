@@ -1,5 +1,5 @@
 #include "BoardRun.h"
-#include "eeprom/ChipKit.h"
+#include "support/ChipKit.h"
 
 #include <QElapsedTimer>
 #include <QtTest>

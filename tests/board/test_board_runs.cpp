@@ -1,7 +1,7 @@
 #include "BoardRun.h"
 
 #include "devices/TDev93C.h"
-#include "eeprom/ChipKit.h"
+#include "support/ChipKit.h"
 
 #include <QtTest>
 
