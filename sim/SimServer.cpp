@@ -7,7 +7,8 @@
 SimServer::SimServer(const SimOptions& o, SimProgrammer& p, SimPty& t, SimTrace& tr)
     : options(o), programmer(p), pty(t), trace(tr) {}
 
-SimServer::End SimServer::run(int stopFd) {
+SimServer::End SimServer::pump(SimPty& pty, int stopFd,
+                               const std::function<bool(const char*, int)>& onBytes) {
     QByteArray buffer(65536, '\0');
     for (;;) {
         pollfd fds[2] = {{pty.master(), POLLIN, 0}, {stopFd, POLLIN, 0}};
@@ -20,11 +21,18 @@ SimServer::End SimServer::run(int stopFd) {
         const ssize_t n = read(pty.master(), buffer.data(), static_cast<size_t>(buffer.size()));
         if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
         if (n <= 0) return End::Failed;
-        parser.feed(buffer.constData(), static_cast<int>(n));
+        if (!onBytes(buffer.constData(), static_cast<int>(n))) return End::Unplugged;
+    }
+}
+
+SimServer::End SimServer::run(int stopFd) {
+    return pump(pty, stopFd, [this](const char* bytes, int n) {
+        parser.feed(bytes, n);
         SimFrame request;
         while (parser.next(request))
-            if (!answer(request)) return End::Unplugged;
-    }
+            if (!answer(request)) return false;
+        return true;
+    });
 }
 
 bool SimServer::answer(const SimFrame& request) {
@@ -48,10 +56,10 @@ bool SimServer::answer(const SimFrame& request) {
     if (options.delayMs > 0) usleep(static_cast<useconds_t>(options.delayMs) * 1000);
     trace.write('<', frame);
     // Junk never holds the start byte, so the reader's skipping is what is exercised.
-    return writeAll(QByteArray(options.noise, 0x55) + frame);
+    return writeAll(pty, QByteArray(options.noise, 0x55) + frame);
 }
 
-bool SimServer::writeAll(const QByteArray& bytes) {
+bool SimServer::writeAll(SimPty& pty, const QByteArray& bytes) {
     qint64 done = 0;
     while (done < bytes.size()) {
         const ssize_t n =

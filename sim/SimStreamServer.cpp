@@ -1,30 +1,18 @@
 #include "SimStreamServer.h"
 
-#include <cerrno>
-#include <poll.h>
 #include <unistd.h>
 
 SimStreamServer::SimStreamServer(const SimOptions& o, SimStreamProtocol& p, SimPty& t, SimTrace& tr)
     : options(o), protocol(p), pty(t), trace(tr) {}
 
 SimStreamServer::End SimStreamServer::run(int stopFd) {
-    QByteArray buffer(65536, '\0');
-    for (;;) {
-        pollfd fds[2] = {{pty.master(), POLLIN, 0}, {stopFd, POLLIN, 0}};
-        if (poll(fds, 2, -1) < 0) {
-            if (errno == EINTR) continue;
-            return End::Failed;
-        }
-        if (fds[1].revents) return End::Stopped;
-        if (!(fds[0].revents & POLLIN)) continue;
-        const ssize_t n = read(pty.master(), buffer.data(), static_cast<size_t>(buffer.size()));
-        if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
-        if (n <= 0) return End::Failed;
-        protocol.feed(buffer.constData(), static_cast<int>(n));
+    return SimServer::pump(pty, stopFd, [this](const char* bytes, int n) {
+        protocol.feed(bytes, n);
         QByteArray request;
         while (protocol.take(request))
-            if (!answer(request)) return End::Unplugged;
-    }
+            if (!answer(request)) return false;
+        return true;
+    });
 }
 
 bool SimStreamServer::answer(const QByteArray& request) {
@@ -41,17 +29,5 @@ bool SimStreamServer::answer(const QByteArray& request) {
     if (options.corrupt > 0 && replies % options.corrupt == 0) reply[0] = char(0x55);
     if (options.delayMs > 0) usleep(static_cast<useconds_t>(options.delayMs) * 1000);
     trace.write('<', reply);
-    return writeAll(reply);
-}
-
-bool SimStreamServer::writeAll(const QByteArray& bytes) {
-    qint64 done = 0;
-    while (done < bytes.size()) {
-        const ssize_t n =
-            write(pty.master(), bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
-        if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
-        if (n <= 0) return false;
-        done += n;
-    }
-    return true;
+    return SimServer::writeAll(pty, reply);
 }

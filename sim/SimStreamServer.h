@@ -18,7 +18,6 @@ public:
 
 private:
     bool answer(const QByteArray& request);
-    bool writeAll(const QByteArray& bytes);
 
     const SimOptions& options;
     SimStreamProtocol& protocol;
