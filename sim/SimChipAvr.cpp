@@ -83,7 +83,7 @@ SimReply SimChipAvr::readSpace(const QByteArray& data, int base, int size, qint6
     const int len = u16(data, 2);
     if (addr + len > size) return SimReply::fail(ErrRange);
     if (!programming || takeBusy()) return SimReply::ok(QByteArray(len, char(0xFF)));
-    return SimReply::ok(memory.mid(int(base + addr), len));
+    return SimReply::memory(memory.mid(int(base + addr), len));
 }
 
 // The programmer loads whole words into the page buffer at their offset inside the page; for parts

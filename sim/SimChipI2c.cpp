@@ -67,7 +67,7 @@ SimReply SimChipI2c::read(const QByteArray& data) {
     QByteArray out(count, 0);
     for (int i = 0; i < count; ++i)
         out[i] = memory.at(int((addr + i) % memory.size()));
-    return SimReply::ok(out);
+    return SimReply::memory(out);
 }
 
 SimReply SimChipI2c::request(unsigned char cmd, const QByteArray& data) {

@@ -69,7 +69,9 @@ SimReply SimChipSpiFlash::request(unsigned char cmd, const QByteArray& data) {
     if (cmd == SpiRead) {
         if (data.size() < 3) return SimReply::fail(ErrLength);
         const int len = uchar(data.at(0)) | uchar(data.at(1)) << 8;
-        return SimReply::ok(read(data.mid(2), len));
+        const unsigned char op = uchar(data.at(2));
+        const QByteArray out = read(data.mid(2), len);
+        return op == OpRead || op == OpFastRead ? SimReply::memory(out) : SimReply::ok(out);
     }
     if (cmd == SpiWrite) {
         if (data.isEmpty()) return SimReply::fail(ErrLength);

@@ -23,7 +23,7 @@ QString SimOptions::usage() {
     return "usage: tarvelix-progsim [--link PATH] [--chip NAME --devices DIR] [--bus i2c|spi|avr]\n"
            "       [--image FILE] [--trace FILE] [--interface N] [--noise N] [--corrupt K]\n"
            "       [--silent-after K] [--delay-ms D] [--error CMD:CODE]... [--unplug-after K]\n"
-           "       [--exit-with-parent] [--pins N] [--timing on|off] [--write-cycle MS]\n"
+           "       [--short N] [--exit-with-parent] [--pins N] [--timing on|off] [--write-cycle MS]\n"
            "       [--protocol native|serprog|stk500v1|buspirate]\n";
 }
 
@@ -65,6 +65,8 @@ bool SimOptions::parse(const QStringList& args, QString& error) {
             ok = toCount(v, delayMs);
         else if (opt == "--unplug-after")
             ok = toCount(v, unplugAfter);
+        else if (opt == "--short")
+            ok = toCount(v, shortBy);
         else if (opt == "--error")
             ok = parseError(v, errors);
         else if (opt == "--pins")

@@ -18,6 +18,7 @@ struct SimOptions {
     int silentAfter = -1; // no reply after K replies
     int delayMs = 0;
     int unplugAfter = -1;        // the line goes away with the first request after K replies
+    int shortBy = 0;             // the first reply of a memory read comes N bytes short
     QHash<int, int> errors;      // command byte to error code
     bool exitWithParent = false; // tests: a crashed test leaves no simulator behind
     int pins = 0;                // address pins strapped on the chip (two-wire parts)

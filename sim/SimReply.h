@@ -23,7 +23,9 @@ struct SimReply {
     bool isError = false;
     unsigned short error = 0;
     QByteArray data;
+    bool fromMemory = false; // data read from the chip's memory array, which --short may cut
 
     static SimReply ok(const QByteArray& d = QByteArray()) { return SimReply{false, 0, d}; }
+    static SimReply memory(const QByteArray& d) { return SimReply{false, 0, d, true}; }
     static SimReply fail(unsigned short code) { return SimReply{true, code, QByteArray()}; }
 };

@@ -45,9 +45,14 @@ bool SimServer::answer(const SimFrame& request) {
     }
     if (options.silentAfter >= 0 && replies >= options.silentAfter) return true;
     const auto forced = options.errors.constFind(request.cmd);
-    const SimReply reply = request.checkOk && forced != options.errors.constEnd()
-                               ? SimReply::fail(static_cast<unsigned short>(*forced))
-                               : programmer.handle(request);
+    SimReply reply = request.checkOk && forced != options.errors.constEnd()
+                         ? SimReply::fail(static_cast<unsigned short>(*forced))
+                         : programmer.handle(request);
+    // A reply cut short in a well-formed frame: the programmer's read buffer came up short.
+    if (options.shortBy > 0 && !cutShort && reply.fromMemory && reply.data.size() >= options.shortBy) {
+        reply.data.chop(options.shortBy);
+        cutShort = true;
+    }
     QByteArray frame = reply.isError ? SimFrameCodec::encodeError(reply.error)
                                      : SimFrameCodec::encode(request.cmd, reply.data);
     ++replies;

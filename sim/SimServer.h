@@ -33,4 +33,5 @@ private:
     SimTrace& trace;
     SimFrameParser parser;
     int replies = 0;
+    bool cutShort = false; // --short has been applied
 };

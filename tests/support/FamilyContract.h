@@ -28,8 +28,11 @@ protected:
         QString writePrefix;        // how that packet's payload starts when the packet serves more uses
         QString algWrite;           // catalogue key of the writer's algorithm
         QString unknownAlgText;     // the failure text of an algorithm the program does not have
+        QString pending; // why the tests that move data do not apply to the family yet; empty when they do
     };
     virtual Space space() const = 0;
+    // Makes the application serve the space's chip; the catalogue does so for every finished family.
+    virtual void offerFamily() {}
 
     struct Run {
         int status = -1;
@@ -55,6 +58,7 @@ protected:
         }
         w.addProgrammer("Sim", sim);
         AppData.pathDevices = devices;
+        offerFamily();
         TRunner::Options o;
         o.project = w.writeProject(project({{"Main", QStringList{setProg(), setDevice()} + commands}}));
         if (stopAfterMs < 0) {
@@ -117,6 +121,9 @@ protected:
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
     static QString cmdByte(const QString& frame) { return frame.section(' ', 1, 1); }
+    // The last two requests of a failed run: the programmer's leave and the error LED.
+    static QStringList failedEnd(const Run& r) { return r.frames.mid(r.frames.size() - 2); }
+    static QStringList leaveWithErrorLed() { return {"C0 85 00 00 BB", "C0 83 01 00 02 BA"}; }
 
     // Runs that follow read a copy of the catalogue holding the space's chip alone, its description with
     // from changed to to; false when the description has no from.
@@ -148,6 +155,7 @@ private slots:
     // A file that starts a few bytes before a chunk boundary and ends a few bytes after one goes out in
     // exactly those cuts, verifies, and reads back into an identical file; each command says what it did.
     void unalignedFileRoundTrip() {
+        if (!space().pending.isEmpty()) QSKIP(qPrintable(space().pending));
         const Space s = space();
         // A space smaller than its chunk (AVR EEPROM) goes out in one piece.
         const bool cut = 3 * qint64(s.writeChunk) + 10 <= s.size;
@@ -190,6 +198,7 @@ private slots:
     }
 
     void verifyMismatchNamesTheAddress() {
+        if (!space().pending.isEmpty()) QSKIP(qPrintable(space().pending));
         const Space s = space();
         QByteArray image = blankImage();
         const qint64 bad = s.begin + 37;
@@ -203,6 +212,7 @@ private slots:
 
     // The link lost in the middle: the run fails with the link's text, and nothing more is sent.
     void silentProgrammerFails() {
+        if (!space().pending.isEmpty()) QSKIP(qPrintable(space().pending));
         const Space s = space();
         const int count = int(qMin<qint64>(s.size, 4 * qint64(s.writeChunk)));
         const QString in = scratch.filePath("in.bin");
@@ -217,6 +227,7 @@ private slots:
     }
 
     void corruptingProgrammerFails() {
+        if (!space().pending.isEmpty()) QSKIP(qPrintable(space().pending));
         const Space s = space();
         const int count = int(qMin<qint64>(s.size, 4 * qint64(s.writeChunk)));
         const QString in = scratch.filePath("in.bin");
@@ -230,6 +241,7 @@ private slots:
 
     // A stop in the middle of a long write ends the run as stopped, with the leave and the idle LED.
     void stopMidWriteLeavesAndSetsTheLed() {
+        if (!space().pending.isEmpty()) QSKIP(qPrintable(space().pending));
         const Space s = space();
         const int count = int(qMin<qint64>(s.size, 64 * qint64(s.writeChunk)));
         if (count < 8 * s.writeChunk) QSKIP("the space is written in one or a few pieces");
@@ -257,10 +269,13 @@ private slots:
         const QString writeByte = QStringLiteral("%1").arg(s.writeCmd, 2, 16, QLatin1Char('0')).toUpper();
         for (const QString& f : r.frames.mid(4))
             QVERIFY2(cmdByte(f) != writeByte, qPrintable(f));
+        // A family without a write packet yet sends nothing of its own at all.
+        if (s.writeCmd == 0) QCOMPARE(r.frames.mid(4), leaveWithErrorLed());
     }
 
     // A read whose file cannot be made fails naming the file, and the chip was not read for nothing.
     void readIntoAMissingFolderNamesTheFile() {
+        if (!space().pending.isEmpty()) QSKIP(qPrintable(space().pending));
         const Space s = space();
         const QString out = scratch.filePath("no/such/folder/out.bin");
         const Run r = run({fileCmd(s.readFile, out, "bin", s.begin, 16)}, blankImage());
@@ -272,6 +287,7 @@ private slots:
     // A read that the unplugged link ends half-way leaves the previous file exactly as it was, and says
     // so; "bin+" keeps the bytes of the file outside the range it reads.
     void failedReadKeepsThePreviousFile() {
+        if (!space().pending.isEmpty()) QSKIP(qPrintable(space().pending));
         const Space s = space();
         const QString out = scratch.filePath("keep.bin");
         const QByteArray previous = pattern(3000, 9);
@@ -290,5 +306,23 @@ private slots:
         const Run plus = run({fileCmd(s.readFile, out, "bin+", s.begin, 16)}, blankImage());
         QVERIFY2(plus.status == 0, qPrintable(plus.output));
         QCOMPARE(readBytes(out), QByteArray(16, char(0xFF)) + previous.mid(16));
+    }
+
+    // A reply that brings fewer bytes than asked, in a well-formed frame, fails a verify and a read with
+    // both counts; the read leaves no file, and the run still leaves the programmer.
+    void shortReplyFailsVerifyAndRead() {
+        if (!space().pending.isEmpty()) QSKIP(qPrintable(space().pending));
+        const Space s = space();
+        const int count = 8, cut = 3;
+        const QString in = scratch.filePath("blank8.bin"), out = scratch.filePath("short.bin");
+        writeBytes(in, QByteArray(count, char(0xFF)));
+        for (const QString& c : {fileCmd(s.verifyFile, in, "bin", s.begin, count),
+                                 fileCmd(s.readFile, out, "bin", s.begin, count)}) {
+            const Run r = run({c}, blankImage(), {"--short", QString::number(cut)});
+            QCOMPARE(r.status, 1);
+            QVERIFY2(r.output.contains(Lang.get(484).arg(count - cut).arg(count)), qPrintable(r.output));
+            QCOMPARE(failedEnd(r), leaveWithErrorLed());
+        }
+        QVERIFY(!QFileInfo::exists(out));
     }
 };
