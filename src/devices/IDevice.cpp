@@ -1,11 +1,37 @@
 #include "devices/IDevice.h"
 
 #include "app/TLang.h"
+#include "project/CTagPrj.h"
+#include "project/TCmdCode.h"
 #include "ui/TFormCmd.h"
 
 IDevice::IDevice(const QString& code, QObject* parent) : QObject(parent), devCode(code) {}
 
 IDevice::~IDevice() = default;
+
+QString IDevice::getViewCmdName(const TData& param) const {
+    return CmdCode.getName(param.value(CTagCmd::cmd).toString());
+}
+
+TData IDevice::getChangedParam(const TData& param) const {
+    return formParam(param);
+}
+
+void IDevice::normCmdParam(TData&) {}
+
+bool IDevice::checkCmdSetDeviceParam(const TData&) {
+    return true;
+}
+
+void IDevice::getDefaultParamCmdSetDevice(TData&) {}
+
+QWidget* IDevice::getWgtCmdSetDeviceParam(const TData&) {
+    return nullptr;
+}
+
+QByteArray IDevice::getCmdSetDeviceExec(const TData&) {
+    return QByteArray();
+}
 
 QString IDevice::getNotSupportedText(const QString&) const {
     return QString();

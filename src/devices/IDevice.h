@@ -23,16 +23,20 @@ public:
     virtual bool supportCmd(const QString& code) const = 0;
     virtual QStringList getSupportCmdList() const = 0;
     virtual void getDefaultCmdParam(TData& param) = 0;
-    virtual QString getViewCmdName(const TData& param) const = 0;
     virtual QString getViewCmdParam(const TData& param, QWidget* parent) const = 0;
     virtual QWidget* getFormCmdParam(const TData& param) const = 0;
-    virtual TData getChangedParam(const TData& param) const = 0;
-    virtual void normCmdParam(TData& param) = 0;
     virtual bool checkCmdParam(const TData& param) = 0;
-    virtual bool checkCmdSetDeviceParam(const TData& param) = 0;
-    virtual void getDefaultParamCmdSetDevice(TData& param) = 0;
-    virtual QWidget* getWgtCmdSetDeviceParam(const TData& param) = 0;
-    virtual QByteArray getCmdSetDeviceExec(const TData& param) = 0;
+    // The command's name from the command codes list.
+    virtual QString getViewCmdName(const TData& param) const;
+    // The parameters as the form handed out last holds them (param itself without a form).
+    virtual TData getChangedParam(const TData& param) const;
+    virtual void normCmdParam(TData& param);
+    // The settings a set-device command carries for the device and the payload built from them: none
+    // unless the family has some.
+    virtual bool checkCmdSetDeviceParam(const TData& param);
+    virtual void getDefaultParamCmdSetDevice(TData& param);
+    virtual QWidget* getWgtCmdSetDeviceParam(const TData& param);
+    virtual QByteArray getCmdSetDeviceExec(const TData& param);
     // A new executor for the command; the caller owns it.
     virtual IDeviceExec* createExecObject(const TData& param) = 0;
     // Why the family's command is not offered for this device; empty when there is nothing particular.

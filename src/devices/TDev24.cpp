@@ -13,10 +13,7 @@
 
 using namespace CTagCmdCode;
 
-TDev24::TDev24(const QString& code, const TData& param)
-    : IDevice(code), cmdList(TCmdTable::codes(cmdTable())) {
-    setDevParam(param);
-}
+TDev24::TDev24(const QString& code, const TData& param) : TDevFamily(code, param, cmdTable()) {}
 
 const TCmdRows& TDev24::cmdTable() {
     using K = TCmdKind;
@@ -37,25 +34,6 @@ IDevice* TDev24::Instance(const QString& code, const TData& param) {
     return new TDev24(code, param);
 }
 
-bool TDev24::supportCmd(const QString& code) const {
-    return TCmdTable::find(cmdTable(), code) != nullptr;
-}
-
-QStringList TDev24::getSupportCmdList() const {
-    return cmdList;
-}
-
-void TDev24::getDefaultCmdParam(TData& p) {
-    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
-    qint64 begin, size;
-    TNormCmdParam::readDevData(this, begin, size);
-    if (row && !TCmdTable::defaults(*row, this, p, begin, size)) TDev24CDevParam::def(p); // set_addr
-}
-
-QString TDev24::getViewCmdName(const TData& p) const {
-    return CmdCode.getName(p.value(CTagCmd::cmd).toString());
-}
-
 QString TDev24::getViewSetAddress(const TData& p) const {
     const unsigned mask = TAPP_PARAM(devParam, "addr_mask").toUInt();
     const unsigned addr = p.value(TDev24CDevParam::addr).toUInt();
@@ -65,35 +43,20 @@ QString TDev24::getViewSetAddress(const TData& p) const {
     return Lang.get(482).arg(pins.at(0), pins.at(1), pins.at(2));
 }
 
-QString TDev24::getViewCmdParam(const TData& p, QWidget*) const {
-    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
-    QString text;
-    if (row && !TCmdTable::view(*row, p, text)) text = getViewSetAddress(p);
-    return text;
+void TDev24::ownDefaults(const TCmdRow&, TData& p) {
+    TDev24CDevParam::def(p);
 }
 
-QWidget* TDev24::getFormCmdParam(const TData& p) const {
-    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
-    qint64 begin, size;
-    TNormCmdParam::readDevData(this, begin, size);
-    TFormCmd* form = nullptr;
-    if (row && !TCmdTable::form(*row, this, p, begin, size, form)) form = TDev24CDevParam::form(this, p);
-    return keepForm(form);
+QString TDev24::ownView(const TCmdRow&, const TData& p) const {
+    return getViewSetAddress(p);
 }
 
-TData TDev24::getChangedParam(const TData& p) const {
-    return formParam(p);
+TFormCmd* TDev24::ownForm(const TCmdRow&, const TData& p) const {
+    return TDev24CDevParam::form(this, p);
 }
 
-void TDev24::normCmdParam(TData&) {}
-
-bool TDev24::checkCmdParam(const TData& p) {
-    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
-    qint64 begin, size;
-    TNormCmdParam::readDevData(this, begin, size);
-    bool valid = false;
-    if (row && !TCmdTable::check(*row, p, begin, size, valid)) valid = TDev24CDevParam::check(p);
-    return valid;
+bool TDev24::ownCheck(const TCmdRow&, const TData& p) const {
+    return TDev24CDevParam::check(p);
 }
 
 bool TDev24::checkCmdSetDeviceParam(const TData& p) {
@@ -108,8 +71,8 @@ QWidget* TDev24::getWgtCmdSetDeviceParam(const TData& p) {
     return TDev24CDevParam::form(this, p);
 }
 
-QByteArray TDev24::getCmdSetDeviceExec(const TData& p) {
-    return TDev24CDevParam::payload(this, p);
+unsigned int TDev24::familyByte(const TData& setDevice) const {
+    return setDevice.value(TDev24CDevParam::addr).toUInt();
 }
 
 IDeviceExec* TDev24::createExecObject(const TData& p) {

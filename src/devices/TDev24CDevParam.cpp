@@ -21,23 +21,6 @@ bool TDev24CDevParam::check(const TData& p) {
     return ok && a >= 0 && a < 8;
 }
 
-QByteArray TDev24CDevParam::payload(IDevice* dev, const TData& param) {
-    // A set-device command without a clock of its own uses the programmer's default for the part.
-    TData p = param;
-    if (!p.contains(QStringLiteral("clk")) && dev) TNormCmdParam::cmdSetCLKDef(dev->getDevConnect(), p);
-    const TData d = dev ? dev->getDevParam() : TData();
-    QString typeName = TAPP_PARAM(d, "prg_type").toString();
-    const unsigned int type = DeviceList.getDevCode(typeName);
-    const unsigned int clk = TMiscDev::getCLK(p);
-    QByteArray out;
-    TMiscDev::appendLE(out, type, 2);
-    TMiscDev::appendLE(out, TAPP_PARAM(d, "cfg_hw").toUInt(), 1);
-    TMiscDev::appendLE(out, p.value(addr).toUInt(), 1);
-    TMiscDev::appendLE(out, clk, 4);
-    TMiscDev::appendLE(out, TAPP_PARAM(d, "delay").toUInt(), 1);
-    return out;
-}
-
 TFormCmd* TDev24CDevParam::form(const IDevice* dev, const TData& p) {
     auto* form = new TFormCmd(p);
     const unsigned mask = dev ? dev->getDevParam().value(QStringLiteral("addr_mask")).toUInt() : 7;

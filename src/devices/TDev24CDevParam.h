@@ -7,8 +7,8 @@
 class IDevice;
 class TFormCmd;
 
-// The device-specific settings a set-device command carries for a 24-series part (its bus address pins)
-// and the payload built from them.
+// The device-specific settings a set-device command carries for a 24-series part: its bus address pins,
+// which the set-device payload carries as its family byte.
 class TDev24CDevParam {
 public:
     static constexpr const char* addr = "addr";
@@ -18,6 +18,4 @@ public:
     static bool check(const TData& p);
     // One check box per address pin, A2 first; pins outside the part's addr_mask cannot be set.
     static TFormCmd* form(const IDevice* dev, const TData& p);
-    // prg_type code (16 bits), cfg_hw, addr, clock (32 bits), delay.
-    static QByteArray payload(IDevice* dev, const TData& p);
 };

@@ -109,28 +109,3 @@ bool TDev24CExec::testEmpty(TSerialPort& port) {
     const qint64 begin = TAPP_PARAM(dev, "addr_begin").toLongLong();
     return testEmptyRange(memory(port), begin, begin + TAPP_PARAM(dev, "size").toLongLong() - 1);
 }
-
-bool TDev24CExec::writeChar(TSerialPort& port) {
-    return range(port, RangeCmd::WriteChar);
-}
-bool TDev24CExec::verifyChar(TSerialPort& port) {
-    return range(port, RangeCmd::VerifyChar);
-}
-bool TDev24CExec::writeData(TSerialPort& port) {
-    return range(port, RangeCmd::WriteData);
-}
-bool TDev24CExec::verifyData(TSerialPort& port) {
-    return range(port, RangeCmd::VerifyData);
-}
-bool TDev24CExec::readData(TSerialPort& port) {
-    return range(port, RangeCmd::ReadData);
-}
-bool TDev24CExec::writeFile(TSerialPort& port) {
-    return range(port, RangeCmd::WriteFile);
-}
-bool TDev24CExec::verifyFile(TSerialPort& port) {
-    return range(port, RangeCmd::VerifyFile);
-}
-bool TDev24CExec::readFile(TSerialPort& port) {
-    return range(port, RangeCmd::ReadFile);
-}

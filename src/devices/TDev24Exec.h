@@ -16,14 +16,6 @@ public:
     bool setCLK(TSerialPort& port);
     bool erase(TSerialPort& port);
     bool testEmpty(TSerialPort& port);
-    bool writeChar(TSerialPort& port);
-    bool verifyChar(TSerialPort& port);
-    bool readData(TSerialPort& port);
-    bool writeData(TSerialPort& port);
-    bool verifyData(TSerialPort& port);
-    bool readFile(TSerialPort& port);
-    bool writeFile(TSerialPort& port);
-    bool verifyFile(TSerialPort& port);
     bool leave(TSerialPort& port);
 
 protected:

@@ -22,9 +22,7 @@ constexpr qint64 kBlockDefault = 65536;
 constexpr int kRegisterSize = 256;
 } // namespace
 
-TDev25::TDev25(const QString& code, const TData& param) : IDevice(code), cmdList(getCmdList()) {
-    setDevParam(param);
-}
+TDev25::TDev25(const QString& code, const TData& param) : TDevFamily(code, param, cmdTable()) {}
 
 IDevice* TDev25::Instance(const QString& code, const TData& param) {
     return new TDev25(code, param);
@@ -69,33 +67,17 @@ QStringList TDev25::getCmdList() {
     return TCmdTable::codes(cmdTable());
 }
 
-bool TDev25::supportCmd(const QString& code) const {
-    return cmdList.contains(code);
-}
-
-QStringList TDev25::getSupportCmdList() const {
-    return cmdList;
-}
-
-qint64 TDev25::devValue(const char* key) const {
-    return devParam.value(QLatin1String(key)).toLongLong();
-}
-
-void TDev25::regionRange(Region region, qint64& begin, qint64& size) const {
+void TDev25::spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const {
+    const Region region = Region(row.space);
     begin = region == Region::Flash ? devValue("addr_begin") : 0;
     size = region == Region::Flash      ? devValue("size")
            : region == Region::Security ? devValue("security_reg_size")
                                         : devValue("sfdp_reg_size");
 }
 
-void TDev25::getDefaultCmdParam(TData& p) {
+void TDev25::ownDefaults(const TCmdRow& row, TData& p) {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    if (!row) return;
-    qint64 begin, size;
-    regionRange(Region(row->space), begin, size);
-    if (TCmdTable::defaults(*row, this, p, begin, size)) return;
+    const QString code = QLatin1String(row.code);
     if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) {
         p.insert(kSize, kBlockDefault);
         p.insert(kBegin, 0);
@@ -104,10 +86,6 @@ void TDev25::getDefaultCmdParam(TData& p) {
         p.insert(kData, 255);
     else if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify}))
         p.insert(kData, devParam.value(QStringLiteral("status_reg_def")).toString());
-}
-
-QString TDev25::getViewCmdName(const TData& p) const {
-    return CmdCode.getName(p.value(CTagCmd::cmd).toString());
 }
 
 QString TDev25::cmdEraseBlocksView(const TData& p) {
@@ -129,12 +107,9 @@ QString TDev25::cmdSecurityRegView(const TData& p) {
     return Lang.get(474) + regs.join(QStringLiteral(", "));
 }
 
-QString TDev25::getViewCmdParam(const TData& p, QWidget*) const {
+QString TDev25::ownView(const TCmdRow& row, const TData& p) const {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    QString text;
-    if (!row || TCmdTable::view(*row, p, text)) return text;
+    const QString code = QLatin1String(row.code);
     if (code == QLatin1String(ident))
         return Lang.get(473).arg(devParam.value(QStringLiteral("signature")).toString());
     if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) return cmdEraseBlocksView(p);
@@ -187,14 +162,10 @@ TFormCmd* TDev25::formEraseBlocks(const TData& p) const {
     return form;
 }
 
-QWidget* TDev25::getFormCmdParam(const TData& p) const {
+TFormCmd* TDev25::ownForm(const TCmdRow& row, const TData& p) const {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
+    const QString code = QLatin1String(row.code);
     TFormCmd* form = nullptr;
-    qint64 begin = 0, size = 0;
-    if (row) regionRange(Region(row->space), begin, size);
-    if (!row || TCmdTable::form(*row, this, p, begin, size, form)) return keepForm(form);
     if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) form = formEraseBlocks(p);
     if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify})) {
         form = new TFormCmd(p);
@@ -212,14 +183,8 @@ QWidget* TDev25::getFormCmdParam(const TData& p) const {
         TWgtRegisterForm::addToForm(form, kData,
                                     {QStringLiteral("edr|FFFFFFFFFFFFFFFF|ro|-1|") + Lang.get(592)}, true);
     }
-    return keepForm(form);
+    return form;
 }
-
-TData TDev25::getChangedParam(const TData& p) const {
-    return formParam(p);
-}
-
-void TDev25::normCmdParam(TData&) {}
 
 bool TDev25::checkEraseBlocks(const TData& p) const {
     const qint64 size = p.value(kSize).toLongLong();
@@ -234,48 +199,15 @@ bool TDev25::checkStatusReg(const TData& p) const {
     return TMiscDev::getByteArrayFromHex(p.value(kData).toString()).size() == n;
 }
 
-bool TDev25::checkCmdParam(const TData& p) {
+bool TDev25::ownCheck(const TCmdRow& row, const TData& p) const {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    if (!row) return false;
-    qint64 begin, size;
-    regionRange(Region(row->space), begin, size);
-    bool valid = false;
-    if (TCmdTable::check(*row, p, begin, size, valid)) return valid;
+    const QString code = QLatin1String(row.code);
     if (TMiscDev::isOneOf(code, {ident, unique_id_read, status_reg_read})) return true;
     if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) return checkEraseBlocks(p);
     if (TMiscDev::isOneOf(code, {status_reg_write, status_reg_verify})) return checkStatusReg(p);
     bool ok = false; // the security register mask
     p.value(kData).toUInt(&ok);
     return ok;
-}
-
-bool TDev25::checkCmdSetDeviceParam(const TData&) {
-    return true;
-}
-
-void TDev25::getDefaultParamCmdSetDevice(TData& p) {
-    TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
-}
-
-// The device's own setting is its clock.
-QWidget* TDev25::getWgtCmdSetDeviceParam(const TData& p) {
-    return TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
-}
-
-// The 24-series layout: type code (16 bits), cfg_hw, bus address (none on SPI: 0), clock (32 bits), delay.
-QByteArray TDev25::getCmdSetDeviceExec(const TData& param) {
-    TData p = param;
-    if (!p.contains(QStringLiteral("clk"))) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
-    QString type = devParam.value(QStringLiteral("prg_type")).toString();
-    QByteArray out;
-    TMiscDev::appendLE(out, DeviceList.getDevCode(type), 2);
-    TMiscDev::appendLE(out, quint32(devValue("cfg_hw")), 1);
-    TMiscDev::appendLE(out, 0, 1);
-    TMiscDev::appendLE(out, TMiscDev::getCLK(p), 4);
-    TMiscDev::appendLE(out, quint32(devValue("delay")), 1);
-    return out;
 }
 
 IDeviceExec* TDev25::createExecObject(const TData& param) {

@@ -189,33 +189,6 @@ bool TDev25Exec::testEmptyBlocks(TSerialPort& port) {
     return testEmptyRange(memory(port, Space::Flash), begin * size, (begin + count) * size - 1);
 }
 
-// ---- characters, literal data, files ----
-
-bool TDev25Exec::writeChar(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::WriteChar);
-}
-bool TDev25Exec::verifyChar(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::VerifyChar);
-}
-bool TDev25Exec::writeData(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::WriteData);
-}
-bool TDev25Exec::verifyData(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::VerifyData);
-}
-bool TDev25Exec::readData(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::ReadData);
-}
-bool TDev25Exec::writeFile(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::WriteFile);
-}
-bool TDev25Exec::verifyFile(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::VerifyFile);
-}
-bool TDev25Exec::readFile(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::ReadFile);
-}
-
 // ---- registers ----
 
 bool TDev25Exec::readStatusReg(TSerialPort& port) {
@@ -280,22 +253,6 @@ bool TDev25Exec::testEmptySecurityReg(TSerialPort& port) {
         if (mask >> i & 1 && !testEmptyRange(security, begin, begin + kRegisterSize - 1)) return false;
     }
     return true;
-}
-
-bool TDev25Exec::readSecurityReg(TSerialPort& port) {
-    return range(port, Space::Security, RangeCmd::ReadFile);
-}
-
-bool TDev25Exec::writeSecurityReg(TSerialPort& port) {
-    return range(port, Space::Security, RangeCmd::WriteFile);
-}
-
-bool TDev25Exec::verifySecurityReg(TSerialPort& port) {
-    return range(port, Space::Security, RangeCmd::VerifyFile);
-}
-
-bool TDev25Exec::readSFDPReg(TSerialPort& port) {
-    return range(port, Space::SFDP, RangeCmd::ReadFile);
 }
 
 bool TDev25Exec::readUniqueID(TSerialPort& port) {

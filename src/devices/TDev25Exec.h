@@ -18,24 +18,12 @@ public:
     bool testEmpty(TSerialPort& port);
     bool eraseBlocks(TSerialPort& port);
     bool testEmptyBlocks(TSerialPort& port);
-    bool writeChar(TSerialPort& port);
-    bool verifyChar(TSerialPort& port);
-    bool readData(TSerialPort& port);
-    bool writeData(TSerialPort& port);
-    bool verifyData(TSerialPort& port);
-    bool readFile(TSerialPort& port);
-    bool writeFile(TSerialPort& port);
-    bool verifyFile(TSerialPort& port);
     bool readStatusReg(TSerialPort& port);
     bool writeStatusReg(TSerialPort& port);
     bool verifyStatusReg(TSerialPort& port);
     bool eraseSecurityReg(TSerialPort& port);
     bool testEmptySecurityReg(TSerialPort& port);
-    bool readSecurityReg(TSerialPort& port);
-    bool writeSecurityReg(TSerialPort& port);
-    bool verifySecurityReg(TSerialPort& port);
     bool readUniqueID(TSerialPort& port);
-    bool readSFDPReg(TSerialPort& port);
     bool leave(TSerialPort& port);
 
 private:

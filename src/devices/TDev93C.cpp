@@ -9,10 +9,7 @@
 
 using namespace CTagCmdCode;
 
-TDev93C::TDev93C(const QString& code, const TData& param)
-    : IDevice(code), cmdList(TCmdTable::codes(cmdTable())) {
-    setDevParam(param);
-}
+TDev93C::TDev93C(const QString& code, const TData& param) : TDevFamily(code, param, cmdTable()) {}
 
 // The clock and the leave are the family's own: as it stands, they show no parameters and the clock is
 // not checked against the programmer.
@@ -36,67 +33,19 @@ IDevice* TDev93C::Instance(const QString& code, const TData& param) {
     return new TDev93C(code, param);
 }
 
-bool TDev93C::supportCmd(const QString& code) const {
-    return TCmdTable::find(cmdTable(), code) != nullptr;
+void TDev93C::ownDefaults(const TCmdRow& row, TData& p) {
+    if (row.code == QLatin1String(set_clk)) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
+    if (row.code == QLatin1String(leave)) TNormCmdParam::cmdLeaveDef(p, true);
 }
 
-QStringList TDev93C::getSupportCmdList() const {
-    return cmdList;
+TFormCmd* TDev93C::ownForm(const TCmdRow& row, const TData& p) const {
+    if (row.code == QLatin1String(set_clk)) return TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
+    if (row.code == QLatin1String(leave)) return TNormCmdParam::cmdLeaveForm(this, p, true);
+    return nullptr;
 }
 
-void TDev93C::getDefaultCmdParam(TData& p) {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    qint64 begin, size;
-    TNormCmdParam::readDevData(this, begin, size);
-    if (!row || TCmdTable::defaults(*row, this, p, begin, size)) return;
-    if (code == set_clk) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
-    if (code == leave) TNormCmdParam::cmdLeaveDef(p, true);
-}
-
-QString TDev93C::getViewCmdName(const TData& p) const {
-    return CmdCode.getName(p.value(CTagCmd::cmd).toString());
-}
-
-QString TDev93C::getViewCmdParam(const TData& p, QWidget*) const {
-    const TCmdRow* row = TCmdTable::find(cmdTable(), p.value(CTagCmd::cmd).toString());
-    QString text;
-    if (row) TCmdTable::view(*row, p, text);
-    return text;
-}
-
-QWidget* TDev93C::getFormCmdParam(const TData& p) const {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    qint64 begin, size;
-    TNormCmdParam::readDevData(this, begin, size);
-    TFormCmd* form = nullptr;
-    if (row && !TCmdTable::form(*row, this, p, begin, size, form)) {
-        if (code == set_clk) form = TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
-        if (code == leave) form = TNormCmdParam::cmdLeaveForm(this, p, true);
-    }
-    return keepForm(form);
-}
-
-TData TDev93C::getChangedParam(const TData& p) const {
-    return formParam(p);
-}
-
-void TDev93C::normCmdParam(TData&) {}
-
-bool TDev93C::checkCmdParam(const TData& p) {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    if (!row) return false;
-    qint64 begin, size;
-    TNormCmdParam::readDevData(this, begin, size);
-    bool valid = false;
-    if (TCmdTable::check(*row, p, begin, size, valid)) return valid;
-    return code != leave || TNormCmdParam::cmdLeaveCheck(p, true);
-}
-
-bool TDev93C::checkCmdSetDeviceParam(const TData&) {
-    return true;
+bool TDev93C::ownCheck(const TCmdRow& row, const TData& p) const {
+    return row.code != QLatin1String(leave) || TNormCmdParam::cmdLeaveCheck(p, true);
 }
 
 void TDev93C::getDefaultParamCmdSetDevice(TData&) {}

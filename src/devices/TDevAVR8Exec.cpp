@@ -160,54 +160,6 @@ bool TDevAVR8Exec::testEmptyFlash(TSerialPort& port) {
 bool TDevAVR8Exec::testEmptyEEPROM(TSerialPort& port) {
     return testEmptySpace(port, Space::Eeprom);
 }
-bool TDevAVR8Exec::writeFlashChar(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::WriteChar);
-}
-bool TDevAVR8Exec::verifyFlashChar(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::VerifyChar);
-}
-bool TDevAVR8Exec::writeEepromChar(TSerialPort& port) {
-    return range(port, Space::Eeprom, RangeCmd::WriteChar);
-}
-bool TDevAVR8Exec::verifyEepromChar(TSerialPort& port) {
-    return range(port, Space::Eeprom, RangeCmd::VerifyChar);
-}
-bool TDevAVR8Exec::writeFlashData(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::WriteData);
-}
-bool TDevAVR8Exec::verifyFlashData(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::VerifyData);
-}
-bool TDevAVR8Exec::readFlashData(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::ReadData);
-}
-bool TDevAVR8Exec::writeEepromData(TSerialPort& port) {
-    return range(port, Space::Eeprom, RangeCmd::WriteData);
-}
-bool TDevAVR8Exec::verifyEepromData(TSerialPort& port) {
-    return range(port, Space::Eeprom, RangeCmd::VerifyData);
-}
-bool TDevAVR8Exec::readEepromData(TSerialPort& port) {
-    return range(port, Space::Eeprom, RangeCmd::ReadData);
-}
-bool TDevAVR8Exec::readFlashFile(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::ReadFile);
-}
-bool TDevAVR8Exec::writeFlashFile(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::WriteFile);
-}
-bool TDevAVR8Exec::verifyFlashFile(TSerialPort& port) {
-    return range(port, Space::Flash, RangeCmd::VerifyFile);
-}
-bool TDevAVR8Exec::readEepromFile(TSerialPort& port) {
-    return range(port, Space::Eeprom, RangeCmd::ReadFile);
-}
-bool TDevAVR8Exec::writeEepromFile(TSerialPort& port) {
-    return range(port, Space::Eeprom, RangeCmd::WriteFile);
-}
-bool TDevAVR8Exec::verifyEepromFile(TSerialPort& port) {
-    return range(port, Space::Eeprom, RangeCmd::VerifyFile);
-}
 
 // ---- fuses, lock bits, calibration ----
 

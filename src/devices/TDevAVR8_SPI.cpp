@@ -18,7 +18,7 @@ const QString kData = QStringLiteral("data");
 } // namespace
 
 TDevAVR8_SPI::TDevAVR8_SPI(const QString& code, const TData& param)
-    : IDevice(code), cmdList((setDevParam(param), offeredCmdList())) {}
+    : TDevFamily(code, param, cmdTable(), offeredCmdList(param)) {}
 
 IDevice* TDevAVR8_SPI::Instance(const QString& code, const TData& param) {
     return new TDevAVR8_SPI(code, param);
@@ -83,7 +83,7 @@ QString TDevAVR8_SPI::algKey(const QString& code) {
     return QString();
 }
 
-QStringList TDevAVR8_SPI::offeredCmdList() const {
+QStringList TDevAVR8_SPI::offeredCmdList(const TData& devParam) {
     QStringList out;
     for (const QString& code : getCmdList()) {
         const QString key = algKey(code);
@@ -95,14 +95,6 @@ QStringList TDevAVR8_SPI::offeredCmdList() const {
 QString TDevAVR8_SPI::getNotSupportedText(const QString& code) const {
     if (cmdList.contains(code) || !getCmdList().contains(code)) return QString();
     return Lang.get(1100).arg(CmdCode.getName(code), getDeviceCode());
-}
-
-bool TDevAVR8_SPI::supportCmd(const QString& code) const {
-    return cmdList.contains(code);
-}
-
-QStringList TDevAVR8_SPI::getSupportCmdList() const {
-    return cmdList;
 }
 
 // The catalogue key prefix of the byte group a command edits; empty for other commands.
@@ -123,53 +115,29 @@ QString TDevAVR8_SPI::bytesConfig(const QString& code) {
     return bytesGroup(code) + QStringLiteral("_cfg");
 }
 
-void TDevAVR8_SPI::getDefaultCmdParam(TData& p) {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    if (!row) return;
-    qint64 begin, size;
-    spaceRange(*row, begin, size);
-    if (!TCmdTable::defaults(*row, this, p, begin, size) && !bytesGroup(code).isEmpty())
-        p.insert(kData, bytesDefault(code));
+void TDevAVR8_SPI::ownDefaults(const TCmdRow& row, TData& p) {
+    if (!bytesGroup(row.code).isEmpty()) p.insert(kData, bytesDefault(row.code));
 }
 
-QString TDevAVR8_SPI::getViewCmdName(const TData& p) const {
-    return CmdCode.getName(p.value(CTagCmd::cmd).toString());
-}
-
-QString TDevAVR8_SPI::getViewCmdParam(const TData& p, QWidget*) const {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    QString text;
-    if (!row || TCmdTable::view(*row, p, text)) return text;
-    if (code == QLatin1String(CTagCmdCode::ident))
+QString TDevAVR8_SPI::ownView(const TCmdRow& row, const TData& p) const {
+    if (row.code == QLatin1String(CTagCmdCode::ident))
         return Lang.get(485).arg(devParam.value(QStringLiteral("signature")).toString());
-    return bytesDefault(code).isEmpty() ? QString() : p.value(kData).toString(); // fuses, lock, calibration
+    return bytesDefault(row.code).isEmpty() ? QString()
+                                            : p.value(kData).toString(); // fuses, lock, calibration
 }
 
-QWidget* TDevAVR8_SPI::getFormCmdParam(const TData& p) const {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    TFormCmd* form = nullptr;
-    qint64 begin = 0, size = 0;
-    if (row) spaceRange(*row, begin, size);
-    if (row && !TCmdTable::form(*row, this, p, begin, size, form) && !bytesGroup(code).isEmpty()) {
-        // Read commands show what they read; only writes and verifies are edited.
-        form = new TFormCmd(p);
-        const bool read = row->op == TCmdOp::Read;
-        // A write or verify starts from the factory bytes; a read shows what it read.
-        const QByteArray factory = read ? QByteArray() : QByteArray::fromHex(bytesDefault(code).toLatin1());
-        TWgtRegisterForm::addToForm(form, kData, devParam.value(bytesConfig(code)).toStringList(), read,
-                                    false, factory);
-    }
-    return keepForm(form);
+TFormCmd* TDevAVR8_SPI::ownForm(const TCmdRow& row, const TData& p) const {
+    const QString code = QLatin1String(row.code);
+    if (bytesGroup(code).isEmpty()) return nullptr;
+    // Read commands show what they read; only writes and verifies are edited.
+    auto* form = new TFormCmd(p);
+    const bool read = row.op == TCmdOp::Read;
+    // A write or verify starts from the factory bytes; a read shows what it read.
+    const QByteArray factory = read ? QByteArray() : QByteArray::fromHex(bytesDefault(code).toLatin1());
+    TWgtRegisterForm::addToForm(form, kData, devParam.value(bytesConfig(code)).toStringList(), read, false,
+                                factory);
+    return form;
 }
-
-TData TDevAVR8_SPI::getChangedParam(const TData& p) const {
-    return formParam(p);
-}
-
-void TDevAVR8_SPI::normCmdParam(TData&) {}
 
 // Written or compared bytes must be exactly as many as the part has (hex text, two digits a byte), and
 // the bits the part's instruction does not carry stay 1: the instruction sends the byte as it is, so a
@@ -187,44 +155,13 @@ bool TDevAVR8_SPI::checkBytes(const QString& code, const TData& p) const {
     return true;
 }
 
-bool TDevAVR8_SPI::checkCmdParam(const TData& p) {
-    const QString code = p.value(CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(cmdTable(), code);
-    if (!row) return false;
-    qint64 begin, size;
-    spaceRange(*row, begin, size);
-    bool valid = false;
-    if (TCmdTable::check(*row, p, begin, size, valid)) return valid;
-    // Identification and the reads of fuses, lock bits and calibration take no parameters.
-    return row->op == TCmdOp::Read || checkBytes(code, p);
+// Identification and the reads of fuses, lock bits and calibration take no parameters.
+bool TDevAVR8_SPI::ownCheck(const TCmdRow& row, const TData& p) const {
+    return row.op == TCmdOp::Read || checkBytes(row.code, p);
 }
 
-bool TDevAVR8_SPI::checkCmdSetDeviceParam(const TData&) {
-    return true;
-}
-
-void TDevAVR8_SPI::getDefaultParamCmdSetDevice(TData& p) {
-    TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
-}
-
-// The device's own setting is its clock.
-QWidget* TDevAVR8_SPI::getWgtCmdSetDeviceParam(const TData& p) {
-    return TNormCmdParam::cmdSetCLKForm(getDevConnect(), p);
-}
-
-// The layout the other families use (type code 16 bits, cfg_hw, one family byte, clock 32 bits, delay);
-// the family byte carries the reset polarity the programmer drives the target's reset line with.
-QByteArray TDevAVR8_SPI::getCmdSetDeviceExec(const TData& param) {
-    TData p = param;
-    if (!p.contains(QStringLiteral("clk"))) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
-    QString type = devParam.value(QStringLiteral("prg_type")).toString();
-    QByteArray out;
-    TMiscDev::appendLE(out, DeviceList.getDevCode(type), 2);
-    TMiscDev::appendLE(out, devParam.value(QStringLiteral("cfg_hw")).toUInt(), 1);
-    TMiscDev::appendLE(out, devParam.value(QStringLiteral("reset_pol")).toUInt(), 1);
-    TMiscDev::appendLE(out, TMiscDev::getCLK(p), 4);
-    TMiscDev::appendLE(out, devParam.value(QStringLiteral("delay")).toUInt(), 1);
-    return out;
+unsigned int TDevAVR8_SPI::familyByte(const TData&) const {
+    return devParam.value(QStringLiteral("reset_pol")).toUInt();
 }
 
 IDeviceExec* TDevAVR8_SPI::createExecObject(const TData& param) {

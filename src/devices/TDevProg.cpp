@@ -120,10 +120,6 @@ void TDevProg::getDefaultCmdParam(TData& p) {
     }
 }
 
-QString TDevProg::getViewCmdName(const TData& p) const {
-    return CmdCode.getName(p.value(CTagCmd::cmd).toString());
-}
-
 QString TDevProg::getViewCmdParam(const TData& p, QWidget*) const {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
@@ -138,12 +134,6 @@ QString TDevProg::getViewCmdParam(const TData& p, QWidget*) const {
     if (code == auto_detect) return cmdAutoDetectView(p);
     return QString();
 }
-
-TData TDevProg::getChangedParam(const TData& p) const {
-    return formParam(p);
-}
-
-void TDevProg::normCmdParam(TData&) {}
 
 bool TDevProg::checkCmdParam(const TData& p) {
     using namespace CTagCmdCode;
@@ -160,17 +150,6 @@ bool TDevProg::checkCmdParam(const TData& p) {
     if (code == reset) return cmdResetCheck(prog, p);
     if (code == gen) return cmdGeneratorCheck(prog, p);
     return false;
-}
-
-bool TDevProg::checkCmdSetDeviceParam(const TData&) {
-    return true;
-}
-void TDevProg::getDefaultParamCmdSetDevice(TData&) {}
-QWidget* TDevProg::getWgtCmdSetDeviceParam(const TData&) {
-    return nullptr;
-}
-QByteArray TDevProg::getCmdSetDeviceExec(const TData&) {
-    return QByteArray();
 }
 
 IDeviceExec* TDevProg::createExecObject(const TData& param) {

@@ -53,16 +53,9 @@ public:
     bool supportCmd(const QString& code) const override;
     QStringList getSupportCmdList() const override;
     void getDefaultCmdParam(TData& param) override;
-    QString getViewCmdName(const TData& param) const override;
     QString getViewCmdParam(const TData& param, QWidget* parent) const override;
     QWidget* getFormCmdParam(const TData& param) const override;
-    TData getChangedParam(const TData& param) const override;
-    void normCmdParam(TData& param) override;
     bool checkCmdParam(const TData& param) override;
-    bool checkCmdSetDeviceParam(const TData& param) override;
-    void getDefaultParamCmdSetDevice(TData& param) override;
-    QWidget* getWgtCmdSetDeviceParam(const TData& param) override;
-    QByteArray getCmdSetDeviceExec(const TData& param) override;
     IDeviceExec* createExecObject(const TData& param) override;
 
     static void cmdSetVCCDefault(TProg* prog, TData& p);

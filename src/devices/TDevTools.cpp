@@ -85,10 +85,6 @@ void TDevTools::getDefaultCmdParam(TData& p) {
     }
 }
 
-QString TDevTools::getViewCmdName(const TData& p) const {
-    return CmdCode.getName(p.value(CTagCmd::cmd).toString());
-}
-
 QString TDevTools::getViewCmdParam(const TData& p, QWidget*) const {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
@@ -125,11 +121,6 @@ QString TDevTools::getViewCmdParam(const TData& p, QWidget*) const {
     return QString();
 }
 
-TData TDevTools::getChangedParam(const TData& p) const {
-    return formParam(p);
-}
-void TDevTools::normCmdParam(TData&) {}
-
 bool TDevTools::checkCmdParam(const TData& p) {
     using namespace CTagCmdCode;
     const QString code = p.value(CTagCmd::cmd).toString();
@@ -161,17 +152,6 @@ bool TDevTools::checkCmdParam(const TData& p) {
                TMiscDev::isRangeInside(addr, count, 0, LLONG_MAX) && fill >= 0 && fill <= 255;
     }
     return code == pause || code == stop;
-}
-
-bool TDevTools::checkCmdSetDeviceParam(const TData&) {
-    return true;
-}
-void TDevTools::getDefaultParamCmdSetDevice(TData&) {}
-QWidget* TDevTools::getWgtCmdSetDeviceParam(const TData&) {
-    return nullptr;
-}
-QByteArray TDevTools::getCmdSetDeviceExec(const TData&) {
-    return QByteArray();
 }
 
 IDeviceExec* TDevTools::createExecObject(const TData& param) {
