@@ -10,7 +10,7 @@ public:
     TDev24(const QString& code, const TData& param);
     static IDevice* Instance(const QString& code, const TData& param);
 
-    // The family's commands in the order offered; the editing side and the executor both follow it.
+    // One memory space; the executor dispatches by the same rows.
     static const TCmdRows& cmdTable();
 
     // "Address: A2A1A0", a pin the part does not use shown as "-".

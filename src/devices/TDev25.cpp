@@ -63,10 +63,6 @@ const TCmdRows& TDev25::cmdTable() {
     return rows;
 }
 
-QStringList TDev25::getCmdList() {
-    return TCmdTable::codes(cmdTable());
-}
-
 void TDev25::spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const {
     const Region region = Region(row.space);
     begin = region == Region::Flash ? devValue("addr_begin") : 0;

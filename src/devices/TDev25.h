@@ -12,9 +12,7 @@ public:
     TDev25(const QString& code, const TData& param);
     static IDevice* Instance(const QString& code, const TData& param);
 
-    static QStringList getCmdList();
-    // The family's commands in the order offered; the editing side and the executor both follow it.
-    // Memory spaces: those of Region.
+    // Read by the editing side and the executor alike; the memory spaces are those of Region.
     static const TCmdRows& cmdTable();
 
     IDeviceExec* createExecObject(const TData& param) override;

@@ -9,7 +9,7 @@
 
 using namespace CTagCmdCode;
 
-TDev93C::TDev93C(const QString& code, const TData& param) : TDevFamily(code, param, cmdTable()) {}
+TDev93C::TDev93C(const QString& code, const TData& param) : TCmdFamily(code, param, cmdTable()) {}
 
 // The clock and the leave are the family's own: as it stands, they show no parameters and the clock is
 // not checked against the programmer.
@@ -46,16 +46,6 @@ TFormCmd* TDev93C::ownForm(const TCmdRow& row, const TData& p) const {
 
 bool TDev93C::ownCheck(const TCmdRow& row, const TData& p) const {
     return row.code != QLatin1String(leave) || TNormCmdParam::cmdLeaveCheck(p, true);
-}
-
-void TDev93C::getDefaultParamCmdSetDevice(TData&) {}
-
-QWidget* TDev93C::getWgtCmdSetDeviceParam(const TData&) {
-    return nullptr;
-}
-
-QByteArray TDev93C::getCmdSetDeviceExec(const TData&) {
-    return QByteArray();
 }
 
 IDeviceExec* TDev93C::createExecObject(const TData& p) {

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "devices/TDevFamily.h"
+#include "devices/TCmdFamily.h"
 
 // Three-wire (Microwire) EEPROMs of the 93 series. Unfinished: the catalogue never makes this family, and
-// its executor has only the clock and the erase; the other commands wait for their packets.
-class TDev93C : public TDevFamily {
+// its executor has only the clock and the erase; the other commands wait for their packets. Its set-device
+// command has no settings and an empty payload until the family's layout is designed.
+class TDev93C : public TCmdFamily {
     Q_OBJECT
 public:
     TDev93C(const QString& code, const TData& param);
@@ -14,10 +15,6 @@ public:
     static const TCmdRows& cmdTable();
 
     IDeviceExec* createExecObject(const TData& param) override;
-    // No settings and an empty payload until the family's set-device layout is designed.
-    void getDefaultParamCmdSetDevice(TData& param) override;
-    QWidget* getWgtCmdSetDeviceParam(const TData& param) override;
-    QByteArray getCmdSetDeviceExec(const TData& param) override;
 
 protected:
     // The clock and the leave.

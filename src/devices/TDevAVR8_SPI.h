@@ -10,8 +10,8 @@ public:
     TDevAVR8_SPI(const QString& code, const TData& param);
     static IDevice* Instance(const QString& code, const TData& param);
 
+    // Every command of the family, offered or not; a part offers those its algorithms serve.
     static QStringList getCmdList();
-    // The family's commands in the order offered; the editing side and the executor both follow it.
     // Memory spaces: 0 flash, 1 EEPROM.
     static const TCmdRows& cmdTable();
 

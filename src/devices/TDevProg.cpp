@@ -43,30 +43,38 @@ QString voltCurrentView(const TData& p, const QString& vKey, const QString& iKey
 }
 } // namespace
 
-TDevProg::TDevProg(const QString& code, const TData& param) : IDevice(code) {
-    setDevParam(param);
-}
+TDevProg::TDevProg(const QString& code, const TData& param) : TCmdFamily(code, param, cmdTable()) {}
 
 IDevice* TDevProg::Instance(const QString& code, const TData& param) {
     return new TDevProg(code, param);
 }
 
-QStringList TDevProg::getCmdList() {
+const TCmdRows& TDevProg::cmdTable() {
     using namespace CTagCmdCode;
-    return {set_device, auto_detect, separator, set_vcc, set_vpp, set_vicc,
-            set_vipp,   separator,   set_io,    reset,   gen};
+    using K = TCmdKind;
+    using O = TCmdOp;
+    static const TCmdRows rows{
+        {set_device, K::Own, O::None, 0},
+        {auto_detect, K::Own, O::None, 0},
+        {separator, K::Separator, O::None, 0},
+        {set_vcc, K::Own, O::None, 0},
+        {set_vpp, K::Own, O::None, 0},
+        {set_vicc, K::Own, O::None, 0},
+        {set_vipp, K::Own, O::None, 0},
+        {separator, K::Separator, O::None, 0},
+        {set_io, K::Own, O::None, 0},
+        {reset, K::Own, O::None, 0},
+        {gen, K::Own, O::None, 0},
+    };
+    return rows;
+}
+
+QStringList TDevProg::getCmdList() {
+    return TCmdTable::codes(cmdTable());
 }
 
 bool TDevProg::isCmdProg(const QString& code) {
-    return code != CTagCmdCode::separator && getCmdList().contains(code);
-}
-
-bool TDevProg::supportCmd(const QString& code) const {
-    return isCmdProg(code);
-}
-
-QStringList TDevProg::getSupportCmdList() const {
-    return getCmdList();
+    return TCmdTable::find(cmdTable(), code) != nullptr;
 }
 
 TProg* TDevProg::progOf(const TData& p) {
@@ -94,9 +102,9 @@ bool TDevProg::isResetInRange(int d, int min, int max) {
     return a <= max && (d == 0 || a >= min);
 }
 
-void TDevProg::getDefaultCmdParam(TData& p) {
+void TDevProg::ownDefaults(const TCmdRow& row, TData& p) {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
+    const QString code = QLatin1String(row.code);
     TProg* prog = progOf(p);
     if (code == set_vcc)
         cmdSetVCCDefault(prog, p);
@@ -120,9 +128,9 @@ void TDevProg::getDefaultCmdParam(TData& p) {
     }
 }
 
-QString TDevProg::getViewCmdParam(const TData& p, QWidget*) const {
+QString TDevProg::ownView(const TCmdRow& row, const TData& p) const {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
+    const QString code = QLatin1String(row.code);
     if (code == set_vcc) return cmdSetVCCView(p);
     if (code == set_vpp) return cmdSetVPPView(p);
     if (code == set_vicc) return cmdSetVICCView(p);
@@ -135,9 +143,9 @@ QString TDevProg::getViewCmdParam(const TData& p, QWidget*) const {
     return QString();
 }
 
-bool TDevProg::checkCmdParam(const TData& p) {
+bool TDevProg::ownCheck(const TCmdRow& row, const TData& p) const {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
+    const QString code = QLatin1String(row.code);
     if (code == set_device || code == auto_detect)
         return code == auto_detect ? cmdAutoDetectCheck(p)
                                    : !p.value(CTagCmdProgSetDevice::device).toString().isEmpty();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "devices/IDevice.h"
+#include "devices/TCmdFamily.h"
 #include "project/CTagPrj.h"
 
 // Parameter keys of the programmer commands.
@@ -40,7 +40,7 @@ class TProg;
 
 // The programmer's own commands: supplies and current limits, pin states, reset pulse, generator,
 // choice of the target device and its automatic detection.
-class TDevProg : public IDevice {
+class TDevProg : public TCmdFamily {
     Q_OBJECT
 public:
     TDevProg(const QString& code, const TData& param);
@@ -50,12 +50,8 @@ public:
     // The commands this family serves, whatever the programmer (the project filters by programmer).
     static bool isCmdProg(const QString& code);
 
-    bool supportCmd(const QString& code) const override;
-    QStringList getSupportCmdList() const override;
-    void getDefaultCmdParam(TData& param) override;
-    QString getViewCmdParam(const TData& param, QWidget* parent) const override;
-    QWidget* getFormCmdParam(const TData& param) const override;
-    bool checkCmdParam(const TData& param) override;
+    // The programmer commands in the order offered, each of its own kind.
+    static const TCmdRows& cmdTable();
     IDeviceExec* createExecObject(const TData& param) override;
 
     static void cmdSetVCCDefault(TProg* prog, TData& p);
@@ -101,4 +97,10 @@ public:
     static TProg* progOf(const TData& p);
     // The device object bound to that command (the one its configuration's set_device chose).
     static IDevice* deviceOf(const TData& p);
+
+protected:
+    void ownDefaults(const TCmdRow& row, TData& p) override;
+    QString ownView(const TCmdRow& row, const TData& p) const override;
+    TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
+    bool ownCheck(const TCmdRow& row, const TData& p) const override;
 };

@@ -87,9 +87,9 @@ QString linesToRoute(const QString& text, QString* reason) {
 }
 } // namespace
 
-QWidget* TDevProg::getFormCmdParam(const TData& p) const {
+TFormCmd* TDevProg::ownForm(const TCmdRow& row, const TData& p) const {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
+    const QString code = QLatin1String(row.code);
     TProg* prog = progOf(p);
     TFormCmd* form = nullptr;
     if (code == set_vcc)
@@ -110,7 +110,7 @@ QWidget* TDevProg::getFormCmdParam(const TData& p) const {
         form = cmdSetDeviceForm(p);
     else if (code == auto_detect)
         form = cmdAutoDetectForm(p);
-    return form ? keepForm(form) : nullptr;
+    return form;
 }
 
 TFormCmd* TDevProg::cmdSetVCCForm(TProg* prog, const TData& p) {

@@ -24,30 +24,33 @@ bool fitsInt32(const QVariant& v) {
 }
 } // namespace
 
-TDevTools::TDevTools(const QString& code, const TData& param) : IDevice(code) {
-    setDevParam(param);
-}
+TDevTools::TDevTools(const QString& code, const TData& param) : TCmdFamily(code, param, cmdTable()) {}
 
 IDevice* TDevTools::Instance(const QString& code, const TData& param) {
     return new TDevTools(code, param);
 }
 
-QStringList TDevTools::getCmdList() {
+const TCmdRows& TDevTools::cmdTable() {
     using namespace CTagCmdCode;
-    return {set_prog, separator, delay,   pause,     stop,     separator,
-            jamp,     counter,   execute, separator, calc_crc, process};
+    using K = TCmdKind;
+    using O = TCmdOp;
+    static const TCmdRows rows{
+        {set_prog, K::Own, O::None, 0}, {separator, K::Separator, O::None, 0},
+        {delay, K::Own, O::None, 0},    {pause, K::Own, O::None, 0},
+        {stop, K::Own, O::None, 0},     {separator, K::Separator, O::None, 0},
+        {jamp, K::Own, O::None, 0},     {counter, K::Own, O::None, 0},
+        {execute, K::Own, O::None, 0},  {separator, K::Separator, O::None, 0},
+        {calc_crc, K::Own, O::None, 0}, {process, K::Own, O::None, 0},
+    };
+    return rows;
+}
+
+QStringList TDevTools::getCmdList() {
+    return TCmdTable::codes(cmdTable());
 }
 
 bool TDevTools::isCmdTools(const QString& code) {
-    return code != CTagCmdCode::separator && getCmdList().contains(code);
-}
-
-bool TDevTools::supportCmd(const QString& code) const {
-    return isCmdTools(code);
-}
-
-QStringList TDevTools::getSupportCmdList() const {
-    return getCmdList();
+    return TCmdTable::find(cmdTable(), code) != nullptr;
 }
 
 int TDevTools::cmdJampDefault(const TData& p) {
@@ -56,9 +59,9 @@ int TDevTools::cmdJampDefault(const TData& p) {
     return cmds.isEmpty() ? -1 : cmds.first()->getUIN();
 }
 
-void TDevTools::getDefaultCmdParam(TData& p) {
+void TDevTools::ownDefaults(const TCmdRow& row, TData& p) {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
+    const QString code = QLatin1String(row.code);
     if (code == delay) {
         p.insert("value", delayDef);
     } else if (code == counter) {
@@ -85,9 +88,9 @@ void TDevTools::getDefaultCmdParam(TData& p) {
     }
 }
 
-QString TDevTools::getViewCmdParam(const TData& p, QWidget*) const {
+QString TDevTools::ownView(const TCmdRow& row, const TData& p) const {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
+    const QString code = QLatin1String(row.code);
     if (code == delay) return QStringLiteral("%1 ms").arg(p.value("value").toLongLong());
     if (code == counter)
         return QStringLiteral("Value: %1, Limit: %2, Delta: %3")
@@ -121,9 +124,9 @@ QString TDevTools::getViewCmdParam(const TData& p, QWidget*) const {
     return QString();
 }
 
-bool TDevTools::checkCmdParam(const TData& p) {
+bool TDevTools::ownCheck(const TCmdRow& row, const TData& p) const {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
+    const QString code = QLatin1String(row.code);
     if (code == counter)
         return fitsInt32(p.value("value")) && fitsInt32(p.value("limit")) && fitsInt32(p.value("delta"));
     if (code == delay) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "devices/IDevice.h"
+#include "devices/TCmdFamily.h"
 #include "project/CTagPrj.h"
 
 #include <QVariantList>
@@ -35,7 +35,7 @@ inline constexpr const char* alt_port = "alt_port";
 
 // Commands that steer a run rather than a chip: delay, pause, stop, counter, jump, external process,
 // running another configuration, CRC calculation and the choice of the programmer.
-class TDevTools : public IDevice {
+class TDevTools : public TCmdFamily {
     Q_OBJECT
 public:
     TDevTools(const QString& code, const TData& param);
@@ -44,12 +44,8 @@ public:
     static QStringList getCmdList();
     static bool isCmdTools(const QString& code);
 
-    bool supportCmd(const QString& code) const override;
-    QStringList getSupportCmdList() const override;
-    void getDefaultCmdParam(TData& param) override;
-    QString getViewCmdParam(const TData& param, QWidget* parent) const override;
-    QWidget* getFormCmdParam(const TData& param) const override;
-    bool checkCmdParam(const TData& param) override;
+    // The tools commands in the order offered, each of its own kind.
+    static const TCmdRows& cmdTable();
     IDeviceExec* createExecObject(const TData& param) override;
 
     // The first command of the record's configuration (id_cfg), or -1.
@@ -63,4 +59,10 @@ public:
     static TFormCmd* cmdExecuteForm(const TData& p);
     static TFormCmd* cmdCalcCRCForm(const TData& p);
     static TFormCmd* cmdSetProgForm(const TData& p);
+
+protected:
+    void ownDefaults(const TCmdRow& row, TData& p) override;
+    QString ownView(const TCmdRow& row, const TData& p) const override;
+    TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
+    bool ownCheck(const TCmdRow& row, const TData& p) const override;
 };

@@ -45,9 +45,9 @@ QString cmdTitle(int pos, TDataCmd* cmd) {
 }
 } // namespace
 
-QWidget* TDevTools::getFormCmdParam(const TData& p) const {
+TFormCmd* TDevTools::ownForm(const TCmdRow& row, const TData& p) const {
     using namespace CTagCmdCode;
-    const QString code = p.value(CTagCmd::cmd).toString();
+    const QString code = QLatin1String(row.code);
     TFormCmd* form = nullptr;
     if (code == delay)
         form = cmdDelayForm(p);
@@ -63,7 +63,7 @@ QWidget* TDevTools::getFormCmdParam(const TData& p) const {
         form = cmdCalcCRCForm(p);
     else if (code == set_prog)
         form = cmdSetProgForm(p);
-    return form ? keepForm(form) : nullptr;
+    return form;
 }
 
 TFormCmd* TDevTools::cmdDelayForm(const TData& p) {

@@ -1,0 +1,78 @@
+#include "devices/TCmdFamily.h"
+
+#include "misc/TNormCmdParam.h"
+#include "project/CTagPrj.h"
+#include "ui/TFormCmd.h"
+
+TCmdFamily::TCmdFamily(const QString& code, const TData& param, const TCmdRows& table,
+                       const QStringList& offered)
+    : IDevice(code), rows(table), cmdList(offered.isEmpty() ? TCmdTable::codes(table) : offered) {
+    setDevParam(param);
+}
+
+const TCmdRow* TCmdFamily::rowOf(const TData& p) const {
+    return TCmdTable::find(rows, p.value(CTagCmd::cmd).toString());
+}
+
+// The offered list may hold separators, which are no commands.
+bool TCmdFamily::supportCmd(const QString& code) const {
+    return TCmdTable::find(rows, code) && cmdList.contains(code);
+}
+
+QStringList TCmdFamily::getSupportCmdList() const {
+    return cmdList;
+}
+
+void TCmdFamily::getDefaultCmdParam(TData& p) {
+    const TCmdRow* row = rowOf(p);
+    if (!row) return;
+    qint64 begin, size;
+    spaceRange(*row, begin, size);
+    if (!TCmdTable::defaults(*row, this, p, begin, size)) ownDefaults(*row, p);
+}
+
+QString TCmdFamily::getViewCmdParam(const TData& p, QWidget*) const {
+    const TCmdRow* row = rowOf(p);
+    QString text;
+    if (!row || TCmdTable::view(*row, p, text)) return text;
+    return ownView(*row, p);
+}
+
+QWidget* TCmdFamily::getFormCmdParam(const TData& p) const {
+    const TCmdRow* row = rowOf(p);
+    TFormCmd* form = nullptr;
+    if (row) {
+        qint64 begin, size;
+        spaceRange(*row, begin, size);
+        if (!TCmdTable::form(*row, this, p, begin, size, form)) form = ownForm(*row, p);
+    }
+    return keepForm(form);
+}
+
+bool TCmdFamily::checkCmdParam(const TData& p) {
+    const TCmdRow* row = rowOf(p);
+    if (!row) return false;
+    qint64 begin, size;
+    spaceRange(*row, begin, size);
+    bool valid = false;
+    if (TCmdTable::check(*row, p, begin, size, valid)) return valid;
+    return ownCheck(*row, p);
+}
+
+void TCmdFamily::spaceRange(const TCmdRow&, qint64& begin, qint64& size) const {
+    TNormCmdParam::readDevData(this, begin, size);
+}
+
+void TCmdFamily::ownDefaults(const TCmdRow&, TData&) {}
+
+QString TCmdFamily::ownView(const TCmdRow&, const TData&) const {
+    return QString();
+}
+
+TFormCmd* TCmdFamily::ownForm(const TCmdRow&, const TData&) const {
+    return nullptr;
+}
+
+bool TCmdFamily::ownCheck(const TCmdRow&, const TData&) const {
+    return false;
+}

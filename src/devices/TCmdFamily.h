@@ -1,0 +1,43 @@
+#pragma once
+
+#include "devices/IDevice.h"
+#include "devices/TCmdTable.h"
+
+class TFormCmd;
+
+// The editing side of a family of commands, driven by its command table: the offered commands, and the
+// defaults, views, forms and checks of the shared kinds (TCmdTable) over the row's memory space. The
+// family adds its own kinds through the own* hooks and, where they differ from the device's one range,
+// its memory spaces.
+class TCmdFamily : public IDevice {
+    Q_OBJECT
+public:
+    bool supportCmd(const QString& code) const override;
+    QStringList getSupportCmdList() const override;
+    void getDefaultCmdParam(TData& param) override;
+    QString getViewCmdParam(const TData& param, QWidget* parent) const override;
+    QWidget* getFormCmdParam(const TData& param) const override;
+    bool checkCmdParam(const TData& param) override;
+
+protected:
+    // rows: the family's table, in the order its commands are offered; offered: the codes of the rows
+    // this device has, in that order (all rows when empty).
+    TCmdFamily(const QString& code, const TData& param, const TCmdRows& rows,
+               const QStringList& offered = QStringList());
+
+    // The address range of a row's memory space: addr_begin and size of the device by default.
+    virtual void spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const;
+    // The family's own kinds (TCmdKind::Own), each called for a row TCmdTable does not handle.
+    virtual void ownDefaults(const TCmdRow& row, TData& p);
+    virtual QString ownView(const TCmdRow& row, const TData& p) const;
+    virtual TFormCmd* ownForm(const TCmdRow& row, const TData& p) const;
+    virtual bool ownCheck(const TCmdRow& row, const TData& p) const;
+
+    qint64 devValue(const char* key) const { return devParam.value(QLatin1String(key)).toLongLong(); }
+
+    const TCmdRows& rows;
+    const QStringList cmdList;
+
+private:
+    const TCmdRow* rowOf(const TData& p) const;
+};
