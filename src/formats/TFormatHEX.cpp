@@ -7,7 +7,6 @@
 
 namespace {
 constexpr int max_line = 1024;
-constexpr int out_block = 1 << 16;
 
 // Value of each character as a hexadecimal digit, -1 for any other character.
 struct THexDigits {
@@ -31,18 +30,14 @@ bool TFormatHEX::open(TFormatMode open_mode) {
     mode = open_mode;
     upper = 0;
     ended = false;
-    buffer.clear();
-    out.clear();
     if (mode == FormatModeRead) return openFile(mode, QIODevice::ReadOnly);
     if (!openFile(mode, QIODevice::WriteOnly | QIODevice::Truncate)) return false;
     // The kind of address record follows from the end of the range. Type 02 carries the upper 16 address
     // bits just like type 04, not a segment; the reader takes it the same way.
     const qint64 last_record = addr_file + (last_address - addr_device);
-    address_type = last_record > 0xFFFFF ? 4 : last_record > 0xFFFF ? 2 : 0;
-    if (address_type) {
-        upper = addr_file >> 16;
-        appendAddressRecord();
-    }
+    const int address_type = last_record > 0xFFFFF ? 4 : last_record > 0xFFFF ? 2 : 0;
+    writer.start(address_type, address_type ? addr_file >> 16 : 0);
+    if (address_type) writer.addressRecord();
     return true;
 }
 
@@ -125,64 +120,7 @@ bool TFormatHEX::read(long long& addr, QByteArray& data) {
 }
 
 bool TFormatHEX::write(long long pos, QByteArray data) {
-    const uchar* p = reinterpret_cast<const uchar*>(data.constData());
-    qint64 n = data.size();
-    while (n > 0) {
-        if (!buffer.isEmpty() && pos != buffer_start + buffer.size() && !flushBuffer()) return false;
-        if (buffer.isEmpty()) buffer_start = pos;
-        const int take = int(qMin<qint64>(n, record_size - pos % record_size));
-        buffer.append(reinterpret_cast<const char*>(p), take);
-        pos += take;
-        p += take;
-        n -= take;
-        if (pos % record_size == 0 && !flushBuffer()) return false;
-    }
-    return true;
-}
-
-bool TFormatHEX::flushBuffer() {
-    if (buffer.isEmpty()) return true;
-    if (address_type && (buffer_start >> 16) != upper) {
-        upper = buffer_start >> 16;
-        appendAddressRecord();
-    }
-    appendRecord(0, quint16(buffer_start), reinterpret_cast<const uchar*>(buffer.constData()), buffer.size());
-    buffer.clear();
-    return out.size() < out_block || writeOut();
-}
-
-void TFormatHEX::appendAddressRecord() {
-    const uchar bits[2] = {uchar(upper >> 8), uchar(upper)};
-    appendRecord(address_type, 0, bits, 2);
-}
-
-void TFormatHEX::appendRecord(int type, quint16 offset, const uchar* data, int length) {
-    static const char digits[] = "0123456789ABCDEF";
-    char line[1 + 2 * (4 + 255 + 1) + 2];
-    char* o = line;
-    *o++ = ':';
-    uchar sum = 0;
-    auto put = [&](uchar b) {
-        *o++ = digits[b >> 4];
-        *o++ = digits[b & 15];
-        sum += b;
-    };
-    put(uchar(length));
-    put(uchar(offset >> 8));
-    put(uchar(offset));
-    put(uchar(type));
-    for (int i = 0; i < length; ++i)
-        put(data[i]);
-    put(uchar(-sum));
-    *o++ = '\r';
-    *o++ = '\n';
-    out.append(line, int(o - line));
-}
-
-bool TFormatHEX::writeOut() {
-    if (file.write(out) != out.size()) return fail(file.errorString());
-    out.clear();
-    return true;
+    return writer.write(pos, data, file) || fail(file.errorString());
 }
 
 bool TFormatHEX::close() {
@@ -191,10 +129,10 @@ bool TFormatHEX::close() {
     if (mode == FormatModeWrite) {
         // The thirteen bare line feeds after the end record are kept so that files stay byte for byte
         // the same as those written by earlier versions.
-        ok = flushBuffer();
-        out.append(":00000001FF");
-        out.append(13, '\n');
-        ok = ok && writeOut() && (file.flush() || fail(file.errorString()));
+        ok = writer.flush(file) || fail(file.errorString());
+        writer.append(":00000001FF" + QByteArray(13, '\n'));
+        ok = ok && (writer.writeOut(file) || fail(file.errorString())) &&
+             (file.flush() || fail(file.errorString()));
     }
     file.close();
     return ok;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/IFormat.h"
+#include "formats/THexRecordWriter.h"
 
 // Intel HEX. Record addresses are file addresses: device address d is stored at d - addr_device + addr_file.
 class TFormatHEX : public IFormat {
@@ -15,20 +16,12 @@ public:
 
 private:
     enum { RecordEnd = -1, RecordError = -2 };
-    static constexpr int record_size = 16;
 
     // The next line as record bytes; its type, RecordEnd for anything undecodable, RecordError on failure.
     int readString(QByteArray& record);
-    bool flushBuffer();
-    void appendRecord(int type, quint16 offset, const uchar* data, int length);
-    void appendAddressRecord();
-    bool writeOut();
 
-    qint64 upper = 0; // address bits 31-16 last emitted or read
-    qint64 buffer_start = 0;
-    QByteArray buffer;
-    QByteArray out; // encoded records not yet handed to the file
-    int address_type = 0;
+    qint64 upper = 0; // address bits 31-16 last read
+    THexRecordWriter writer;
     bool ended = false; // an end record or a damaged line was met: no data follows
     TFormatMode mode = FormatModeRead;
 };

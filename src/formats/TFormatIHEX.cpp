@@ -5,7 +5,6 @@
 
 namespace {
 constexpr int max_line = 4096;
-constexpr int out_block = 1 << 16;
 constexpr qint64 address_limit = qint64(1) << 32;
 
 constexpr int text_at_line = 1000;
@@ -21,9 +20,7 @@ TFormatIHEX::TFormatIHEX(const QString& file_name, qint64 addr_file, qint64 addr
 
 bool TFormatIHEX::open(TFormatMode open_mode) {
     mode = open_mode;
-    upper = 0;
-    buffer.clear();
-    out.clear();
+    writer.start(TIntelHexLine::Linear, 0);
     segments.clear();
     if (mode == FormatModeWrite) return openFile(mode, QIODevice::WriteOnly | QIODevice::Truncate);
     if (!openFile(mode, QIODevice::ReadOnly)) return false;
@@ -131,47 +128,19 @@ bool TFormatIHEX::read(long long& addr, QByteArray& data) {
 bool TFormatIHEX::write(long long pos, QByteArray data) {
     if (pos < 0 || pos + data.size() > address_limit)
         return fail(Lang.get(text_beyond_4g).arg(TMiscDev::getHexFromInt(qint64(pos))));
-    const uchar* p = reinterpret_cast<const uchar*>(data.constData());
-    qint64 n = data.size();
-    while (n > 0) {
-        if (!buffer.isEmpty() && pos != buffer_start + buffer.size() && !flushBuffer()) return false;
-        if (buffer.isEmpty()) buffer_start = pos;
-        const int take = int(qMin<qint64>(n, record_size - pos % record_size));
-        buffer.append(reinterpret_cast<const char*>(p), take);
-        pos += take;
-        p += take;
-        n -= take;
-        if (pos % record_size == 0 && !flushBuffer()) return false;
-    }
-    return true;
-}
-
-bool TFormatIHEX::flushBuffer() {
-    if (buffer.isEmpty()) return true;
-    if ((buffer_start >> 16) != upper) {
-        upper = buffer_start >> 16;
-        const uchar bits[2] = {uchar(upper >> 8), uchar(upper)};
-        TIntelHexLine::encode(out, TIntelHexLine::Linear, 0, bits, 2);
-    }
-    TIntelHexLine::encode(out, TIntelHexLine::Data, quint16(buffer_start),
-                          reinterpret_cast<const uchar*>(buffer.constData()), buffer.size());
-    buffer.clear();
-    return out.size() < out_block || writeOut();
-}
-
-bool TFormatIHEX::writeOut() {
-    if (file.write(out) != out.size()) return fail(file.errorString());
-    out.clear();
-    return true;
+    return writer.write(pos, data, file) || fail(file.errorString());
 }
 
 bool TFormatIHEX::close() {
     if (!file.isOpen()) return true;
     bool ok = true;
     if (mode == FormatModeWrite) {
-        ok = flushBuffer();
-        TIntelHexLine::encode(out, TIntelHexLine::End, 0, nullptr, 0);
-        ok = ok && writeOut() && (file.flush() || fail(file.errorString()));
+        ok = writer.flush(file) || fail(file.errorString());
+        QByteArray end;
+        TIntelHexLine::encode(end, TIntelHexLine::End, 0, nullptr, 0);
+        writer.append(end);
+        ok = ok && (writer.writeOut(file) || fail(file.errorString())) &&
+             (file.flush() || fail(file.errorString()));
     }
     file.close();
     return ok;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/IFormat.h"
+#include "formats/THexRecordWriter.h"
 #include "formats/TIntelHexLine.h"
 
 #include <QMap>
@@ -19,19 +20,12 @@ public:
     bool write(long long pos, QByteArray data) override;
     bool close() override;
 
-    static constexpr int record_size = 16;
-
 private:
     bool load();
     bool addData(qint64 addr, const uchar* data, int length, qint64 line);
     bool failAt(qint64 line, const QString& fault);
-    bool flushBuffer();
-    bool writeOut();
 
     QMap<qint64, QByteArray> segments; // record address of each contiguous run of data -> its bytes
-    qint64 upper = 0;                  // upper 16 address bits last written
-    qint64 buffer_start = 0;
-    QByteArray buffer;
-    QByteArray out; // encoded records not yet handed to the file
+    THexRecordWriter writer;
     TFormatMode mode = FormatModeRead;
 };
