@@ -1,8 +1,12 @@
 #include "support/WorkerFixture.h"
 
 #include "misc/dev_misc.h"
+#include "support/TestFiles.h"
 
 #include <QtTest>
+
+using TestFiles::readFile;
+using TestFiles::writeFile;
 
 // The part in the simulator's socket, and the one the project names.
 struct Chip {
@@ -72,17 +76,6 @@ class TestAvrRun : public QObject {
         QFile f(imageFile);
         if (f.open(QIODevice::ReadOnly)) r.image = f.readAll();
         return r;
-    }
-
-    static void writeFile(const QString& name, const QByteArray& content) {
-        QFile f(name);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(content);
-    }
-
-    static QByteArray readFile(const QString& name) {
-        QFile f(name);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
 
     // One Intel HEX data record.

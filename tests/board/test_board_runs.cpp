@@ -2,6 +2,7 @@
 
 #include "devices/TDev93C.h"
 #include "support/ChipKit.h"
+#include "support/TestFiles.h"
 
 #include <QtTest>
 
@@ -34,9 +35,7 @@ class TestBoardRuns : public QObject {
         return b;
     }
     void writeFile(const QString& name, const QByteArray& bytes) const {
-        QFile f(dir.filePath(name));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
+        TestFiles::writeFile(dir.filePath(name), bytes);
     }
     // The identification text is the one thing each programmer says of itself.
     static QStringList comparable(QStringList frames) {

@@ -1,6 +1,7 @@
 #include "app/TLang.h"
 #include "support/CliSettings.h"
 #include "support/SimFixture.h"
+#include "support/TestFiles.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -51,9 +52,7 @@ class TestCliQuick : public QObject {
     }
 
     void writeFile(const QString& name, const QByteArray& bytes) {
-        QFile f(dir.filePath(name));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
+        TestFiles::writeFile(dir.filePath(name), bytes);
     }
 
     static QByteArray hexRecord(int addr, const QByteArray& data) {

@@ -1,8 +1,12 @@
+#include "support/TestFiles.h"
 #include "support/WorkerFixture.h"
 
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QtTest>
+
+using TestFiles::readFile;
+using TestFiles::writeFile;
 
 // The check a run makes before it touches the chip, against the simulator: damaged or unsuitable data
 // files and invalid commands end the run before a single frame reaches the programmer, naming file,
@@ -71,15 +75,6 @@ class TestRunCheck : public QObject {
         return false;
     }
 
-    static void writeFile(const QString& name, const QByteArray& bytes) {
-        QFile f(name);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    static QByteArray readFile(const QString& name) {
-        QFile f(name);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
     static QByteArray randomBytes(int n, quint32 seed) {
         QRandomGenerator gen(seed);
         QByteArray data(n, 0);

@@ -7,6 +7,7 @@
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 #include "support/SimFixture.h"
+#include "support/WindowTest.h"
 #include "support/WorkerFixture.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
@@ -55,18 +56,10 @@ class TestGuiDemo : public QObject {
 
 private slots:
     void initTestCase() {
-        qRegisterMetaType<TCodeView>("TCodeView");
-        qRegisterMetaType<TData>("TData");
-        TSettings::setFileNameIniOverride(dir.filePath("t.ini"));
-        AppData.loadData();
-        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
-        AppData.pathProgs = QStringLiteral(TARVELIX_DATA_DIR "/progs");
-        AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
-        AppData.confirmQuit = false;
+        WindowTest::setUp(dir);
+        WindowTest::useShippedData();
         AppData.confirmSavePrj = false;
-        AppData.openLastPrj = false;
         AppData.logShowTime = false;
-        AppData.selectPrjListFile = dir.filePath("sp.lpl");
         for (const char* name : {"demo.prj", "demo.hex"})
             QVERIFY(QFile::copy(QStringLiteral(TARVELIX_DATA_DIR "/projects/") + name, dir.filePath(name)));
         prj = dir.filePath("demo.prj");

@@ -6,6 +6,8 @@
 #include "project/TCtrlProject.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "support/TestFiles.h"
+#include "support/WindowTest.h"
 #include "ui/TDialogCfg.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
@@ -94,12 +96,8 @@ class TestGuiEdit : public QObject {
     Q_OBJECT
     QTemporaryDir dir;
 
-    QString write(const QString& name, const QByteArray& data) {
-        const QString file = dir.filePath(name);
-        QFile f(file);
-        f.open(QIODevice::WriteOnly);
-        f.write(data);
-        return file;
+    QString write(const QString& name, const QByteArray& bytes) {
+        return TestFiles::writeIn(dir, name, bytes);
     }
     // Opens the project, shows the configuration and makes the command at pos current.
     void open(TestWindow& w, const QByteArray& data, const QString& cfg, int pos) {
@@ -112,15 +110,8 @@ class TestGuiEdit : public QObject {
 
 private slots:
     void initTestCase() {
-        qRegisterMetaType<TCodeView>("TCodeView");
-        qRegisterMetaType<TData>("TData");
-        TSettings::setFileNameIniOverride(dir.filePath("t.ini"));
-        AppData.loadData();
-        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
-        AppData.confirmQuit = false;
+        WindowTest::setUp(dir);
         AppData.confirmSavePrj = false;
-        AppData.openLastPrj = false;
-        AppData.selectPrjListFile = dir.filePath("sp.lpl");
         AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
         AppData.progType.clear();
         AppData.progName.clear();

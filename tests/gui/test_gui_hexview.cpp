@@ -1,4 +1,5 @@
 #include "app/TLang.h"
+#include "support/TestFiles.h"
 #include "ui/TDialogHexView.h"
 #include "ui/TWgtHexView.h"
 
@@ -10,11 +11,8 @@ class TestGuiHexView : public QObject {
     Q_OBJECT
     QTemporaryDir dir;
 
-    QString write(const QString& name, const QByteArray& data) {
-        QFile f(dir.filePath(name));
-        f.open(QIODevice::WriteOnly);
-        f.write(data);
-        return f.fileName();
+    QString write(const QString& name, const QByteArray& bytes) {
+        return TestFiles::writeIn(dir, name, bytes);
     }
 
 private slots:

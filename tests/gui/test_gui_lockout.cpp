@@ -4,6 +4,8 @@
 #include "link/CLink.h"
 #include "project/TDataPrj.h"
 #include "support/SimFixture.h"
+#include "support/TestFiles.h"
+#include "support/WindowTest.h"
 #include "support/WorkerFixture.h"
 #include "ui/TMainWindow.h"
 
@@ -53,28 +55,17 @@ class TestGuiLockout : public QObject {
     Q_OBJECT
     QTemporaryDir dir;
 
-    QString write(const QString& name, const QByteArray& data) {
-        QFile f(dir.filePath(name));
-        f.open(QIODevice::WriteOnly);
-        f.write(data);
-        return f.fileName();
+    QString write(const QString& name, const QByteArray& bytes) {
+        return TestFiles::writeIn(dir, name, bytes);
     }
 
     static QString reason() { return Lang.get(1101).arg("SPIEN"); }
 
 private slots:
     void initTestCase() {
-        qRegisterMetaType<TCodeView>("TCodeView");
-        qRegisterMetaType<TData>("TData");
-        TSettings::setFileNameIniOverride(dir.filePath("t.ini"));
-        AppData.loadData();
-        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
-        AppData.pathProgs = QStringLiteral(TARVELIX_DATA_DIR "/progs");
-        AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
-        AppData.confirmQuit = false;
+        WindowTest::setUp(dir);
+        WindowTest::useShippedData();
         AppData.confirmSavePrj = false;
-        AppData.openLastPrj = false;
-        AppData.selectPrjListFile = dir.filePath("sp.lpl");
     }
 
     void windowAsksOncePerRun() {
@@ -122,7 +113,8 @@ private slots:
         };
         const auto refused = run({});
         QCOMPARE(refused.first, 1);
-        QVERIFY2(refused.second.contains(Lang.get(1105).arg("ATtiny85", reason())), qPrintable(refused.second));
+        QVERIFY2(refused.second.contains(Lang.get(1105).arg("ATtiny85", reason())),
+                 qPrintable(refused.second));
         QVERIFY(!highFuseWritten(sim));
 
         const auto allowed = run({"--allow-lockout"});

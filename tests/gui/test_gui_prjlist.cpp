@@ -1,6 +1,7 @@
 #include "app/TAppData.h"
 #include "app/TLang.h"
 #include "project/TPrjList.h"
+#include "support/TestFiles.h"
 #include "ui/TDialogSelectPrjList.h"
 #include "ui/TWgtPrjList.h"
 
@@ -9,15 +10,12 @@
 #include <QtTest>
 
 namespace {
+using TestFiles::writeFile;
+
 QByteArray readFile(const QString& name) {
     QFile f(name);
     f.open(QIODevice::ReadOnly);
     return f.readAll();
-}
-void writeFile(const QString& name, const QByteArray& data) {
-    QFile f(name);
-    f.open(QIODevice::WriteOnly);
-    f.write(data);
 }
 const QByteArray nested =
     "{\n    \"version\": 1,\n    \"list\":\n    [\n"

@@ -7,13 +7,14 @@
 #include "project/TDataPrj.h"
 #include "project/TPrjList.h"
 #include "support/SimFixture.h"
+#include "support/WindowTest.h"
 #include "ui/TDialogCmdParam.h"
 #include "ui/TDialogHexView.h"
 #include "ui/TDialogSelectDevice.h"
 #include "ui/TDialogSettings.h"
+#include "ui/TFormCmd.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
-#include "ui/TFormCmd.h"
 #include "ui/TWgtHexView.h"
 
 #include <QScrollBar>
@@ -63,20 +64,12 @@ class TestGuiScreenshots : public QObject {
 
 private slots:
     void initTestCase() {
-        qRegisterMetaType<TCodeView>("TCodeView");
-        qRegisterMetaType<TData>("TData");
-        TSettings::setFileNameIniOverride(dir.filePath("t.ini"));
-        AppData.loadData();
-        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
-        AppData.pathProgs = QStringLiteral(TARVELIX_DATA_DIR "/progs");
-        AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
+        WindowTest::setUp(dir);
+        WindowTest::useShippedData();
         AppData.iconsSet = 1;
-        AppData.confirmQuit = false;
         AppData.confirmSavePrj = false; // the counter changes the project
-        AppData.openLastPrj = false;
         AppData.logShowTime = true;
         AppData.logShowMSec = true;
-        AppData.selectPrjListFile = dir.filePath("sp.lpl");
         out = qEnvironmentVariable("TARVELIX_SCREENSHOTS_DIR", dir.path());
         TSelectPrjList::save(AppData.selectPrjListFile, {{"Production line", "line.lst"}});
         TPrjList::save(dir.filePath("line.lst"),
@@ -188,8 +181,8 @@ private slots:
     void commandForms() {
         TMainWindow w;
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
-        for (const QString& code : {QStringLiteral("set_vicc"), QStringLiteral("file_write"),
-                                    QStringLiteral("set_device")}) {
+        for (const QString& code :
+             {QStringLiteral("set_vicc"), QStringLiteral("file_write"), QStringLiteral("set_device")}) {
             TDataCmd* cmd = findCmd(code);
             QVERIFY2(cmd, qPrintable(code));
             saveForm(cmd->getGroupObject(), cmd->getData(), "form_" + code);

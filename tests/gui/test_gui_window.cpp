@@ -4,6 +4,8 @@
 #include "app/TSettings.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "support/TestFiles.h"
+#include "support/WindowTest.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
 #include "ui/TWgtCmdList.h"
@@ -68,27 +70,15 @@ class TestGuiWindow : public QObject {
     QTemporaryDir dir;
     QString ini, prj;
 
-    QString write(const QString& name, const QByteArray& data) {
-        const QString file = dir.filePath(name);
-        QFile f(file);
-        f.open(QIODevice::WriteOnly);
-        f.write(data);
-        return file;
+    QString write(const QString& name, const QByteArray& bytes) {
+        return TestFiles::writeIn(dir, name, bytes);
     }
     int id(const QString& cfg) { return ProjectData.getIdCfgFromNameCfg(cfg); }
 
 private slots:
     void initTestCase() {
-        qRegisterMetaType<TCodeView>("TCodeView");
-        qRegisterMetaType<TData>("TData");
-        ini = dir.filePath("t.ini");
-        TSettings::setFileNameIniOverride(ini);
-        AppData.loadData();
-        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
-        AppData.confirmQuit = false;
-        AppData.openLastPrj = false;
+        ini = WindowTest::setUp(dir);
         AppData.logShowTime = false;
-        AppData.selectPrjListFile = dir.filePath("sp.lpl");
         prj = write(
             "runs.prj",
             project({{"A", {cmd("delay", R"("value": "50")"), cmd("stop"), cmd("delay", R"("value": "50")")}},

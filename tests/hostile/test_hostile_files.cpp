@@ -2,6 +2,7 @@
 #include "devices/TDeviceList.h"
 #include "formats/TFormat.h"
 #include "project/TCmdCode.h"
+#include "support/TestFiles.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -17,10 +18,7 @@ class TestHostileFiles : public QObject {
     QString fifo;
 
     QString write(const QString& name, const QByteArray& bytes) {
-        QFile f(dir.filePath(name));
-        f.open(QIODevice::WriteOnly);
-        f.write(bytes);
-        return f.fileName();
+        return TestFiles::writeIn(dir, name, bytes);
     }
 
 private slots:

@@ -1,5 +1,6 @@
 #include "app/TLang.h"
 #include "project/TPrjList.h"
+#include "support/TestFiles.h"
 #include "ui/TWgtPrjList.h"
 
 #include <QDialogButtonBox>
@@ -10,14 +11,11 @@
 #include <QtTest>
 
 namespace {
+using TestFiles::writeFile;
+
 QByteArray readFile(const QString& name) {
     QFile f(name);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-void writeFile(const QString& name, const QByteArray& data) {
-    QFile f(name);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write(data);
 }
 // A list of one chain of folders, depth levels deep.
 QByteArray chain(int depth) {

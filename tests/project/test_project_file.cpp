@@ -5,6 +5,7 @@
 #include "project/TDataCfg.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "support/TestFiles.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -15,10 +16,7 @@ class TestProjectFile : public QObject {
     QTemporaryDir dir;
 
     QString write(const QString& name, const QByteArray& bytes) {
-        QFile f(dir.filePath(name));
-        f.open(QIODevice::WriteOnly);
-        f.write(bytes);
-        return f.fileName();
+        return TestFiles::writeIn(dir, name, bytes);
     }
     QByteArray read(const QString& file) {
         QFile f(file);

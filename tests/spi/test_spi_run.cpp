@@ -1,9 +1,12 @@
 #include "support/WorkerFixture.h"
 
 #include "misc/dev_misc.h"
+#include "support/TestFiles.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
+
+using TestFiles::writeFile;
 
 // Whole runs of the SPI flash family against the simulated W25Q80RV (1 MiB, 256-byte pages, JEDEC ID
 // EF4014, three status registers, 768 bytes of security registers, 256 bytes of SFDP).
@@ -48,12 +51,6 @@ class TestSpiRun : public QObject {
         QFile f(imageFile);
         if (f.open(QIODevice::ReadOnly)) r.image = f.readAll();
         return r;
-    }
-
-    static void writeFile(const QString& name, const QByteArray& bytes) {
-        QFile f(name);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
     }
 
     // The device frames (command bytes 1 to 4) after the handshake, without frame marker and check byte:
