@@ -10,6 +10,7 @@
 #include "link/TSerialPort.h"
 #include "support/WorkerFixture.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QMap>
 #include <QPair>
@@ -264,13 +265,19 @@ inline void printPair(QTextStream& out, const QString& label, const QVector<Resu
 // What one memory benchmark measures: a whole memory written, verified and read back through the file
 // commands of its family, optionally after a chip erase.
 struct MemoryBench {
+    MemoryBench(const QString& chip, const QString& deviceFile, int size, int rounds, bool erase)
+        : chip(chip), deviceFile(deviceFile), size(size), rounds(rounds), erase(erase) {}
+    // The file commands of a memory whose codes start with prefix ("flash_").
+    void commandsOf(const QString& prefix) {
+        write = prefix + write, verify = prefix + verify, read = prefix + read;
+    }
+
     QString chip, deviceFile;
     int size = 0;
-    QString write, verify, read; // command codes
-    QString writeLabel = "write";
-    bool erase = false;
     int rounds = 5;
-    QString pairLabel;
+    bool erase = false; // a chip erase before the write
+    QString write = "file_write", verify = "file_verify", read = "file_read";
+    QString writeLabel = "write";
 };
 
 // Runs the phases, checks that the read-back equals what was written and prints the tables; the exit
@@ -300,8 +307,15 @@ inline int runMemoryBench(const MemoryBench& b) {
         return 1;
     }
     printTable(out, phases, res);
-    printPair(out, b.pairLabel, res, first, first + 1, 2 * qint64(b.size));
+    printPair(out, b.writeLabel + " + verify", res, first, first + 1, 2 * qint64(b.size));
     return 0;
+}
+
+// The whole program of a memory benchmark.
+inline int memoryBenchMain(int& argc, char* argv[], const MemoryBench& b) {
+    QCoreApplication app(argc, argv);
+    Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
+    return runMemoryBench(b);
 }
 
 } // namespace FamilyBench

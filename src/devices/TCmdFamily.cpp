@@ -1,12 +1,12 @@
 #include "devices/TCmdFamily.h"
 
-#include "misc/TNormCmdParam.h"
 #include "project/CTagPrj.h"
 #include "ui/TFormCmd.h"
 
 TCmdFamily::TCmdFamily(const QString& code, const TData& param, const TCmdRows& table,
-                       const QStringList& offered)
-    : IDevice(code), rows(table), cmdList(offered.isEmpty() ? TCmdTable::codes(table) : offered) {
+                       const TSpaces& spaceKeys, const QStringList& offered)
+    : IDevice(code), rows(table), cmdList(offered.isEmpty() ? TCmdTable::codes(table) : offered),
+      spaces(spaceKeys) {
     setDevParam(param);
 }
 
@@ -59,8 +59,10 @@ bool TCmdFamily::checkCmdParam(const TData& p) {
     return ownCheck(*row, p);
 }
 
-void TCmdFamily::spaceRange(const TCmdRow&, qint64& begin, qint64& size) const {
-    TNormCmdParam::readDevData(this, begin, size);
+void TCmdFamily::spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const {
+    const TSpaceKeys keys = row.space < spaces.size() ? spaces.at(row.space) : TSpaceKeys{nullptr, nullptr};
+    begin = keys.begin ? devValue(keys.begin) : 0;
+    size = keys.size ? devValue(keys.size) : 0;
 }
 
 void TCmdFamily::ownDefaults(const TCmdRow&, TData&) {}

@@ -5,6 +5,14 @@
 
 class TFormCmd;
 
+// Where a memory space lies, by keys of the device's description: its first address (none: it starts at
+// 0) and its size.
+struct TSpaceKeys {
+    const char* begin;
+    const char* size;
+};
+using TSpaces = QVector<TSpaceKeys>;
+
 // The editing side of a family of commands, driven by its command table: the offered commands, and the
 // defaults, views, forms and checks of the shared kinds (TCmdTable) over the row's memory space. The
 // family adds its own kinds through the own* hooks and, where they differ from the device's one range,
@@ -20,13 +28,11 @@ public:
     bool checkCmdParam(const TData& param) override;
 
 protected:
-    // rows: the family's table, in the order its commands are offered; offered: the codes of the rows
-    // this device has, in that order (all rows when empty).
+    // rows: the family's table, in the order its commands are offered; spaces: its memory spaces, by the
+    // rows' space numbers; offered: the codes of the rows this device has, in that order (all when empty).
     TCmdFamily(const QString& code, const TData& param, const TCmdRows& rows,
-               const QStringList& offered = QStringList());
+               const TSpaces& spaces = {{"addr_begin", "size"}}, const QStringList& offered = QStringList());
 
-    // The address range of a row's memory space: addr_begin and size of the device by default.
-    virtual void spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const;
     // The family's own kinds (TCmdKind::Own), each called for a row TCmdTable does not handle.
     virtual void ownDefaults(const TCmdRow& row, TData& p);
     virtual QString ownView(const TCmdRow& row, const TData& p) const;
@@ -40,4 +46,8 @@ protected:
 
 private:
     const TCmdRow* rowOf(const TData& p) const;
+    // The address range of a row's memory space.
+    void spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const;
+
+    const TSpaces spaces;
 };

@@ -22,7 +22,10 @@ constexpr qint64 kBlockDefault = 65536;
 constexpr int kRegisterSize = 256;
 } // namespace
 
-TDev25::TDev25(const QString& code, const TData& param) : TDevFamily(code, param, cmdTable()) {}
+// The register spaces are address ranges of their own, starting at 0.
+TDev25::TDev25(const QString& code, const TData& param)
+    : TDevFamily(code, param, cmdTable(),
+                 {{"addr_begin", "size"}, {nullptr, "security_reg_size"}, {nullptr, "sfdp_reg_size"}}) {}
 
 IDevice* TDev25::Instance(const QString& code, const TData& param) {
     return new TDev25(code, param);
@@ -61,14 +64,6 @@ const TCmdRows& TDev25::cmdTable() {
         {leave, K::Leave, O::None, flash},
     };
     return rows;
-}
-
-void TDev25::spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const {
-    const Region region = Region(row.space);
-    begin = region == Region::Flash ? devValue("addr_begin") : 0;
-    size = region == Region::Flash      ? devValue("size")
-           : region == Region::Security ? devValue("security_reg_size")
-                                        : devValue("sfdp_reg_size");
 }
 
 void TDev25::ownDefaults(const TCmdRow& row, TData& p) {

@@ -23,7 +23,6 @@ public:
     static QStringList getSecurityRegLines(int registers);
 
 protected:
-    void spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const override;
     // Identification, erase blocks, status, security and unique ID registers.
     void ownDefaults(const TCmdRow& row, TData& p) override;
     QString ownView(const TCmdRow& row, const TData& p) const override;
@@ -31,7 +30,7 @@ protected:
     bool ownCheck(const TCmdRow& row, const TData& p) const override;
 
 private:
-    // The register spaces are their own address ranges starting at 0.
+    // The space numbers of the rows, in the order of the constructor's spaces.
     enum class Region { Flash, Security, SFDP };
     bool checkEraseBlocks(const TData& p) const;
     bool checkStatusReg(const TData& p) const;

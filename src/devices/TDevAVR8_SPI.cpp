@@ -18,7 +18,9 @@ const QString kData = QStringLiteral("data");
 } // namespace
 
 TDevAVR8_SPI::TDevAVR8_SPI(const QString& code, const TData& param)
-    : TDevFamily(code, param, cmdTable(), offeredCmdList(param)) {}
+    : TDevFamily(code, param, cmdTable(),
+                 {{"flash_addr_begin", "flash_size"}, {"eeprom_addr_begin", "eeprom_size"}},
+                 offeredCmdList(param)) {}
 
 IDevice* TDevAVR8_SPI::Instance(const QString& code, const TData& param) {
     return new TDevAVR8_SPI(code, param);
@@ -65,13 +67,6 @@ const TCmdRows& TDevAVR8_SPI::cmdTable() {
 
 QStringList TDevAVR8_SPI::getCmdList() {
     return TCmdTable::codes(cmdTable());
-}
-
-void TDevAVR8_SPI::spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const {
-    if (row.space == 1)
-        TNormCmdParam::readDevDataEEPROM(this, begin, size);
-    else
-        TNormCmdParam::readDevDataFlash(this, begin, size);
 }
 
 QString TDevAVR8_SPI::algKey(const QString& code) {

@@ -19,7 +19,6 @@ public:
     QString getNotSupportedText(const QString& code) const override;
 
 protected:
-    void spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const override;
     // Identification, fuses, lock bits and calibration.
     void ownDefaults(const TCmdRow& row, TData& p) override;
     QString ownView(const TCmdRow& row, const TData& p) const override;
