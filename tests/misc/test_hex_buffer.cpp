@@ -1,30 +1,12 @@
 #include "app/TLang.h"
+#include "formats/FormatTestUtil.h"
 #include "misc/THexBuffer.h"
+#include "support/TestBytes.h"
 
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
-
-namespace {
-QByteArray counting(int n) {
-    QByteArray out;
-    for (int i = 0; i < n; ++i)
-        out.append(char(i));
-    return out;
-}
-
-QByteArray readAll(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("missing");
-}
-
-void writeAll(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
-} // namespace
 
 class TestHexBuffer : public QObject {
     Q_OBJECT
@@ -35,7 +17,7 @@ private slots:
 
     void editsUndoAndRedoInOrder() {
         THexBuffer buf;
-        buf.setData(counting(16), 0x100);
+        buf.setData(countingBytes(16), 0x100);
         QSignalSpy changed(&buf, &THexBuffer::changed);
         QVERIFY(buf.setByte(1, char(0xAA)));
         QVERIFY(buf.fill(4, 5, QByteArray("\x11\x22", 2)));
@@ -56,21 +38,21 @@ private slots:
         buf.undo();
         buf.undo();
         buf.undo();
-        QCOMPARE(buf.data(), counting(16));
+        QCOMPARE(buf.data(), countingBytes(16));
         QVERIFY(!buf.canUndo());
         buf.undo(); // nothing left: no change, no crash
-        QCOMPARE(buf.data(), counting(16));
+        QCOMPARE(buf.data(), countingBytes(16));
     }
 
     void editsPastTheEndAreRefused() {
         THexBuffer buf;
-        buf.setData(counting(8));
+        buf.setData(countingBytes(8));
         QVERIFY(!buf.setByte(8, 1));
         QVERIFY(!buf.setByte(-1, 1));
         QVERIFY(!buf.fill(6, 3, "A"));
         QVERIFY(!buf.fill(0, 2, QByteArray()));
         QCOMPARE(buf.paste(8, "AB"), qint64(0));
-        QCOMPARE(buf.data(), counting(8));
+        QCOMPARE(buf.data(), countingBytes(8));
         QVERIFY(!buf.canUndo());
     }
 
@@ -89,7 +71,7 @@ private slots:
 
     void modifiedFollowsTheSavedState() {
         THexBuffer buf;
-        buf.setData(counting(4));
+        buf.setData(countingBytes(4));
         QSignalSpy modified(&buf, &THexBuffer::modifiedChanged);
         QVERIFY(!buf.isModified());
         buf.setByte(0, 9);
@@ -109,7 +91,7 @@ private slots:
         buf.undo();
         QVERIFY(buf.isModified());
         QCOMPARE(modified.count(), 5);
-        buf.setData(counting(2));
+        buf.setData(countingBytes(2));
         QVERIFY(!buf.isModified());
         QVERIFY(!buf.canUndo());
     }
@@ -173,17 +155,17 @@ private slots:
 
     void savesExactFilesAndLoadsThemBack() {
         THexBuffer buf;
-        buf.setData(counting(20));
+        buf.setData(countingBytes(20));
         buf.setByte(0, 0x55);
         QString error;
         const QString bin = dir.filePath("a.bin"), ihex = dir.filePath("a.hex");
         QVERIFY2(buf.save(bin, "bin", error), qPrintable(error));
         QVERIFY(!buf.isModified());
-        QCOMPARE(readAll(bin), buf.data());
+        QCOMPARE(readFile(bin), buf.data());
         QVERIFY2(buf.save(ihex, "ihex", error), qPrintable(error));
-        QCOMPARE(readAll(ihex), QByteArray(":10000000550102030405060708090A0B0C0D0E0F23\r\n"
-                                           ":0400100010111213A6\r\n"
-                                           ":00000001FF\r\n"));
+        QCOMPARE(readFile(ihex), QByteArray(":10000000550102030405060708090A0B0C0D0E0F23\r\n"
+                                            ":0400100010111213A6\r\n"
+                                            ":00000001FF\r\n"));
         for (const QString key : {"bin", "hex", "ihex"}) {
             const QString file = dir.filePath("rt." + key);
             QVERIFY2(buf.save(file, key, error), qPrintable(error));
@@ -196,13 +178,13 @@ private slots:
         QVERIFY(guessed.load(ihex, QString(), error));
         QCOMPARE(guessed.data(), buf.data());
         QVERIFY(buf.save(dir.filePath("b.hex"), QString(), error));
-        QVERIFY(readAll(dir.filePath("b.hex")).startsWith(":10000000"));
+        QVERIFY(readFile(dir.filePath("b.hex")).startsWith(":10000000"));
     }
 
     void intelHexAboveOneSegmentAsSrecCatReadsIt() {
         QVERIFY2(QFile::exists("/usr/bin/srec_cat"), "srecord is missing: run tools/deps.sh");
         THexBuffer buf;
-        QByteArray image = counting(256);
+        QByteArray image = countingBytes(256);
         image.append(QByteArray(0x20, char(0xC3)));
         buf.setData(image, 0x1FFF0);
         QString error;
@@ -212,7 +194,7 @@ private slots:
         p.start("srec_cat", {file, "-intel", "-offset", "-0x1FFF0", "-o", out, "-binary"});
         QVERIFY(p.waitForFinished());
         QCOMPARE(p.exitCode(), 0);
-        QCOMPARE(readAll(out), image);
+        QCOMPARE(readFile(out), image);
         // Loading at the same base gives the image back; a BIN file always starts at the base.
         THexBuffer back;
         back.setData(QByteArray(), 0x1FFF0);
@@ -223,7 +205,7 @@ private slots:
 
     void hexGapsLoadErasedAndBadFilesLoseNothing() {
         const QString gap = dir.filePath("gap.hex");
-        writeAll(gap, ":020000000102FB\n:020004000304F3\n:00000001FF\n");
+        writeFile(gap, ":020000000102FB\n:020004000304F3\n:00000001FF\n");
         THexBuffer buf;
         QString error;
         QVERIFY(buf.load(gap, "hex", error));
@@ -235,7 +217,7 @@ private slots:
         QVERIFY(!buf.load(gap, "srec", error));
         QCOMPARE(error, QString("Unknown data file format \"srec\" (bin, hex or ihex)\nFile: %1").arg(gap));
         const QString damaged = dir.filePath("damaged.hex");
-        writeAll(damaged, ":020000000102FB\n:0200040003\n:00000001FF\n");
+        writeFile(damaged, ":020000000102FB\n:0200040003\n:00000001FF\n");
         QVERIFY(!buf.load(damaged, "ihex", error));
         QVERIFY2(error.contains("damaged.hex") && error.contains('2'), qPrintable(error));
         QCOMPARE(buf.data(), before);
@@ -258,9 +240,9 @@ private slots:
         QVERIFY2(error.contains("x.bin"), qPrintable(error));
         QVERIFY(buf.isModified());
         const QString keep = dir.filePath("keep.bin");
-        writeAll(keep, "old");
+        writeFile(keep, "old");
         QVERIFY(!buf.save(keep, "s19", error));
-        QCOMPARE(readAll(keep), QByteArray("old"));
+        QCOMPARE(readFile(keep), QByteArray("old"));
     }
 };
 
