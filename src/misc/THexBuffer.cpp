@@ -187,13 +187,18 @@ QString THexBuffer::diffText(const QList<Diff>& diffs, int shown) const {
     return lines.join(QLatin1Char('\n'));
 }
 
+QString THexBuffer::rangeProblem(qint64 offset, qint64 count) const {
+    if (TMiscDev::isRangeInside(offset, count, 0, size())) return QString();
+    return Lang.get(LangRangeBeyond).arg(TNumberText::show(start + offset), thousands(count));
+}
+
 QByteArray THexBuffer::crcBytes(const QString& model, qint64 offset, qint64 count, QString* error) const {
     std::unique_ptr<ICRC> crc(TCRC::createCRCObject(model));
     QString why;
     if (!crc)
         why = Lang.get(LangUnknownCRC).arg(model);
-    else if (!TMiscDev::isRangeInside(offset, count, 0, size()))
-        why = Lang.get(LangRangeBeyond).arg(TNumberText::show(start + offset), thousands(count));
+    else
+        why = rangeProblem(offset, count);
     if (!why.isEmpty()) {
         if (error) *error = why;
         return QByteArray();

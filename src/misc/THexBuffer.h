@@ -64,6 +64,10 @@ public:
     // One line per run at device addresses, the first shown runs, then how many more there are.
     QString diffText(const QList<Diff>& diffs, int shown = 20) const;
 
+    // Why count bytes from offset are not all in the image ("The range 0x10, 4 bytes lies beyond ..."), or
+    // empty when they are.
+    QString rangeProblem(qint64 offset, qint64 count) const;
+
     // The check value of a catalogue model over count bytes from offset, most significant byte first;
     // empty with error set for an unknown model or a range past the end.
     QByteArray crcBytes(const QString& model, qint64 offset, qint64 count, QString* error = nullptr) const;
