@@ -253,6 +253,21 @@ bool THexBuffer::readImage(const QString& file, const QString& formatKey, quint3
     return true;
 }
 
+bool THexBuffer::compareFile(const QString& file, const QString& formatKey, QList<Diff>& diffs,
+                             QString& error) const {
+    QByteArray image;
+    QString why;
+    if (!readImage(file, formatKey, start, maxSize, image, why)) return fileFailed(why, file, error);
+    diffs = compare(image);
+    return true;
+}
+
+QString THexBuffer::saveWarning(const QString& file, const QString& formatKey) const {
+    QString key, error;
+    if (!formatKeyOf(file, formatKey, true, key, error)) return QString();
+    return TFormat::getWarning(key, qint64(start) + qMax<qint64>(size(), 1) - 1);
+}
+
 bool THexBuffer::load(const QString& file, const QString& formatKey, QString& error) {
     QByteArray image;
     QString why;

@@ -80,6 +80,11 @@ public:
     // complete, and marks the buffer unmodified.
     bool load(const QString& file, const QString& formatKey, QString& error);
     bool save(const QString& file, const QString& formatKey, QString& error);
+    // What the user should know before saving in that format (other tools misreading the HEX dialect's
+    // records), or empty.
+    QString saveWarning(const QString& file, const QString& formatKey) const;
+    // The runs where a data file differs from the image, the file read as load() reads it.
+    bool compareFile(const QString& file, const QString& formatKey, QList<Diff>& diffs, QString& error) const;
     // The image a data file holds from device address base on, at most limit bytes.
     static bool readImage(const QString& file, const QString& formatKey, quint32 base, qint64 limit,
                           QByteArray& image, QString& error);

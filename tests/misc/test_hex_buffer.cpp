@@ -201,6 +201,17 @@ private slots:
         QVERIFY2(back.load(file, "ihex", error), qPrintable(error));
         QCOMPARE(back.data(), image);
         QCOMPARE(back.base(), quint32(0x1FFF0));
+        // The same image in this program's HEX dialect would mislead other tools: the user is told first.
+        QVERIFY(buf.saveWarning(file, "hex").startsWith("Warning: other tools read the type 02 records"));
+        QVERIFY(buf.saveWarning(file, "ihex").isEmpty());
+        QVERIFY(buf.saveWarning("x.bin", QString()).isEmpty());
+
+        // Comparing with the file read the same way: one changed byte.
+        back.setByte(0x20, 0);
+        QList<THexBuffer::Diff> diffs;
+        QVERIFY2(back.compareFile(file, QString(), diffs, error), qPrintable(error));
+        QCOMPARE(back.diffText(diffs), QString("0x020010: 1 byte differs"));
+        QVERIFY(!back.compareFile(dir.filePath("none.hex"), "ihex", diffs, error));
     }
 
     void hexGapsLoadErasedAndBadFilesLoseNothing() {
