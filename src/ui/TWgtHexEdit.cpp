@@ -1,6 +1,10 @@
 #include "ui/TWgtHexEdit.h"
 
 #include "app/TLang.h"
+#include "ui/TDialogHexCRC.h"
+#include "ui/TDialogHexFill.h"
+#include "ui/TDialogHexFind.h"
+#include "ui/TDialogHexGoTo.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -15,6 +19,10 @@
 namespace {
 constexpr int LangUndo = 1810, LangRedo = 1811, LangCopy = 1812, LangPaste = 1813, LangSelectAll = 1814;
 constexpr int LangPasteNotHex = 1815, LangPasteCut = 1816;
+constexpr int LangGoTo = 1837, LangFind = 1838, LangFindNext = 1839, LangFindPrevious = 1840, LangFill = 1841;
+constexpr int LangCRC = 1842;
+
+const QKeySequence kGoTo(Qt::CTRL + Qt::Key_G), kFindNext(Qt::Key_F3), kFindPrevious(Qt::SHIFT + Qt::Key_F3);
 
 const QColor kChanged(0xC0, 0x20, 0x20);
 const QColor kMarked(0xFF, 0xD8, 0xA0);
@@ -166,26 +174,104 @@ void TWgtHexEdit::keyPressEvent(QKeyEvent* event) {
 }
 
 bool TWgtHexEdit::shortcut(QKeyEvent* event) {
-    const bool ctrl = event->modifiers() & Qt::ControlModifier;
-    const bool shift = event->modifiers() & Qt::ShiftModifier;
-    const bool redo = ctrl && (event->key() == Qt::Key_Y || (shift && event->key() == Qt::Key_Z));
-    if (event->matches(QKeySequence::Copy)) {
+    switch (keyAction(event)) {
+    case KeyCopy:
         copy();
-    } else if (event->matches(QKeySequence::Paste)) {
+        break;
+    case KeyPaste:
         paste();
-    } else if (event->matches(QKeySequence::SelectAll)) {
+        break;
+    case KeySelectAll:
         selectAll();
-    } else if (redo || event->matches(QKeySequence::Undo)) {
-        if (buf && redo) buf->redo();
-        if (buf && !redo) buf->undo();
-    } else if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) {
+        break;
+    case KeyUndo:
+        if (buf) buf->undo();
+        break;
+    case KeyRedo:
+        if (buf) buf->redo();
+        break;
+    case KeyGoTo:
+        openGoTo();
+        break;
+    case KeyFind:
+        openFind();
+        break;
+    case KeyFindNext:
+        findAgain(false);
+        break;
+    case KeyFindPrevious:
+        findAgain(true);
+        break;
+    case KeyColumn:
         inText = !inText;
         lowNibble = false;
         viewport()->update();
-    } else {
+        break;
+    default:
         return false;
     }
     return true;
+}
+
+TWgtHexEdit::KeyAction TWgtHexEdit::keyAction(QKeyEvent* event) {
+    const QKeySequence typed(int(event->modifiers()) | event->key());
+    const bool ctrl = event->modifiers() & Qt::ControlModifier;
+    const bool shift = event->modifiers() & Qt::ShiftModifier;
+    if (event->matches(QKeySequence::Copy)) return KeyCopy;
+    if (event->matches(QKeySequence::Paste)) return KeyPaste;
+    if (event->matches(QKeySequence::SelectAll)) return KeySelectAll;
+    if (ctrl && (event->key() == Qt::Key_Y || (shift && event->key() == Qt::Key_Z))) return KeyRedo;
+    if (event->matches(QKeySequence::Undo)) return KeyUndo;
+    if (typed == kGoTo) return KeyGoTo;
+    if (event->matches(QKeySequence::Find)) return KeyFind;
+    if (typed == kFindNext) return KeyFindNext;
+    if (typed == kFindPrevious) return KeyFindPrevious;
+    if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) return KeyColumn;
+    return KeyNone;
+}
+
+// The window's own shortcuts (its undo, its copy of commands) must not take the keys the editor uses
+// while it has the focus.
+bool TWgtHexEdit::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        const bool plain = !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+        if (keyAction(key) != KeyNone || (plain && !key->text().isEmpty() && key->text().at(0).isPrint())) {
+            event->accept();
+            return true;
+        }
+    }
+    return TWgtHexView::event(event);
+}
+
+void TWgtHexEdit::openGoTo() {
+    if (size() == 0) return;
+    TDialogHexGoTo dlg(this, this);
+    dlg.exec();
+}
+
+void TWgtHexEdit::openFind() {
+    if (size() == 0) return;
+    TDialogHexFind dlg(this, this);
+    dlg.exec();
+}
+
+void TWgtHexEdit::openFill() {
+    if (size() == 0) return;
+    TDialogHexFill dlg(this, this);
+    dlg.exec();
+}
+
+void TWgtHexEdit::openCRC() {
+    if (!buf) return;
+    TDialogHexCRC dlg(buf, selectionStart(), selectionCount(), this);
+    dlg.exec();
+}
+
+void TWgtHexEdit::findAgain(bool backwards) {
+    QString text;
+    if (size() > 0 && !TDialogHexFind::findAgain(this, backwards, text) && !text.isEmpty())
+        emit message(text);
 }
 
 // Tab switches between the hex and the text column, as in other hex editors; Ctrl+Tab leaves.
@@ -305,6 +391,13 @@ void TWgtHexEdit::contextMenuEvent(QContextMenuEvent* event) {
     menu.addAction(Lang.get(LangCopy), this, &TWgtHexEdit::copy)->setEnabled(size() > 0);
     menu.addAction(Lang.get(LangPaste), this, &TWgtHexEdit::paste)->setEnabled(size() > 0);
     menu.addAction(Lang.get(LangSelectAll), this, &TWgtHexEdit::selectAll)->setEnabled(size() > 0);
+    menu.addSeparator();
+    menu.addAction(Lang.get(LangGoTo), this, &TWgtHexEdit::openGoTo)->setEnabled(size() > 0);
+    menu.addAction(Lang.get(LangFind), this, &TWgtHexEdit::openFind)->setEnabled(size() > 0);
+    menu.addAction(Lang.get(LangFindNext), [this] { findAgain(false); })->setEnabled(size() > 0);
+    menu.addAction(Lang.get(LangFindPrevious), [this] { findAgain(true); })->setEnabled(size() > 0);
+    menu.addAction(Lang.get(LangFill), this, &TWgtHexEdit::openFill)->setEnabled(size() > 0);
+    menu.addAction(Lang.get(LangCRC), this, &TWgtHexEdit::openCRC)->setEnabled(buf != nullptr);
     menu.exec(event->globalPos());
 }
 

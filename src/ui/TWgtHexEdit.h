@@ -39,6 +39,13 @@ public:
     // the selection or the cursor on.
     void paste();
     void selectAll();
+    // The dialogs, modal, on this editor (Ctrl+G, Ctrl+F, F3 and Shift+F3 for the last search again).
+    void openGoTo();
+    void openFind();
+    void openFill();
+    void openCRC();
+    // Not found is told through message().
+    void findAgain(bool backwards);
     // Where a byte's hex digits (or its character) lie in the viewport.
     QRect cellRect(qint64 offset, bool text) const;
 
@@ -49,6 +56,7 @@ signals:
     void message(const QString& text);
 
 protected:
+    bool event(QEvent* event) override;
     const QByteArray& viewData() const override;
     void paintRow(QPainter& painter, int row, int x, int y) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -58,6 +66,20 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
+    enum KeyAction {
+        KeyNone,
+        KeyCopy,
+        KeyPaste,
+        KeySelectAll,
+        KeyUndo,
+        KeyRedo,
+        KeyGoTo,
+        KeyFind,
+        KeyFindNext,
+        KeyFindPrevious,
+        KeyColumn
+    };
+    static KeyAction keyAction(QKeyEvent* event);
     qint64 size() const { return buf ? buf->size() : 0; }
     bool shortcut(QKeyEvent* event);
     bool moveKey(QKeyEvent* event);

@@ -1,9 +1,14 @@
 #include "app/TLang.h"
 #include "misc/THexBuffer.h"
 #include "support/TestBytes.h"
+#include "ui/TDialogHexFind.h"
 #include "ui/TWgtHexEdit.h"
 
+#include <QAction>
 #include <QClipboard>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -103,6 +108,55 @@ private slots:
         edit->paste();
         QCOMPARE(buffer.data().left(6), QByteArray("hello\x05"));
         QCOMPARE(edit->selectionCount(), qint64(5));
+    }
+
+    void windowShortcutsDoNotTakeTheEditorsKeys() {
+        QWidget window;
+        auto* inner = new TWgtHexEdit(&window);
+        inner->setBuffer(&buffer);
+        QAction undo(&window), copy(&window);
+        undo.setShortcut(QKeySequence("Ctrl+Z"));
+        copy.setShortcut(QKeySequence("Ctrl+C"));
+        window.addAction(&undo);
+        window.addAction(&copy);
+        QSignalSpy windowUndo(&undo, &QAction::triggered), windowCopy(&copy, &QAction::triggered);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        inner->setFocus();
+        QTest::keyClicks(inner, "ff");
+        QTest::keyClick(inner, Qt::Key_Z, Qt::ControlModifier);
+        QTest::keyClick(inner, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(buffer.data(), countingBytes(64));
+        QCOMPARE(QGuiApplication::clipboard()->text(), QString("01"));
+        QCOMPARE(windowUndo.count() + windowCopy.count(), 0);
+        // Elsewhere in the window the window's keys still work.
+        auto* other = new QPushButton(&window);
+        other->setFocus();
+        QTest::keyClick(other, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(windowUndo.count(), 1);
+    }
+
+    void findAgainWithF3() {
+        QSignalSpy messages(edit, &TWgtHexEdit::message);
+        buffer.setData(QByteArray("abcXYZabcXYZ"));
+        edit->goTo(1);
+        QTest::keyClick(edit, Qt::Key_F3); // nothing searched yet: nothing happens
+        QCOMPARE(edit->cursorOffset(), qint64(1));
+        {
+            TDialogHexFind dlg(edit);
+            dlg.findChild<QLineEdit*>("find")->setText("XYZ");
+            dlg.findChild<QComboBox*>("mode")->setCurrentIndex(1);
+            dlg.accept();
+        }
+        QCOMPARE(edit->selectionStart(), qint64(3));
+        QTest::keyClick(edit, Qt::Key_F3);
+        QCOMPARE(edit->selectionStart(), qint64(9));
+        QTest::keyClick(edit, Qt::Key_F3);
+        QCOMPARE(messages.takeFirst().at(0).toString(), QString("\"XYZ\" not found from 0x0A to the end"));
+        QTest::keyClick(edit, Qt::Key_F3, Qt::ShiftModifier);
+        QCOMPARE(edit->selectionStart(), qint64(3));
+        QCOMPARE(edit->selectionCount(), qint64(3));
+        QVERIFY(messages.isEmpty());
     }
 
     void goToScrollsALargeImage() {
