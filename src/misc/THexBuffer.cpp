@@ -94,14 +94,31 @@ bool THexBuffer::apply(qint64 offset, const QByteArray& after, bool merge) {
         if (cleanDepth > undoStack.size()) cleanDepth = -1; // the saved state was undone and is gone now
         redoStack.clear();
         undoStack.append({offset, before, after});
-        if (undoStack.size() > maxUndo) {
-            undoStack.removeFirst();
-            cleanDepth = cleanDepth > 0 ? cleanDepth - 1 : -1;
-        }
+        trimUndo();
     }
     put(offset, after);
     afterStep(wasModified);
     return true;
+}
+
+void THexBuffer::setUndoLimits(int steps, qint64 bytes) {
+    undoSteps = qMax(1, steps);
+    undoBytes = bytes;
+    trimUndo();
+}
+
+// A fill of a whole 16 MiB image keeps 32 MiB for its undo: the history is bounded in bytes, not only in
+// steps.
+void THexBuffer::trimUndo() {
+    qint64 held = 0;
+    for (const QVector<Edit>* stack : {&undoStack, &redoStack})
+        for (const Edit& e : *stack)
+            held += e.before.size() + e.after.size();
+    while (undoStack.size() > 1 && (undoStack.size() > undoSteps || held > undoBytes)) {
+        held -= undoStack.first().before.size() + undoStack.first().after.size();
+        undoStack.removeFirst();
+        cleanDepth = cleanDepth > 0 ? cleanDepth - 1 : -1;
+    }
 }
 
 void THexBuffer::put(qint64 offset, const QByteArray& value) {

@@ -44,6 +44,32 @@ private slots:
         QCOMPARE(buf.data(), countingBytes(16));
     }
 
+    void undoHistoryIsBoundedOldestFirst() {
+        THexBuffer buf;
+        buf.setData(QByteArray(16, '\0'));
+        buf.setUndoLimits(3, 1000);
+        for (int i = 0; i < 5; ++i)
+            buf.setByte(i, 'a');
+        for (int i = 0; i < 5; ++i)
+            buf.undo();
+        QCOMPARE(buf.data().left(6), QByteArray("aa\0\0\0\0", 6));
+        QVERIFY(buf.isModified()); // the saved state cannot come back
+
+        buf.setData(QByteArray(16, '\0'));
+        buf.setUndoLimits(100, 20); // a fill of 8 bytes holds 16
+        buf.fill(0, 8, "x");
+        buf.fill(8, 8, "y");
+        buf.undo();
+        QVERIFY(!buf.canUndo());
+        QCOMPARE(buf.data(), QByteArray(8, 'x') + QByteArray(8, '\0'));
+        buf.setUndoLimits(100, 1); // the newest edit stays whatever its size
+        buf.redo();
+        buf.fill(0, 16, "z");
+        QVERIFY(buf.canUndo());
+        buf.undo();
+        QVERIFY(!buf.canUndo());
+    }
+
     void editsPastTheEndAreRefused() {
         THexBuffer buf;
         buf.setData(countingBytes(8));
