@@ -67,11 +67,8 @@ bool THexBuffer::setByte(qint64 offset, char value, bool merge) {
 bool THexBuffer::fill(qint64 offset, qint64 count, const QByteArray& pattern) {
     if (pattern.isEmpty() || !TMiscDev::isRangeInside(offset, count, 0, size())) return false;
     if (count == 0) return true;
-    QByteArray run;
-    run.reserve(int(count));
-    while (run.size() < count)
-        run.append(pattern.left(int(qMin<qint64>(pattern.size(), count - run.size()))));
-    return apply(offset, run, false);
+    return apply(
+        offset, pattern.repeated(int((count + pattern.size() - 1) / pattern.size())).left(int(count)), false);
 }
 
 qint64 THexBuffer::paste(qint64 offset, const QByteArray& data) {
