@@ -1,6 +1,7 @@
 #include "formats/TFormatHEX.h"
 
 #include "app/TLang.h"
+#include "formats/TIntelHexLine.h"
 #include "misc/dev_misc.h"
 
 #include <climits>
@@ -8,18 +9,6 @@
 namespace {
 constexpr int max_line = 1024;
 
-// Value of each character as a hexadecimal digit, -1 for any other character.
-struct THexDigits {
-    signed char value[256];
-    THexDigits() {
-        for (int c = 0; c < 256; ++c)
-            value[c] = c >= '0' && c <= '9'   ? c - '0'
-                       : c >= 'A' && c <= 'F' ? c - 'A' + 10
-                       : c >= 'a' && c <= 'f' ? c - 'a' + 10
-                                              : -1;
-    }
-};
-const THexDigits hex_digits;
 } // namespace
 
 TFormatHEX::TFormatHEX(const QString& file_name, qint64 addr_file, qint64 addr_device, qint64 last_address,
@@ -58,7 +47,8 @@ int TFormatHEX::readString(QByteArray& record) {
     const uchar* digits = reinterpret_cast<const uchar*>(line + 1);
     uchar sum = 0;
     for (int i = 0; i < record.size(); ++i) {
-        const int high = hex_digits.value[digits[2 * i]], low = hex_digits.value[digits[2 * i + 1]];
+        const int high = TIntelHexLine::digit(char(digits[2 * i]));
+        const int low = TIntelHexLine::digit(char(digits[2 * i + 1]));
         if ((high | low) < 0) return RecordEnd;
         rec[i] = uchar(high << 4 | low);
         sum += rec[i];
@@ -129,10 +119,7 @@ bool TFormatHEX::close() {
     if (mode == FormatModeWrite) {
         // The thirteen bare line feeds after the end record are kept so that files stay byte for byte
         // the same as those written by earlier versions.
-        ok = writer.flush(file) || fail(file.errorString());
-        writer.append(":00000001FF" + QByteArray(13, '\n'));
-        ok = ok && (writer.writeOut(file) || fail(file.errorString())) &&
-             (file.flush() || fail(file.errorString()));
+        ok = writer.finish(file, ":00000001FF" + QByteArray(13, '\n')) || fail(file.errorString());
     }
     file.close();
     return ok;

@@ -135,12 +135,9 @@ bool TFormatIHEX::close() {
     if (!file.isOpen()) return true;
     bool ok = true;
     if (mode == FormatModeWrite) {
-        ok = writer.flush(file) || fail(file.errorString());
         QByteArray end;
         TIntelHexLine::encode(end, TIntelHexLine::End, 0, nullptr, 0);
-        writer.append(end);
-        ok = ok && (writer.writeOut(file) || fail(file.errorString())) &&
-             (file.flush() || fail(file.errorString()));
+        ok = writer.finish(file, end) || fail(file.errorString());
     }
     file.close();
     return ok;

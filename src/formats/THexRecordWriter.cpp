@@ -48,6 +48,12 @@ bool THexRecordWriter::flush(QFile& file) {
     return out.size() < out_block || writeOut(file);
 }
 
+bool THexRecordWriter::finish(QFile& file, const QByteArray& end) {
+    if (!flush(file)) return false;
+    out.append(end);
+    return writeOut(file) && file.flush();
+}
+
 bool THexRecordWriter::writeOut(QFile& file) {
     if (file.write(out) != out.size()) return false;
     out.clear();

@@ -18,14 +18,13 @@ public:
     void addressRecord();
     // False when the file refuses a block (its errorString says why).
     bool write(qint64 pos, const QByteArray& data, QFile& file);
-    // The record being gathered, encoded.
-    bool flush(QFile& file);
-    // Text of the caller's own after the records (an end record).
-    void append(const QByteArray& text) { out.append(text); }
-    // Everything encoded, to the file.
-    bool writeOut(QFile& file);
+    // The record being gathered, then end (the end record as the format writes it), all to the file.
+    bool finish(QFile& file, const QByteArray& end);
 
 private:
+    bool flush(QFile& file);
+    bool writeOut(QFile& file);
+
     int address_type = 0;
     qint64 upper = 0;
     qint64 buffer_start = 0;

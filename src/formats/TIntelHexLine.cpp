@@ -24,10 +24,6 @@ struct TDigits {
 };
 constexpr TDigits hex_value;
 
-int digit(char c) {
-    return hex_value.value[uchar(c)];
-}
-
 // Data bytes an address or end record must carry.
 int fixedLength(int type) {
     switch (type) {
@@ -44,6 +40,10 @@ int fixedLength(int type) {
     }
 }
 } // namespace
+
+int TIntelHexLine::digit(char c) {
+    return hex_value.value[uchar(c)];
+}
 
 TIntelHexLine::Fault TIntelHexLine::decode(const char* line, qint64 size, QByteArray& buffer,
                                            Record& record) {

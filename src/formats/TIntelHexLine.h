@@ -23,6 +23,8 @@ public:
     static qint64 addressValue(const Record& record) { return qint64(record.data[0]) << 8 | record.data[1]; }
     // Appends ":LLAAAATT<data>CC" and CR LF to out, in upper-case digits.
     static void encode(QByteArray& out, int type, quint16 offset, const uchar* data, int length);
+    // The value of c as a hexadecimal digit, -1 for any other character.
+    static int digit(char c);
     // The language text of a fault, with the record type where it matters.
     static QString faultText(Fault fault, int type);
 };

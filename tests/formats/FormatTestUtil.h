@@ -1,17 +1,44 @@
 #pragma once
 
 #include "formats/TFormat.h"
+#include "support/TestFiles.h"
 
 #include <QFile>
 #include <QList>
+#include <QMap>
 #include <QPair>
+#include <QProcess>
+#include <QRandomGenerator>
+
+#include <initializer_list>
 
 using TPiece = QPair<qint64, QByteArray>;
+using TSegments = QMap<qint64, QByteArray>; // start address -> contiguous bytes
+using TestFiles::writeFile;
 
-inline void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size())
-        qFatal("cannot write %s", qPrintable(path));
+// The records, each ended by CR LF.
+inline QByteArray lines(std::initializer_list<const char*> records) {
+    QByteArray out;
+    for (const char* r : records)
+        out += QByteArray(r) + "\r\n";
+    return out;
+}
+
+inline QByteArray randomBytes(int n, quint32 seed) {
+    QRandomGenerator gen(seed);
+    QByteArray data(n, 0);
+    for (char& c : data)
+        c = char(gen.bounded(256));
+    return data;
+}
+
+// The standard output of a program that ends well, else "failed: " and its error output.
+inline QByteArray run(const QString& program, const QStringList& args) {
+    QProcess p;
+    p.start(program, args);
+    if (!p.waitForFinished(60000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0)
+        return "failed: " + p.readAllStandardError();
+    return p.readAllStandardOutput();
 }
 
 inline QByteArray readFile(const QString& path) {

@@ -8,13 +8,6 @@
 namespace {
 const QByteArray tail = ":00000001FF" + QByteArray(13, '\n');
 
-QByteArray lines(std::initializer_list<const char*> records) {
-    QByteArray out;
-    for (const char* r : records)
-        out += QByteArray(r) + "\r\n";
-    return out;
-}
-
 QByteArray counting(int from, int n) {
     QByteArray out;
     for (int i = 0; i < n; ++i)

@@ -9,31 +9,6 @@
 #include <QtTest>
 
 namespace {
-using TSegments = QMap<qint64, QByteArray>;
-
-QByteArray lines(std::initializer_list<const char*> records) {
-    QByteArray out;
-    for (const char* r : records)
-        out += QByteArray(r) + "\r\n";
-    return out;
-}
-
-QByteArray randomBytes(int n, quint32 seed) {
-    QRandomGenerator gen(seed);
-    QByteArray data(n, 0);
-    for (char& c : data)
-        c = char(gen.bounded(256));
-    return data;
-}
-
-QByteArray run(const QString& program, const QStringList& args) {
-    QProcess p;
-    p.start(program, args);
-    if (!p.waitForFinished(60000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0)
-        return "failed: " + p.readAllStandardError();
-    return p.readAllStandardOutput();
-}
-
 // The bytes from first to last as a tool's binary output gives them: gaps are zero.
 QByteArray image(const TSegments& segments, qint64 first, qint64 last) {
     QByteArray out(int(last - first + 1), '\0');

@@ -9,24 +9,6 @@
 #include <QtTest>
 
 namespace {
-using TSegments = QMap<qint64, QByteArray>; // start address -> contiguous bytes
-
-QByteArray randomBytes(int n, quint32 seed) {
-    QRandomGenerator gen(seed);
-    QByteArray data(n, 0);
-    for (char& c : data)
-        c = char(gen.bounded(256));
-    return data;
-}
-
-QByteArray run(const QString& program, const QStringList& args) {
-    QProcess p;
-    p.start(program, args);
-    if (!p.waitForFinished(60000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0)
-        return "failed: " + p.readAllStandardError();
-    return p.readAllStandardOutput();
-}
-
 // intelhex from Debian's python3-intelhex, run by the system interpreter it is installed for.
 QByteArray python(const char* script, const QStringList& args) {
     return run("/usr/bin/python3", QStringList{"-c", script} + args);
