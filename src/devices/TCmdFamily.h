@@ -20,6 +20,11 @@ using TSpaces = QVector<TSpaceKeys>;
 class TCmdFamily : public IDevice {
     Q_OBJECT
 public:
+    // The factory function of family F, as the catalogue's family table holds it.
+    template <class F> static IDevice* create(const QString& code, const TData& param) {
+        return new F(code, param);
+    }
+
     bool supportCmd(const QString& code) const override;
     QStringList getSupportCmdList() const override;
     void getDefaultCmdParam(TData& param) override;

@@ -30,10 +30,6 @@ const TCmdRows& TDev24::cmdTable() {
     return rows;
 }
 
-IDevice* TDev24::Instance(const QString& code, const TData& param) {
-    return new TDev24(code, param);
-}
-
 QString TDev24::getViewSetAddress(const TData& p) const {
     const unsigned mask = TAPP_PARAM(devParam, "addr_mask").toUInt();
     const unsigned addr = p.value(TDev24CDevParam::addr).toUInt();

@@ -8,7 +8,6 @@ class TDev24 : public TDevFamily {
     Q_OBJECT
 public:
     TDev24(const QString& code, const TData& param);
-    static IDevice* Instance(const QString& code, const TData& param);
 
     // One memory space; the executor dispatches by the same rows.
     static const TCmdRows& cmdTable();

@@ -27,10 +27,6 @@ TDev25::TDev25(const QString& code, const TData& param)
     : TDevFamily(code, param, cmdTable(),
                  {{"addr_begin", "size"}, {nullptr, "security_reg_size"}, {nullptr, "sfdp_reg_size"}}) {}
 
-IDevice* TDev25::Instance(const QString& code, const TData& param) {
-    return new TDev25(code, param);
-}
-
 const TCmdRows& TDev25::cmdTable() {
     using namespace CTagCmdCode;
     using K = TCmdKind;

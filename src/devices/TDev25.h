@@ -10,7 +10,6 @@ class TDev25 : public TDevFamily {
     Q_OBJECT
 public:
     TDev25(const QString& code, const TData& param);
-    static IDevice* Instance(const QString& code, const TData& param);
 
     // Read by the editing side and the executor alike; the memory spaces are those of Region.
     static const TCmdRows& cmdTable();

@@ -29,10 +29,6 @@ const TCmdRows& TDev93C::cmdTable() {
     return rows;
 }
 
-IDevice* TDev93C::Instance(const QString& code, const TData& param) {
-    return new TDev93C(code, param);
-}
-
 void TDev93C::ownDefaults(const TCmdRow& row, TData& p) {
     if (row.code == QLatin1String(set_clk)) TNormCmdParam::cmdSetCLKDef(getDevConnect(), p);
     if (row.code == QLatin1String(leave)) TNormCmdParam::cmdLeaveDef(p, true);

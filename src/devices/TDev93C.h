@@ -9,7 +9,6 @@ class TDev93C : public TCmdFamily {
     Q_OBJECT
 public:
     TDev93C(const QString& code, const TData& param);
-    static IDevice* Instance(const QString& code, const TData& param);
 
     // The family's commands in the order offered.
     static const TCmdRows& cmdTable();

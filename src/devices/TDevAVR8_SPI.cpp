@@ -22,10 +22,6 @@ TDevAVR8_SPI::TDevAVR8_SPI(const QString& code, const TData& param)
                  {{"flash_addr_begin", "flash_size"}, {"eeprom_addr_begin", "eeprom_size"}},
                  offeredCmdList(param)) {}
 
-IDevice* TDevAVR8_SPI::Instance(const QString& code, const TData& param) {
-    return new TDevAVR8_SPI(code, param);
-}
-
 const TCmdRows& TDevAVR8_SPI::cmdTable() {
     using namespace CTagCmdCode;
     using K = TCmdKind;

@@ -8,7 +8,6 @@ class TDevAVR8_SPI : public TDevFamily {
     Q_OBJECT
 public:
     TDevAVR8_SPI(const QString& code, const TData& param);
-    static IDevice* Instance(const QString& code, const TData& param);
 
     // Every command of the family, offered or not; a part offers those its algorithms serve.
     static QStringList getCmdList();

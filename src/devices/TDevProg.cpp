@@ -45,10 +45,6 @@ QString voltCurrentView(const TData& p, const QString& vKey, const QString& iKey
 
 TDevProg::TDevProg(const QString& code, const TData& param) : TCmdFamily(code, param, cmdTable()) {}
 
-IDevice* TDevProg::Instance(const QString& code, const TData& param) {
-    return new TDevProg(code, param);
-}
-
 const TCmdRows& TDevProg::cmdTable() {
     using namespace CTagCmdCode;
     using K = TCmdKind;

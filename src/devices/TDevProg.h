@@ -44,7 +44,6 @@ class TDevProg : public TCmdFamily {
     Q_OBJECT
 public:
     TDevProg(const QString& code, const TData& param);
-    static IDevice* Instance(const QString& code, const TData& param);
 
     static QStringList getCmdList();
     // The commands this family serves, whatever the programmer (the project filters by programmer).

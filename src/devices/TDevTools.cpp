@@ -26,10 +26,6 @@ bool fitsInt32(const QVariant& v) {
 
 TDevTools::TDevTools(const QString& code, const TData& param) : TCmdFamily(code, param, cmdTable()) {}
 
-IDevice* TDevTools::Instance(const QString& code, const TData& param) {
-    return new TDevTools(code, param);
-}
-
 const TCmdRows& TDevTools::cmdTable() {
     using namespace CTagCmdCode;
     using K = TCmdKind;

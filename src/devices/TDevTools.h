@@ -39,7 +39,6 @@ class TDevTools : public TCmdFamily {
     Q_OBJECT
 public:
     TDevTools(const QString& code, const TData& param);
-    static IDevice* Instance(const QString& code, const TData& param);
 
     static QStringList getCmdList();
     static bool isCmdTools(const QString& code);

@@ -26,11 +26,11 @@ struct FamilyRow {
 // The one table of families: a description file names its family ("gui_type") by one of these names.
 // The Microwire family is deliberately absent: its devices stay out of the catalogue until it is finished.
 const FamilyRow familyRows[] = {
-    {CTagDevices::Tools, TDevTools::Instance},
-    {CTagDevices::Prog, TDevProg::Instance},
-    {CTagDevices::Dev24, TDev24::Instance},
-    {CTagDevices::Dev25, TDev25::Instance},
-    {CTagDevices::DevAVR8_SPI, TDevAVR8_SPI::Instance},
+    {CTagDevices::Tools, TCmdFamily::create<TDevTools>},
+    {CTagDevices::Prog, TCmdFamily::create<TDevProg>},
+    {CTagDevices::Dev24, TCmdFamily::create<TDev24>},
+    {CTagDevices::Dev25, TCmdFamily::create<TDev25>},
+    {CTagDevices::DevAVR8_SPI, TCmdFamily::create<TDevAVR8_SPI>},
 };
 
 QString devicesFile(const QString& name) {

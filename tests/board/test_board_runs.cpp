@@ -133,7 +133,7 @@ private slots:
                                                  {"page_size", 1},
                                                  {"width_addr", 7},
                                                  {"width_data", 8}});
-        ChipKit::useFamily({{"93C46", record}}, &TDev93C::Instance);
+        ChipKit::useFamily({{"93C46", record}}, TCmdFamily::create<TDev93C>);
         ChipSetup chip{"93C46", devices, QByteArray(128, 0x11)};
         const BoardRun r =
             both(chip, {cmd("set_device", R"("device": "93C46", "file": "93c46.cfg")"), cmd("erase")});

@@ -104,10 +104,10 @@ private slots:
         QCOMPARE(TDeviceList::getFamilyNames(),
                  QStringList({"Tools", "Prog", "Dev24", "Dev25", "DevAVR8_SPI"}));
         TDeviceList list;
-        QVERIFY(list.getCreator("Tools") == &TDevTools::Instance);
-        QVERIFY(list.getCreator("Prog") == &TDevProg::Instance);
-        QVERIFY(list.getCreator("Dev24") == &TDev24::Instance);
-        QVERIFY(list.getCreator("Dev25") == &TDev25::Instance);
+        QVERIFY(list.getCreator("Tools") == TCmdFamily::create<TDevTools>);
+        QVERIFY(list.getCreator("Prog") == TCmdFamily::create<TDevProg>);
+        QVERIFY(list.getCreator("Dev24") == TCmdFamily::create<TDev24>);
+        QVERIFY(list.getCreator("Dev25") == TCmdFamily::create<TDev25>);
         QVERIFY(!list.getCreator("Dev93"));
         QVERIFY(!list.getCreator("tools"));
     }
@@ -115,7 +115,7 @@ private slots:
     void familyNameWithoutFileReadsNothing() {
         AppData.pathDevices = dir.filePath("none");
         TData param{{"kept", 1}};
-        QVERIFY(TDeviceList().getDeviceInstance("Tools", QString(), param) == &TDevTools::Instance);
+        QVERIFY(TDeviceList().getDeviceInstance("Tools", QString(), param) == TCmdFamily::create<TDevTools>);
         QCOMPARE(param, TData({{"kept", 1}}));
         QVERIFY(!TDeviceList().getDeviceInstance("W25Q", QString(), param));
     }
@@ -125,7 +125,7 @@ private slots:
         TData param;
         QStringList desc;
         TDeviceList list;
-        QVERIFY(list.getDeviceInstance("Chip", "p.dev", param, &desc) == &TDevProg::Instance);
+        QVERIFY(list.getDeviceInstance("Chip", "p.dev", param, &desc) == TCmdFamily::create<TDevProg>);
         QCOMPARE(desc, QStringList({"gui_type=s|Prog", " size = u|4096", " #not a comment=s|x", "list=l|a"}));
         QCOMPARE(param.value("dev_file"), QVariant(QString("p.dev")));
         QCOMPARE(param.value("size"), QVariant(4096u));

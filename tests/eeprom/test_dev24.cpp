@@ -81,7 +81,7 @@ private slots:
         // Block-select bits only, as the real part: the write delay as long as its write cycle, and none.
         records.insert("24C16W5", writeChip(devices(), "24C16W5", part(2048, 16, 1, 0, 5)));
         records.insert("24C16W0", writeChip(devices(), "24C16W0", part(2048, 16, 1, 0, 0)));
-        useFamily(records, &TDev24::Instance);
+        useFamily(records, TCmdFamily::create<TDev24>);
     }
 
     void selectAndAddressBytes() {
@@ -93,7 +93,7 @@ private slots:
     }
 
     void setAddressViewAndCheck() {
-        std::unique_ptr<IDevice> dev(TDev24::Instance("24C04", records.value("24C04")));
+        std::unique_ptr<IDevice> dev(TCmdFamily::create<TDev24>("24C04", records.value("24C04")));
         TData p{{"cmd", "set_addr"}, {"addr", 5}};
         QCOMPARE(static_cast<TDev24*>(dev.get())->getViewSetAddress(p), QString("Address: 10-"));
         QVERIFY(dev->checkCmdParam(p));

@@ -42,11 +42,11 @@ private slots:
                                            {"addr_begin", 0},
                                            {"size", 128},
                                            {"page_size", 1}}));
-        useFamily(records, &TDev93C::Instance);
+        useFamily(records, TCmdFamily::create<TDev93C>);
     }
 
     void editingSideIsFixed() {
-        std::unique_ptr<IDevice> dev(TDev93C::Instance("93C46", records.value("93C46")));
+        std::unique_ptr<IDevice> dev(TCmdFamily::create<TDev93C>("93C46", records.value("93C46")));
         QCOMPARE(dev->getSupportCmdList().mid(0, 6),
                  (QStringList{"set_clk", "erase", "test_empty", "lock", "unlock", "separator"}));
         QVERIFY(dev->checkCmdSetDeviceParam(TData{{"anything", 99}}));

@@ -30,8 +30,8 @@ class TestWorker : public QObject {
 private slots:
     void initTestCase() {
         ProjectData.setDeviceFactory([](const QString& name, const QString&) -> IDevice* {
-            if (name == "Tools") return TDevTools::Instance(name, TData());
-            if (name == "Prog") return TDevProg::Instance(name, TData());
+            if (name == "Tools") return TCmdFamily::create<TDevTools>(name, TData());
+            if (name == "Prog") return TCmdFamily::create<TDevProg>(name, TData());
             return nullptr;
         });
     }

@@ -29,7 +29,7 @@ class TestContract93 : public FamilyContract {
         QStringList lines;
         for (const QByteArray& line : readBytes(devices + "/" + space().description).split('\n'))
             if (!line.isEmpty() && !line.startsWith('#')) lines << QString::fromUtf8(line);
-        ChipKit::useFamily({{space().chip, TDeviceList::getParamData(lines)}}, &TDev93C::Instance);
+        ChipKit::useFamily({{space().chip, TDeviceList::getParamData(lines)}}, TCmdFamily::create<TDev93C>);
     }
 };
 

@@ -36,8 +36,8 @@ private slots:
         ProjectData.setProgFactory(
             [](const QString&) { return new TProg(QStringLiteral(TARVELIX_DATA_DIR "/progs/sim.cfg")); });
         ProjectData.setDeviceFactory([](const QString& name, const QString&) -> IDevice* {
-            if (name == "Tools") return TDevTools::Instance(name, TData());
-            return name == "Prog" ? TDevProg::Instance(name, TData()) : nullptr;
+            if (name == "Tools") return TCmdFamily::create<TDevTools>(name, TData());
+            return name == "Prog" ? TCmdFamily::create<TDevProg>(name, TData()) : nullptr;
         });
     }
 

@@ -30,8 +30,8 @@ class TestFormsDev : public QObject {
     int cfg = -1;
 
     static IDevice* makeDevice(const QString& name, const QString& file) {
-        if (name == "Tools") return TDevTools::Instance(name, TData());
-        if (name == "Prog") return TDevProg::Instance(name, TData());
+        if (name == "Tools") return TCmdFamily::create<TDevTools>(name, TData());
+        if (name == "Prog") return TCmdFamily::create<TDevProg>(name, TData());
         TData param;
         QStringList desc;
         if (name.startsWith("93C")) {
@@ -40,7 +40,7 @@ class TestFormsDev : public QObject {
             f.open(QIODevice::ReadOnly | QIODevice::Text);
             for (const QString& line : QString::fromUtf8(f.readAll()).split('\n'))
                 if (!line.isEmpty() && !line.startsWith('#')) desc << line;
-            return TDev93C::Instance(name, TDeviceList::getParamData(desc));
+            return TCmdFamily::create<TDev93C>(name, TDeviceList::getParamData(desc));
         }
         const TDeviceList::Creator creator = DeviceList.getDeviceInstance(name, file, param, &desc);
         return creator ? creator(name, param) : nullptr;

@@ -42,8 +42,8 @@ inline TData writeChip(const QString& dir, const QString& name, const Keys& keys
 // Makes every chip of records through creator, and the programmer and tools families as usual.
 inline void useFamily(const QHash<QString, TData>& records, Creator creator) {
     ProjectData.setDeviceFactory([records, creator](const QString& name, const QString&) -> IDevice* {
-        if (name == "Tools") return TDevTools::Instance(name, TData());
-        if (name == "Prog") return TDevProg::Instance(name, TData());
+        if (name == "Tools") return TCmdFamily::create<TDevTools>(name, TData());
+        if (name == "Prog") return TCmdFamily::create<TDevProg>(name, TData());
         return records.contains(name) ? creator(name, records.value(name)) : nullptr;
     });
 }
