@@ -13,9 +13,6 @@ class TestBoardRuns : public QObject {
 
     QTemporaryDir dir;
 
-    static QString cmd(const QString& code, const QString& params = QString()) {
-        return ChipKit::cmd(code, params);
-    }
     static QString setDevice(const QString& file, const QString& more = QString()) {
         const QString name = file.section('/', 1);
         return cmd("set_device",

@@ -1,5 +1,6 @@
 #include "app/TLang.h"
 #include "support/CliSettings.h"
+#include "support/CmdText.h"
 #include "support/SimFixture.h"
 #include "support/WorkerFixture.h"
 
@@ -45,11 +46,6 @@ class TestCliRun : public QObject {
         p.waitForFinished(20000);
         return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
                 QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
-    }
-
-    static QString cmd(const QString& code, const QString& params = QString()) {
-        return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})")
-            .arg(code, params.isEmpty() ? QString() : ", " + params);
     }
 
 private slots:

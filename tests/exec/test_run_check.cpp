@@ -1,3 +1,4 @@
+#include "support/CmdText.h"
 #include "support/TestFiles.h"
 #include "support/WorkerFixture.h"
 
@@ -21,10 +22,6 @@ class TestRunCheck : public QObject {
         QByteArray image;
     };
 
-    static QString cmd(const QString& code, const QString& params = QString()) {
-        return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})")
-            .arg(code, params.isEmpty() ? QString() : ", " + params);
-    }
     static QString file(const QString& code, const QString& name, const QString& format, qint64 addrFile,
                         qint64 addr, qint64 count) {
         return cmd(code, QStringLiteral(R"("file": "%1", "format": "%2", "addr_file": "%3", )"

@@ -3,6 +3,7 @@
 #include "link/TSerialPort.h"
 #include "project/TCtrlProject.h"
 #include "project/TDataPrj.h"
+#include "support/CmdText.h"
 #include "support/SimFixture.h"
 #include "support/WorkerFixture.h"
 
@@ -21,11 +22,6 @@ class TestRunControl : public QObject {
         QByteArray json = in.readAll();
         json.replace(R"({"status": "1", "cmd": "delay")", R"({"status": "0", "cmd": "delay")");
         return w.writeProject(json);
-    }
-
-    static QString cmd(const QString& code, const QString& params = QString()) {
-        return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})")
-            .arg(code, params.isEmpty() ? QString() : ", " + params);
     }
 
 private slots:

@@ -1,6 +1,7 @@
 #include "support/WorkerFixture.h"
 
 #include "misc/dev_misc.h"
+#include "support/CmdText.h"
 #include "support/TestFiles.h"
 
 #include <QElapsedTimer>
@@ -16,10 +17,6 @@ class TestSpiRun : public QObject {
     const QString setProg =
         R"({"status": "1", "cmd": "set_prog", "prog": "Sim", "alt_enabled": "false", "alt_port": ""})";
 
-    static QString cmd(const QString& code, const QString& params = QString()) {
-        return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})")
-            .arg(code, params.isEmpty() ? QString() : ", " + params);
-    }
     static QString setDevice(const QString& name = "W25Q80RV") {
         return cmd("set_device", QStringLiteral(R"("device": "%1", "file": "spi/%1.dev")").arg(name));
     }

@@ -7,6 +7,7 @@
 #include "devices/IDevice.h"
 #include "link/TSerialPort.h"
 #include "project/TDataPrj.h"
+#include "support/CmdText.h"
 #include "support/WorkerFixture.h"
 
 #include <QDir>
@@ -60,10 +61,7 @@ inline QString frame(unsigned char cmd, const QByteArray& payload) {
     return QString::fromLatin1(f.toHex(' ').toUpper());
 }
 
-inline QString cmd(const QString& code, const QString& params = QString()) {
-    return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})")
-        .arg(code, params.isEmpty() ? QString() : ", " + params);
-}
+using ::cmd;
 
 inline const QString setProg =
     R"({"status": "1", "cmd": "set_prog", "prog": "Sim", "alt_enabled": "false", "alt_port": ""})";

@@ -3,6 +3,7 @@
 #include "support/WorkerFixture.h"
 
 #include "misc/dev_misc.h"
+#include "support/CmdText.h"
 
 #include <QDir>
 #include <QTimer>
@@ -99,10 +100,6 @@ protected:
         for (int i = 0; i < n; ++i)
             b[i] = char((i * 13 + seed + (i >> 7)) & 0xFF);
         return b;
-    }
-    static QString cmd(const QString& code, const QString& params = QString()) {
-        return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})")
-            .arg(code, params.isEmpty() ? QString() : ", " + params);
     }
     static QString setProg() {
         return R"({"status": "1", "cmd": "set_prog", "prog": "Sim", "alt_enabled": "false", "alt_port": ""})";
