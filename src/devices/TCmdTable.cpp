@@ -3,6 +3,7 @@
 #include "devices/IDevice.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
+#include "project/CTagCmdCode.h"
 
 namespace {
 constexpr int fillDefault = 0xFF;
@@ -14,6 +15,15 @@ QStringList TCmdTable::codes(const TCmdRows& rows) {
     for (const TCmdRow& r : rows)
         out << QLatin1String(r.code);
     return out;
+}
+
+TCmdRows TCmdTable::ownRows(std::initializer_list<const char*> codes) {
+    TCmdRows rows;
+    for (const char* code : codes) {
+        const bool divider = QLatin1String(code) == QLatin1String(CTagCmdCode::separator);
+        rows.append({code, divider ? TCmdKind::Separator : TCmdKind::Own, TCmdOp::None, 0});
+    }
+    return rows;
 }
 
 const TCmdRow* TCmdTable::find(const TCmdRows& rows, const QString& code) {

@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include <initializer_list>
+
 class IDevice;
 class TFormCmd;
 
@@ -38,6 +40,8 @@ using TCmdRows = QVector<TCmdRow>;
 class TCmdTable {
 public:
     static QStringList codes(const TCmdRows& rows);
+    // The table of a family whose commands are all of its own kind, in this order; "separator" divides.
+    static TCmdRows ownRows(std::initializer_list<const char*> codes);
     // nullptr for a code the table does not have and for the separator.
     static const TCmdRow* find(const TCmdRows& rows, const QString& code);
 

@@ -13,7 +13,10 @@
 
 using namespace CTagCmdCode;
 
-TDev24::TDev24(const QString& code, const TData& param) : TDevFamily(code, param, cmdTable()) {}
+// The address pins go out as the set-device payload's family byte.
+TDev24::TDev24(const QString& code, const TData& param) : TDevFamily(code, param, cmdTable()) {
+    familyByteKey = TDev24CDevParam::addr;
+}
 
 const TCmdRows& TDev24::cmdTable() {
     using K = TCmdKind;
@@ -65,10 +68,6 @@ void TDev24::getDefaultParamCmdSetDevice(TData& p) {
 
 QWidget* TDev24::getWgtCmdSetDeviceParam(const TData& p) {
     return TDev24CDevParam::form(this, p);
-}
-
-unsigned int TDev24::familyByte(const TData& setDevice) const {
-    return setDevice.value(TDev24CDevParam::addr).toUInt();
 }
 
 IDeviceExec* TDev24::createExecObject(const TData& p) {

@@ -27,6 +27,4 @@ protected:
     QString ownView(const TCmdRow& row, const TData& p) const override;
     TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
     bool ownCheck(const TCmdRow& row, const TData& p) const override;
-    // The address pins.
-    unsigned int familyByte(const TData& setDevice) const override;
 };

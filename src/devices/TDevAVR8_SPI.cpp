@@ -17,10 +17,14 @@ namespace {
 const QString kData = QStringLiteral("data");
 } // namespace
 
+// The family byte of the set-device payload is the polarity the programmer drives the target's reset
+// line with.
 TDevAVR8_SPI::TDevAVR8_SPI(const QString& code, const TData& param)
     : TDevFamily(code, param, cmdTable(),
                  {{"flash_addr_begin", "flash_size"}, {"eeprom_addr_begin", "eeprom_size"}},
-                 offeredCmdList(param)) {}
+                 offeredCmdList(param)) {
+    familyByteKey = "reset_pol";
+}
 
 const TCmdRows& TDevAVR8_SPI::cmdTable() {
     using namespace CTagCmdCode;
@@ -149,10 +153,6 @@ bool TDevAVR8_SPI::checkBytes(const QString& code, const TData& p) const {
 // Identification and the reads of fuses, lock bits and calibration take no parameters.
 bool TDevAVR8_SPI::ownCheck(const TCmdRow& row, const TData& p) const {
     return row.op == TCmdOp::Read || checkBytes(row.code, p);
-}
-
-unsigned int TDevAVR8_SPI::familyByte(const TData&) const {
-    return devParam.value(QStringLiteral("reset_pol")).toUInt();
 }
 
 IDeviceExec* TDevAVR8_SPI::createExecObject(const TData& param) {

@@ -23,8 +23,6 @@ protected:
     QString ownView(const TCmdRow& row, const TData& p) const override;
     TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
     bool ownCheck(const TCmdRow& row, const TData& p) const override;
-    // The reset polarity the programmer drives the target's reset line with.
-    unsigned int familyByte(const TData& setDevice) const override;
 
 private:
     // The commands whose algorithm the part's description names; the catalogue leaves out an operation

@@ -20,12 +20,9 @@ QByteArray TDevFamily::getCmdSetDeviceExec(const TData& param) {
     QByteArray out;
     TMiscDev::appendLE(out, DeviceList.getDevCode(type), 2);
     TMiscDev::appendLE(out, devParam.value(QStringLiteral("cfg_hw")).toUInt(), 1);
-    TMiscDev::appendLE(out, familyByte(p), 1);
+    const QString key = QLatin1String(familyByteKey);
+    TMiscDev::appendLE(out, familyByteKey ? p.value(key, devParam.value(key)).toUInt() : 0, 1);
     TMiscDev::appendLE(out, TMiscDev::getCLK(p), 4);
     TMiscDev::appendLE(out, devParam.value(QStringLiteral("delay")).toUInt(), 1);
     return out;
-}
-
-unsigned int TDevFamily::familyByte(const TData&) const {
-    return 0;
 }

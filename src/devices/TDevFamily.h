@@ -16,6 +16,7 @@ public:
 protected:
     using TCmdFamily::TCmdFamily;
 
-    // The third byte of the set-device payload: what the family's bus needs beyond clock and delay.
-    virtual unsigned int familyByte(const TData& setDevice) const;
+    // The key of the payload's third byte, what the family's bus needs beyond clock and delay: a setting
+    // of the set-device command, else a key of the device's description; none sends 0.
+    const char* familyByteKey = nullptr;
 };

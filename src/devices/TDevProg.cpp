@@ -47,21 +47,8 @@ TDevProg::TDevProg(const QString& code, const TData& param) : TCmdFamily(code, p
 
 const TCmdRows& TDevProg::cmdTable() {
     using namespace CTagCmdCode;
-    using K = TCmdKind;
-    using O = TCmdOp;
-    static const TCmdRows rows{
-        {set_device, K::Own, O::None, 0},
-        {auto_detect, K::Own, O::None, 0},
-        {separator, K::Separator, O::None, 0},
-        {set_vcc, K::Own, O::None, 0},
-        {set_vpp, K::Own, O::None, 0},
-        {set_vicc, K::Own, O::None, 0},
-        {set_vipp, K::Own, O::None, 0},
-        {separator, K::Separator, O::None, 0},
-        {set_io, K::Own, O::None, 0},
-        {reset, K::Own, O::None, 0},
-        {gen, K::Own, O::None, 0},
-    };
+    static const TCmdRows rows = TCmdTable::ownRows({set_device, auto_detect, separator, set_vcc, set_vpp,
+                                                     set_vicc, set_vipp, separator, set_io, reset, gen});
     return rows;
 }
 

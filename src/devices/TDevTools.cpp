@@ -28,16 +28,8 @@ TDevTools::TDevTools(const QString& code, const TData& param) : TCmdFamily(code,
 
 const TCmdRows& TDevTools::cmdTable() {
     using namespace CTagCmdCode;
-    using K = TCmdKind;
-    using O = TCmdOp;
-    static const TCmdRows rows{
-        {set_prog, K::Own, O::None, 0}, {separator, K::Separator, O::None, 0},
-        {delay, K::Own, O::None, 0},    {pause, K::Own, O::None, 0},
-        {stop, K::Own, O::None, 0},     {separator, K::Separator, O::None, 0},
-        {jamp, K::Own, O::None, 0},     {counter, K::Own, O::None, 0},
-        {execute, K::Own, O::None, 0},  {separator, K::Separator, O::None, 0},
-        {calc_crc, K::Own, O::None, 0}, {process, K::Own, O::None, 0},
-    };
+    static const TCmdRows rows = TCmdTable::ownRows({set_prog, separator, delay, pause, stop, separator, jamp,
+                                                     counter, execute, separator, calc_crc, process});
     return rows;
 }
 
