@@ -9,6 +9,7 @@
 #include "devices/TDevAVR8_SPI.h"
 #include "devices/TDevProg.h"
 #include "devices/TDevTools.h"
+#include "devices/TSignature.h"
 #include "formats/IFormat.h"
 
 #include <QFile>
@@ -37,20 +38,10 @@ QString devicesFile(const QString& name) {
     return TApp::getAbsoluteFile(AppData.getPathDevicesAbs(), name);
 }
 
-// Calls take(before, after) for each trimmed, non-comment line that has a "=".
+// Calls take(before, after) for each trimmed, non-comment line that has a "=", until take says stop.
 template <typename F> void readListFile(const QString& name, F take) {
-    QFile f(devicesFile(name));
-    if (!f.open(QIODevice::ReadOnly | QIODevice::Text)) return;
-    QTextStream in(&f);
-    in.setCodec("UTF-8");
-    QString line;
-    while (in.readLineInto(&line)) {
-        line = line.trimmed();
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#'))) continue;
-        const int eq = line.indexOf(QLatin1Char('='));
-        if (eq < 0) continue;
-        if (!take(line.left(eq), line.mid(eq + 1))) return;
-    }
+    for (const auto& pair : TSignature::readPairFile(devicesFile(name)))
+        if (!take(pair.first, pair.second)) return;
 }
 
 bool readDescription(const QString& file, QStringList& lines) {

@@ -6,6 +6,7 @@
 #include "devices/TDevProg.h"
 #include "devices/TDevTools.h"
 #include "devices/TDeviceList.h"
+#include "support/TestFiles.h"
 #include "ui/TDialogSelectDevice.h"
 
 #include <QTemporaryDir>
@@ -15,11 +16,7 @@ class TestDeviceList : public QObject {
     Q_OBJECT
     QTemporaryDir dir;
 
-    void put(const QString& name, const QByteArray& text) {
-        QFile f(dir.filePath(name));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(text);
-    }
+    void put(const QString& name, const QByteArray& text) { TestFiles::writeFile(dir.filePath(name), text); }
 
 private slots:
     void init() { AppData.pathDevices = dir.path(); }

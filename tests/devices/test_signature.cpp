@@ -1,6 +1,7 @@
 #include "app/TAppData.h"
 #include "app/TLang.h"
 #include "devices/TSignature.h"
+#include "support/TestFiles.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -11,11 +12,7 @@ class TestSignature : public QObject {
     Q_OBJECT
     QTemporaryDir dir;
 
-    void put(const QString& name, const QByteArray& text) {
-        QFile f(dir.filePath(name));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(text);
-    }
+    void put(const QString& name, const QByteArray& text) { TestFiles::writeFile(dir.filePath(name), text); }
 
 private slots:
     void initTestCase() {
