@@ -1,3 +1,4 @@
+#include "formats/FormatTestUtil.h"
 #include "support/CmdText.h"
 #include "support/TestFiles.h"
 #include "support/WorkerFixture.h"
@@ -6,7 +7,6 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
-using TestFiles::readFile;
 using TestFiles::writeFile;
 
 // The check a run makes before it touches the chip, against the simulator: damaged or unsuitable data
@@ -53,7 +53,7 @@ class TestRunCheck : public QObject {
         AppData.checkBeforeRun = true;
         sim.stop();
         r.frames = WorkerFixture::requests(sim.path("trace.txt"));
-        r.image = readFile(sim.path("image.bin"));
+        r.image = TestFiles::readFile(sim.path("image.bin"));
         return r;
     }
     static Run spi(const QStringList& cmds, bool check = true) {
@@ -70,21 +70,6 @@ class TestRunCheck : public QObject {
         for (const QString& f : frames)
             if (f.split(' ').value(1).toInt(nullptr, 16) <= 7) return true;
         return false;
-    }
-
-    static QByteArray randomBytes(int n, quint32 seed) {
-        QRandomGenerator gen(seed);
-        QByteArray data(n, 0);
-        for (char& c : data)
-            c = char(gen.bounded(256));
-        return data;
-    }
-    static QByteArray tool(const QString& program, const QStringList& args) {
-        QProcess p;
-        p.start(program, args);
-        if (!p.waitForFinished(60000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0)
-            return "failed: " + p.readAllStandardError();
-        return p.readAllStandardOutput();
     }
 
     QTemporaryDir dir;
@@ -121,14 +106,14 @@ private slots:
         }
         source += "int main(void) { return pgm_read_byte(&part0[1]) + pgm_read_byte(&part2[5]); }\n";
         writeFile(path("p.c"), source);
-        QCOMPARE(tool("avr-gcc", {"-mmcu=atmega2560", "-Os", "-o", path("p.elf"), path("p.c")}),
+        QCOMPARE(::run("avr-gcc", {"-mmcu=atmega2560", "-Os", "-o", path("p.elf"), path("p.c")}),
                  QByteArray());
-        QCOMPARE(tool("avr-objcopy", {"-O", "ihex", "-R", ".eeprom", path("p.elf"), path("p.hex")}),
+        QCOMPARE(::run("avr-objcopy", {"-O", "ihex", "-R", ".eeprom", path("p.elf"), path("p.hex")}),
                  QByteArray());
-        QCOMPARE(tool("avr-objcopy", {"-O", "binary", "-R", ".eeprom", path("p.elf"), path("p.bin")}),
+        QCOMPARE(::run("avr-objcopy", {"-O", "binary", "-R", ".eeprom", path("p.elf"), path("p.bin")}),
                  QByteArray());
-        const QByteArray bin = readFile(path("p.bin"));
-        const QByteArray text = readFile(path("p.hex"));
+        const QByteArray bin = TestFiles::readFile(path("p.bin"));
+        const QByteArray text = TestFiles::readFile(path("p.hex"));
         QVERIFY(bin.size() > 0x10000 && text.contains(":020000021000EC"));
         const int segmentLine = text.left(text.indexOf(":020000021000EC")).count('\n') + 1;
         dataFiles << path("p.hex") << path("p.bin");
@@ -243,8 +228,8 @@ private slots:
         for (const char* length : {"2", "3", "4"}) {
             const QString out = path(QStringLiteral("sc%1.hex").arg(length));
             const QString offset = QString(length) == "2" ? "0x1000" : "0xFF00";
-            QCOMPARE(tool("srec_cat", {path("a.bin"), "-binary", "-offset", offset, "-o", out, "-intel",
-                                       QString("-address-length=") + length}),
+            QCOMPARE(::run("srec_cat", {path("a.bin"), "-binary", "-offset", offset, "-o", out, "-intel",
+                                        QString("-address-length=") + length}),
                      QByteArray());
             dataFiles << out;
         }
@@ -252,8 +237,8 @@ private slots:
         int compared = 0;
         for (const QString& name : dataFiles) {
             const bool isBin = name.endsWith(".bin");
-            const QByteArray judged = tool("srec_cat", {name, isBin ? "-binary" : "-intel", "-fill", "0xFF",
-                                                        "0", "0x100000", "-o", "-", "-binary"});
+            const QByteArray judged = ::run("srec_cat", {name, isBin ? "-binary" : "-intel", "-fill", "0xFF",
+                                                         "0", "0x100000", "-o", "-", "-binary"});
             for (const QString& format : isBin ? QStringList{"BIN"} : QStringList{"HEX", "IHEX"}) {
                 const Run r = spi(program(name, format, 0x100000));
                 if (r.status != 0) continue;
