@@ -577,6 +577,10 @@ bool TMainWindow::runThread(int idCfg) {
 
 void TMainWindow::runStarted(int idCfg) {
     TWgtCfg* view = cfgViews.value(idCfg);
+    if (!view) { // a run of the chip panel, which shows its own log
+        updateActions();
+        return;
+    }
     if (AppData.logClearBeforeRun) view->log()->clear();
     view->log()->blockLogText(true);
     view->showLog();
