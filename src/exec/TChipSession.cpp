@@ -201,10 +201,10 @@ void TChipSession::onFinished(int id, TCodeCfgStatus outcome) {
 // Read while the configuration still exists: a register read keeps its value in its command.
 void TChipSession::collect(bool ok) {
     if (!ok || detection) return;
-    for (const auto& p : pending) {
-        if (TChipCmds::isRegister(currentMemory) && p.second.code.endsWith(QLatin1String("_read")))
+    const bool register_ = TChipCmds::isRegister(currentMemory);
+    for (const auto& p : pending)
+        if (register_ && p.second.code.endsWith(QLatin1String("_read")))
             valueRead = ProjectData.getCmdData(p.first).value(CTagCmdRWV::data).toString();
-    }
     if ((current == Read || current == CompareChip) && !currentFile.isEmpty()) {
         QFile f(currentFile);
         if (!f.open(QIODevice::ReadOnly)) {
@@ -215,6 +215,8 @@ void TChipSession::collect(bool ok) {
     }
     for (const auto& p : pending) {
         Done d = p.second;
+        if (register_ && d.code.endsWith(QLatin1String("_read")))
+            d.values.insert(CTagCmdRWV::data, valueRead);
         // Compared with the chip is, in a configuration, verified against the data file.
         if (current == CompareChip)
             d.code = TChipCmds::code(ProjectData.createDevice(device, deviceFile), TChipCmds::Verify,

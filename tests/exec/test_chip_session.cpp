@@ -1,0 +1,198 @@
+#include "app/TLang.h"
+#include "devices/TDeviceList.h"
+#include "exec/TChipSession.h"
+#include "exec/TRunControl.h"
+#include "misc/TNormCmdParam.h"
+#include "project/TChipCmds.h"
+#include "project/TDataCmd.h"
+#include "project/TDataPrj.h"
+#include "support/SimFixture.h"
+#include "support/WorkerFixture.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+// The chip panel's actions without the panel: each one a run outside the project, through a run
+// controller, against the simulator.
+class TestChipSession : public QObject {
+    Q_OBJECT
+
+    SimFixture sim;
+
+    bool startSim(const QString& chip, const QByteArray& image) {
+        QFile f(sim.path("image.bin"));
+        if (!f.open(QIODevice::WriteOnly) || f.write(image) != image.size()) return false;
+        f.close();
+        return sim.start(
+            {"--chip", chip, "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()});
+    }
+
+    QByteArray chipImage() {
+        sim.stop();
+        QFile f(sim.path("image.bin"));
+        f.open(QIODevice::ReadOnly);
+        return f.readAll();
+    }
+
+    // Runs one action to its end; its outcome.
+    static bool runAction(TChipSession& s, TChipSession::Action a, const QString& memory,
+                          const QByteArray& data = QByteArray(), const QString& value = QString()) {
+        QSignalSpy done(&s, &TChipSession::signalFinished);
+        if (!s.start(a, memory, data, value)) {
+            qWarning() << s.error();
+            return false;
+        }
+        if (!done.wait(20000) && done.isEmpty()) return false;
+        return done.first().at(0).toInt() == int(a) && done.first().at(1).toBool();
+    }
+
+    static IDevice* device(const QString& name) {
+        return ProjectData.createDevice(name, DeviceList.getDeviceList().value(name));
+    }
+
+    static QByteArray pattern(int size, int seed) {
+        QByteArray b(size, 0);
+        for (int i = 0; i < size; ++i)
+            b[i] = char((i * 7 + seed) & 0xFF);
+        return b;
+    }
+
+private slots:
+    void initTestCase() {
+        WorkerFixture();
+        qRegisterMetaType<TData>("TData");
+        qRegisterMetaType<TCodeView>("TCodeView");
+    }
+
+    // What a family offers comes from its command table.
+    void memoriesAndCodesComeFromTheFamily() {
+        QCOMPARE(TChipCmds::memories(device("W25Q80RV")), QStringList({"flash", "status"}));
+        QCOMPARE(TChipCmds::memories(device("ATmega328P")),
+                 QStringList({"flash", "eeprom", "fuses", "lock"}));
+        QCOMPARE(TChipCmds::memories(device("24C256")), QStringList({"flash"}));
+        QCOMPARE(TChipCmds::code(device("W25Q80RV"), TChipCmds::BlankCheck, "flash"), QString("test_empty"));
+        QCOMPARE(TChipCmds::code(device("ATmega328P"), TChipCmds::BlankCheck, "eeprom"),
+                 QString("test_empty_eeprom"));
+        QCOMPARE(TChipCmds::code(device("ATmega328P"), TChipCmds::Write, "flash"),
+                 QString("flash_file_write"));
+        QCOMPARE(TChipCmds::code(device("W25Q80RV"), TChipCmds::Write, "eeprom"), QString());
+        QCOMPARE(TChipCmds::code(device("W25Q80RV"), TChipCmds::Read, "status"), QString("status_reg_read"));
+        QCOMPARE(TChipCmds::values(TChipCmds::Write, "fuses", "x", "bin", "e2d9fe"),
+                 TData({{CTagCmdRWV::data, "E2D9FE"}}));
+        QCOMPARE(TChipCmds::values(TChipCmds::Verify, "flash", "/t/a.bin", "bin", "FF"),
+                 TData({{CTagCmdRWV::file, "/t/a.bin"}, {CTagCmdRWV::format, "bin"}}));
+    }
+
+    // Read, edit, write + verify and read back: the chip ends as the buffer, and the open project sees
+    // none of it.
+    void actionsRunOutsideTheProject() {
+        const int size = 1 << 20;
+        const QByteArray before = pattern(size, 3);
+        QVERIFY(startSim("W25Q80RV", before));
+        WorkerFixture w;
+        w.addProgrammer("Sim", sim);
+        ProjectData.clrPrj();
+        ProjectData.newCfg("Main", QString(), -1);
+        ProjectData.resetChange();
+        QSignalSpy changes(&ProjectData, &TDataPrj::signalChangeData);
+        TRunControl control;
+        TChipSession s(&control);
+        s.setProg("Sim");
+        QVERIFY(s.setChip("W25Q80RV"));
+        QVERIFY(!s.setChip("W25Q99"));
+        QVERIFY(!s.offers(TChipSession::Write, "eeprom"));
+        QVERIFY(runAction(s, TChipSession::Read, "flash"));
+        QCOMPARE(s.readData(), before);
+        QByteArray edited = s.readData();
+        edited[0x1234] = char(0x5A);
+        QVERIFY(runAction(s, TChipSession::Erase, "flash"));
+        QVERIFY(runAction(s, TChipSession::WriteVerify, "flash", edited));
+        QVERIFY(runAction(s, TChipSession::CompareChip, "flash"));
+        QCOMPARE(s.readData(), edited);
+        QVERIFY(changes.isEmpty());
+        QVERIFY(!ProjectData.isChange());
+        QCOMPARE(ProjectData.getCfgListName(), QStringList{"Main"});
+        QCOMPARE(ProjectData.getIdCfgFromPosCfg(1), -1); // nothing left behind
+        QCOMPARE(chipImage(), edited);
+    }
+
+    // A verify that finds a difference fails the action; the run's log says where.
+    void verifyOfAnotherBufferFails() {
+        QVERIFY(startSim("W25Q80RV", QByteArray(1 << 20, char(0xFF))));
+        WorkerFixture w;
+        w.addProgrammer("Sim", sim);
+        TRunControl control;
+        TChipSession s(&control);
+        s.setProg("Sim");
+        s.setChip("W25Q80RV");
+        QStringList log;
+        connect(&s, &TChipSession::signalEvent, this, [&](TCodeExec, QString text, QString) { log << text; });
+        QVERIFY(!runAction(s, TChipSession::Verify, "flash", QByteArray(16, 0x11)));
+        QVERIFY2(log.join('\n').contains("Address: 0x00, Data: 0x11, Read: 0xFF"),
+                 qPrintable(log.join('\n')));
+        // A busy session refuses a second action, naming why.
+        QVERIFY(s.start(TChipSession::BlankCheck, "flash"));
+        QVERIFY(!s.start(TChipSession::Read, "flash"));
+        QCOMPARE(s.error(), Lang.get(1872));
+        QTRY_VERIFY_WITH_TIMEOUT(!s.isBusy(), 20000);
+    }
+
+    // Detection proposes every part that answers; a unique one becomes the chip.
+    void detectionProposesParts() {
+        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        WorkerFixture w;
+        w.addProgrammer("Sim", sim);
+        TRunControl control;
+        TChipSession s(&control);
+        s.setProg("Sim");
+        QVERIFY(runAction(s, TChipSession::Detect, QString()));
+        QStringList parts = s.detected();
+        parts.sort();
+        QCOMPARE(parts, QStringList({"W25Q80BV", "W25Q80DV", "W25Q80RV"}));
+        QCOMPARE(s.chip(), QString());
+        QVERIFY(startSim("ATtiny85", QByteArray()));
+        QVERIFY(runAction(s, TChipSession::Detect, QString()));
+        QCOMPARE(s.detected(), QStringList{"ATtiny85"});
+        QCOMPARE(s.chip(), QString("ATtiny85"));
+    }
+
+    // Registers go by value; the actions done become a configuration with the user's data file.
+    void registersAndSaveAsConfiguration() {
+        QVERIFY(startSim("ATmega328P", QByteArray()));
+        WorkerFixture w;
+        w.addProgrammer("Sim", sim);
+        ProjectData.clrPrj();
+        ProjectData.updPrjParam({{"work_path", w.dir.path()}});
+        TRunControl control;
+        TChipSession s(&control);
+        s.setProg("Sim");
+        s.setChip("ATmega328P");
+        QVERIFY(!s.offers(TChipSession::CompareChip, "fuses"));
+        QVERIFY(runAction(s, TChipSession::WriteVerify, "fuses", QByteArray(), "e2d9fe"));
+        QVERIFY(runAction(s, TChipSession::Read, "fuses"));
+        QCOMPARE(s.registerValue(), QString("E2D9FE"));
+        QVERIFY(runAction(s, TChipSession::Read, "eeprom"));
+        QCOMPARE(s.readData(), QByteArray(1024, char(0xFF)));
+        const int id = s.saveAsConfiguration(ProjectData, "Chip", w.dir.filePath("data/eeprom.hex"));
+        QVERIFY(id >= 0);
+        QStringList cmds;
+        for (TDataCmd* c : ProjectData.getCmdListCfg(id)) {
+            const TData p = c->getParam();
+            cmds << QStringList{c->getCmdCode(),
+                                p.value("prog").toString(),
+                                p.value("device").toString(),
+                                p.value("data").toString(),
+                                p.value("file").toString(),
+                                p.value("format").toString()}
+                        .join('|');
+            QVERIFY2(c->getValidDev() && c->getValidParam(), qPrintable(cmds.last()));
+        }
+        QCOMPARE(cmds, QStringList({"set_prog|Sim||||", "set_device||ATmega328P||avr/ATmega328P.dev|",
+                                    "fuse_write|||E2D9FE||", "fuse_verify|||E2D9FE||", "fuse_read|||E2D9FE||",
+                                    "eeprom_file_read||||data/eeprom.hex|hex"}));
+        QVERIFY(ProjectData.isChange());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestChipSession)
+#include "test_chip_session.moc"
