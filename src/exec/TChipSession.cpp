@@ -4,7 +4,9 @@
 #include "devices/IDevice.h"
 #include "devices/TDeviceList.h"
 #include "exec/TRunControl.h"
+#include "formats/TFormat.h"
 #include "formats/TFormatGuess.h"
+#include "formats/TSaveAside.h"
 #include "misc/TNormCmdParam.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
@@ -27,6 +29,7 @@ enum LangId {
     TextTempRead = 1875,
     TextNoProg = 1876,
     TextNotStarted = 1877,
+    TextCannotWrite = 1897,
 };
 
 // Temporary files hold raw bytes from address 0 of the memory.
@@ -39,6 +42,7 @@ TChipSession::TChipSession(TRunControl* control, QObject* parent) : QObject(pare
             [this](int id, TCodeExec code, const QString& text, const QString& param) {
                 if (id != idCfg) return;
                 if (detection) detection->event(code, text, param);
+                if (code == ExecFailed) lastError = text;
                 emit signalEvent(code, text, param);
             });
     connect(control, &TRunControl::signalEventProc, this, [this](int id, int percent) {
@@ -191,7 +195,11 @@ void TChipSession::onFinished(int id, TCodeCfgStatus outcome) {
     if (detection) {
         parts = detection->found();
         detection.reset();
-        if (parts.size() == 1) setChip(parts.first());
+        // A chip chosen before stays when it is among the parts that answered.
+        if (parts.size() == 1)
+            setChip(parts.first());
+        else if (!parts.contains(device))
+            device.clear();
         emit signalFinished(Detect, !parts.isEmpty());
         return;
     }
@@ -245,4 +253,27 @@ int TChipSession::saveAsConfiguration(TDataPrj& prj, const QString& name, const 
         TPrjBuilder::addCmd(prj, id, d.code, values);
     }
     return id;
+}
+
+bool TChipSession::doneWithBuffer() const {
+    for (const Done& d : doneCmds)
+        if (d.temp) return true;
+    return false;
+}
+
+bool TChipSession::saveData(const QByteArray& data, const QString& file) {
+    const int chunk = 256;
+    TSaveAside aside(file);
+    if (!aside.begin(false)) return lastError = aside.getErrorText(), false;
+    TFormat out(TFormatGuess::keyOfName(file), aside.path(), 0, 0, qMax(0, data.size() - 1), chunk);
+    bool ok = out.open(FormatModeWrite);
+    for (int at = 0; ok && at < data.size(); at += chunk)
+        ok = out.write(at, data.mid(at, chunk));
+    ok = out.close() && ok;
+    if (!ok) {
+        lastError = Lang.get(TextCannotWrite).arg(file, out.getErrorText());
+        return false;
+    }
+    if (!aside.commit()) return lastError = aside.getErrorText(), false;
+    return true;
 }

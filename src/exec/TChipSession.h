@@ -60,6 +60,11 @@ public:
     // the temporary files replaced by dataFile (relative to the project when it lies beside or below
     // it). Returns the configuration's id, -1 when nothing was done.
     int saveAsConfiguration(TDataPrj& prj, const QString& name, const QString& dataFile) const;
+    // Whether one of the actions done used the buffer, which the configuration then needs as a file.
+    bool doneWithBuffer() const;
+    // Writes data from address 0 into file, in the format its name asks for, aside first so that a
+    // failure leaves the previous file as it was; false with error().
+    bool saveData(const QByteArray& data, const QString& file);
 
 signals:
     void signalEvent(TCodeExec code, QString text, QString param);

@@ -21,6 +21,7 @@
 #include "ui/TDialogLanguage.h"
 #include "ui/TDialogSelectPrjList.h"
 #include "ui/TDialogSettings.h"
+#include "ui/TDockChip.h"
 #include "ui/THotKeys.h"
 #include "ui/TWgtCfg.h"
 #include "ui/TWgtCmdList.h"
@@ -71,6 +72,7 @@ TMainWindow::TMainWindow(QWidget* parent)
     statusBar()->addWidget(statusPrj, 1);
     statusBar()->addPermanentWidget(statusRun);
     createActions();
+    createChipPanel();
     createMenus();
     createToolBar();
     applyIconSet();
@@ -201,6 +203,7 @@ void TMainWindow::createMenus() {
         {"AddCfg", "RenameCfg", "", "MoveCfgLeft", "MoveCfgRight", "", "DeleteCfg"});
     add(menuBar()->addMenu(Lang.get(8)),
         {"Run", "RunAll", "", "Stop", "StopAll", "", "Continue", "ContinueAll"});
+    menuBar()->addMenu(Lang.get(1896))->addAction(chipDock->toggleViewAction());
     add(menuBar()->addMenu(Lang.get(15)), {"Settings", "Language", "PrjLists", "", "HexView"});
     add(menuBar()->addMenu(Lang.get(20)), {"GettingStarted", "Shortcuts", "", "About"});
     fillRecentMenu();
@@ -556,6 +559,10 @@ int TMainWindow::runCount() const {
 
 void TMainWindow::connectRunControl() {
     control->setStartGate([this](int idCfg) {
+        // The chip panel's runs are outside the project and start no programs; their fuse writes are
+        // asked about like any other.
+        const TDataCfg* cfg = ProjectData.getCfgObject(idCfg);
+        if (cfg && cfg->isTransient()) return confirmLockOut(idCfg);
         return cfgViews.contains(idCfg) && confirmProcess(idCfg) && confirmLockOut(idCfg);
     });
     control->setShowDurations([] { return AppData.logShowTime; });
@@ -674,6 +681,8 @@ void TMainWindow::loadWindowSettings() {
     if (tree > 0) splitter->setSizes({tree, qMax(200, width() - tree)});
     recent = s.value("/Main/RecentPrj").toStringList();
     fillRecentMenu();
+    // The docks' places and whether they are shown.
+    restoreState(s.value("/WindowMain/State").toByteArray());
 }
 
 void TMainWindow::saveWindowSettings() const {
@@ -686,6 +695,7 @@ void TMainWindow::saveWindowSettings() const {
     s.setValue("/WindowMain/Maximized", isMaximized());
     s.setValue("/WindowMain/TreeWidth", splitter->sizes().value(0));
     s.setValue("/Main/RecentPrj", recent);
+    s.setValue("/WindowMain/State", saveState());
     s.sync();
 }
 
@@ -709,6 +719,8 @@ void TMainWindow::actSettings() {
     applyIconSet();
     for (TWgtCfg* view : cfgViews)
         view->log()->applySettings();
+    chipDock->loadProgs();
+    chipDock->log()->applySettings();
 }
 
 void TMainWindow::actLanguage() {

@@ -1,0 +1,207 @@
+#include "app/TAppData.h"
+#include "app/TLang.h"
+#include "app/TSettings.h"
+#include "exec/TRunJournal.h"
+#include "link/CLink.h"
+#include "project/TDataCmd.h"
+#include "project/TDataPrj.h"
+#include "support/SimFixture.h"
+#include "ui/TDockChip.h"
+#include "ui/TMainWindow.h"
+#include "ui/TWgtLogExec.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTextEdit>
+#include <QtTest>
+
+// Answers the window's questions in place of the user.
+class ChipWindow : public TMainWindow {
+public:
+    QStringList errors;
+    QString cfgName = "Chip", dataFile;
+
+protected:
+    void showError(const QString& text) override { errors << text; }
+    bool askCfg(int, QString& name, QString&) override {
+        name = cfgName;
+        return true;
+    }
+    bool askDataFile(QString& file) override {
+        file = dataFile;
+        return !file.isEmpty();
+    }
+};
+
+// The chip panel in the window against the simulator, driven through its buttons as a user would.
+class TestGuiChip : public QObject {
+    Q_OBJECT
+    QTemporaryDir dir;
+    QString prj;
+    SimFixture sim;
+
+    bool startSim(const QString& chip, const QByteArray& image) {
+        QFile f(sim.path("image.bin"));
+        if (!f.open(QIODevice::WriteOnly) || f.write(image) != image.size()) return false;
+        f.close();
+        if (!sim.start({"--chip", chip, "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()}))
+            return false;
+        AppData.progName.clear();
+        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        return true;
+    }
+
+    QByteArray chipImage() {
+        sim.stop();
+        QFile f(sim.path("image.bin"));
+        f.open(QIODevice::ReadOnly);
+        return f.readAll();
+    }
+
+    // Clicks an action's button and waits for its end; the panel's status line.
+    static QString click(TDockChip* panel, TChipSession::Action action) {
+        QPushButton* b = panel->button(action);
+        if (!b->isEnabled()) return QStringLiteral("(disabled)");
+        QTest::mouseClick(b, Qt::LeftButton);
+        if (!QTest::qWaitFor([&] { return !panel->isBusy(); }, 30000)) return QStringLiteral("(timeout)");
+        return panel->statusText();
+    }
+
+    static QString logText(TDockChip* panel) { return panel->log()->textEdit()->toPlainText(); }
+
+    static QByteArray pattern(int size) {
+        QByteArray b(size, 0);
+        for (int i = 0; i < size; ++i)
+            b[i] = char((i * 13 + 5) & 0xFF);
+        return b;
+    }
+
+    static QByteArray readFile(const QString& name) {
+        QFile f(name);
+        f.open(QIODevice::ReadOnly);
+        return f.readAll();
+    }
+
+private slots:
+    void initTestCase() {
+        qRegisterMetaType<TCodeView>("TCodeView");
+        qRegisterMetaType<TData>("TData");
+        TSettings::setFileNameIniOverride(dir.filePath("t.ini"));
+        AppData.loadData();
+        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
+        AppData.pathProgs = QStringLiteral(TARVELIX_DATA_DIR "/progs");
+        AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
+        AppData.confirmQuit = false;
+        AppData.confirmSavePrj = false;
+        AppData.openLastPrj = false;
+        AppData.logShowTime = false;
+        AppData.selectPrjListFile = dir.filePath("sp.lpl");
+        for (const char* name : {"demo.prj", "demo.hex"})
+            QVERIFY(QFile::copy(QStringLiteral(TARVELIX_DATA_DIR "/projects/") + name, dir.filePath(name)));
+        prj = dir.filePath("demo.prj");
+    }
+
+    // Detect, read into the buffer, edit a byte, write + verify and compare: the chip ends as the
+    // buffer, and the open project is neither shown the runs nor changed by them.
+    void detectReadEditWriteVerify() {
+        const QByteArray image = pattern(1 << 20);
+        QVERIFY(startSim("W25Q80RV", image));
+        ChipWindow w;
+        QVERIFY(w.openProject(prj));
+        const int tabs = w.cfgTabWidget()->count();
+        TDockChip* panel = w.chipPanel();
+        panel->loadProgs();
+        QCOMPARE(click(panel, TChipSession::Detect), Lang.get(1884).arg("W25Q80BV, W25Q80DV, W25Q80RV"));
+        QVERIFY(!panel->button(TChipSession::Read)->isEnabled()); // several parts: the user chooses
+        auto* parts = panel->findChild<QComboBox*>("ChipPart");
+        QCOMPARE(parts->count(), 3);
+        emit parts->textActivated("W25Q80RV");
+        QCOMPARE(panel->session()->chip(), QString("W25Q80RV"));
+        QVERIFY(!panel->button(TChipSession::Read)->property("hidden").toBool());
+        QCOMPARE(click(panel, TChipSession::Read), Lang.get(1886).arg(1 << 20));
+        QCOMPARE(panel->buffer(), image);
+        QByteArray edited = panel->buffer();
+        edited[0x10] = char(0xA5);
+        panel->setBuffer(edited);
+        QCOMPARE(click(panel, TChipSession::CompareChip), Lang.get(1892));
+        QCOMPARE(click(panel, TChipSession::Erase), QString());
+        QCOMPARE(click(panel, TChipSession::WriteVerify), QString());
+        QVERIFY2(logText(panel).contains("Verified 1,048,576 bytes"), qPrintable(logText(panel)));
+        QCOMPARE(click(panel, TChipSession::CompareChip), Lang.get(1891));
+        QCOMPARE(w.cfgTabWidget()->count(), tabs);
+        QVERIFY(!ProjectData.isChange());
+        QVERIFY(w.errors.isEmpty());
+        QCOMPARE(chipImage(), edited);
+    }
+
+    // A failing verify is a failed action with the address in its log and the status line.
+    void verifyOfAnotherChipFails() {
+        QVERIFY(startSim("W25Q80RV", QByteArray(1 << 20, char(0xFF))));
+        ChipWindow w;
+        TDockChip* panel = w.chipPanel();
+        panel->loadProgs();
+        QVERIFY(panel->selectChip("W25Q80RV"));
+        panel->setBuffer(QByteArray(4, 0x00));
+        QCOMPARE(click(panel, TChipSession::Verify),
+                 "Verify failed, range 0x00..0xFFFFF\nAddress: 0x00, Data: 0x00, Read: 0xFF");
+        QVERIFY2(logText(panel).contains("Address: 0x00, Data: 0x00, Read: 0xFF"),
+                 qPrintable(logText(panel)));
+    }
+
+    // The actions done become a configuration of the project, with the buffer in the named file; undo
+    // takes it back. The runs go to the log folder like any other.
+    void saveAsConfigurationAndLogFolder() {
+        QVERIFY(startSim("ATmega328P", QByteArray()));
+        QTemporaryDir logs;
+        AppData.logDir = logs.path();
+        ChipWindow w;
+        QVERIFY(w.openProject(prj));
+        TDockChip* panel = w.chipPanel();
+        panel->loadProgs();
+        QVERIFY(panel->selectChip("ATmega328P"));
+        QVERIFY(panel->selectMemory("eeprom"));
+        const QByteArray data = pattern(1024);
+        panel->setBuffer(data);
+        QCOMPARE(click(panel, TChipSession::WriteVerify), QString());
+        QVERIFY(panel->selectMemory("fuses"));
+        QCOMPARE(click(panel, TChipSession::Read), Lang.get(1887).arg(Lang.get(1880), "FFFFFF"));
+        QCOMPARE(panel->value(), QString("FFFFFF"));
+        const int cfgs = ProjectData.getCfgList().size();
+        w.dataFile = dir.filePath("data/ee.bin");
+        QDir(dir.path()).mkpath("data");
+        const int id = w.saveChipAsCfg();
+        QVERIFY2(id >= 0, qPrintable(w.errors.join('\n')));
+        QCOMPARE(readFile(w.dataFile), data);
+        QStringList cmds;
+        for (TDataCmd* c : ProjectData.getCmdListCfg(id))
+            for (const char* key : {"prog", "device", "file", "data"})
+                if (c->getParam().contains(key))
+                    cmds << c->getCmdCode() + " " + c->getParam().value(key).toString();
+        QCOMPARE(cmds, QStringList({"set_prog Simulator", "set_device ATmega328P",
+                                    "set_device avr/ATmega328P.dev", "eeprom_file_write data/ee.bin",
+                                    "eeprom_file_verify data/ee.bin", "fuse_read FFFFFF"}));
+        QCOMPARE(ProjectData.getCfgList().size(), cfgs + 1);
+        QVERIFY(ProjectData.isChange());
+        QVERIFY(w.undo());
+        QCOMPARE(ProjectData.getCfgList().size(), cfgs);
+        AppData.logDir.clear();
+        // One text block and one JSON line per run.
+        const QString text = QString::fromUtf8(readFile(QDir(logs.path()).filePath(TRunJournal::textFile)));
+        QVERIFY2(text.contains(Lang.get(1873).arg(Lang.get(1860))), qPrintable(text));
+        const QList<QByteArray> lines =
+            readFile(QDir(logs.path()).filePath(TRunJournal::jsonFile)).trimmed().split('\n');
+        QCOMPARE(lines.size(), 2);
+        const QJsonObject first = QJsonDocument::fromJson(lines.first()).object();
+        QCOMPARE(first.value("configuration").toString(), Lang.get(1873).arg(Lang.get(1860)));
+        QCOMPARE(first.value("chip").toString(), QString("ATmega328P"));
+        QCOMPARE(first.value("result").toString(), QString("ok"));
+    }
+};
+
+QTEST_MAIN(TestGuiChip)
+#include "test_gui_chip.moc"
