@@ -2,6 +2,7 @@
 
 #include "app/TAppData.h"
 #include "app/TLang.h"
+#include "misc/TRangeReport.h"
 #include "project/TChipCmds.h"
 #include "ui/TDialogSelectDevice.h"
 #include "ui/TWgtHexView.h"
@@ -217,7 +218,7 @@ void TDockChip::finished(int action, bool ok) {
         showStatus(Lang.get(TextRegisterRead).arg(memories->currentText(), chip->registerValue()), false);
     } else if (action == TChipSession::Read) {
         setBuffer(chip->readData());
-        showStatus(Lang.get(TextReadBytes).arg(chip->readData().size()), false);
+        showStatus(Lang.get(TextReadBytes).arg(TRangeReport::countText(chip->readData().size())), false);
     } else if (action == TChipSession::CompareChip) {
         const bool same = chip->readData() == buffer();
         showStatus(Lang.get(same ? TextMatches : TextDiffers), !same);

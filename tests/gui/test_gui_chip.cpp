@@ -123,7 +123,7 @@ private slots:
         emit parts->textActivated("W25Q80RV");
         QCOMPARE(panel->session()->chip(), QString("W25Q80RV"));
         QVERIFY(!panel->button(TChipSession::Read)->property("hidden").toBool());
-        QCOMPARE(click(panel, TChipSession::Read), Lang.get(1886).arg(1 << 20));
+        QCOMPARE(click(panel, TChipSession::Read), Lang.get(1886).arg("1,048,576"));
         QCOMPARE(panel->buffer(), image);
         QByteArray edited = panel->buffer();
         edited[0x10] = char(0xA5);

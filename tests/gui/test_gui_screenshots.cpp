@@ -11,11 +11,13 @@
 #include "ui/TDialogHexView.h"
 #include "ui/TDialogSelectDevice.h"
 #include "ui/TDialogSettings.h"
+#include "ui/TDockChip.h"
+#include "ui/TFormCmd.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
-#include "ui/TFormCmd.h"
 #include "ui/TWgtHexView.h"
 
+#include <QAction>
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -115,6 +117,7 @@ private slots:
     void mainWindow() {
         TMainWindow w;
         w.resize(1280, 800);
+        w.chipPanel()->hide();
         w.show();
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
         const int timing = ProjectData.getIdCfgFromNameCfg("Timing");
@@ -129,6 +132,37 @@ private slots:
         w.closeProject();
     }
 
+    // The chip panel beside the project after a read of an SPI flash.
+    void chipPanel() {
+        SimFixture sim;
+        QByteArray image;
+        while (image.size() < (1 << 20))
+            image += QStringLiteral("Tarvelix boot %1 ")
+                         .arg(image.size() / 18, 5, 10, QLatin1Char('0'))
+                         .toLatin1();
+        QFile f(sim.path("image.bin"));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(image.left(1 << 20));
+        f.close();
+        QVERIFY(sim.start(
+            {"--chip", "W25Q80RV", "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()}));
+        AppData.progName.clear();
+        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        TMainWindow w;
+        w.resize(1280, 800);
+        w.show();
+        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        TDockChip* panel = w.chipPanel();
+        w.resizeDocks({panel}, {620}, Qt::Horizontal);
+        panel->loadProgs();
+        QVERIFY(panel->selectChip("W25Q80RV"));
+        QVERIFY(panel->start(TChipSession::Read));
+        QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), 20000);
+        QCOMPARE(panel->buffer(), image.left(1 << 20));
+        save(w, "chip_panel", QSize(1280, 800));
+        w.closeProject();
+    }
+
     // The 24C256 configuration against an empty two-wire socket: the failed run's block.
     void failedRun() {
         SimFixture sim;
@@ -137,6 +171,7 @@ private slots:
         AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
         TMainWindow w;
         w.resize(1280, 800);
+        w.chipPanel()->hide();
         w.show();
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
         const int eeprom = ProjectData.getIdCfgFromNameCfg("24C256 EEPROM");
@@ -158,6 +193,7 @@ private slots:
         AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
         TMainWindow w;
         w.resize(1280, 800);
+        w.chipPanel()->hide();
         w.show();
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
         const int check = ProjectData.getIdCfgFromNameCfg("Programmer check");
@@ -188,8 +224,8 @@ private slots:
     void commandForms() {
         TMainWindow w;
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
-        for (const QString& code : {QStringLiteral("set_vicc"), QStringLiteral("file_write"),
-                                    QStringLiteral("set_device")}) {
+        for (const QString& code :
+             {QStringLiteral("set_vicc"), QStringLiteral("file_write"), QStringLiteral("set_device")}) {
             TDataCmd* cmd = findCmd(code);
             QVERIFY2(cmd, qPrintable(code));
             saveForm(cmd->getGroupObject(), cmd->getData(), "form_" + code);
