@@ -35,6 +35,12 @@ enum LangId {
 // Temporary files hold raw bytes from address 0 of the memory.
 const QString kFormat = QStringLiteral("bin");
 
+// A data file the user names: standard Intel HEX for a HEX name, which other tools read alike, else
+// raw binary.
+QString dataFileFormat(const QString& file) {
+    return TFormatGuess::keyOfName(file) == QLatin1String("hex") ? QStringLiteral("ihex") : kFormat;
+}
+
 } // namespace
 
 TChipSession::TChipSession(TRunControl* control, QObject* parent) : QObject(parent), control(control) {
@@ -59,9 +65,15 @@ TChipSession::~TChipSession() {
     dropCfg();
 }
 
+void TChipSession::setProg(const QString& name) {
+    if (name != progName) doneCmds.clear();
+    progName = name;
+}
+
 bool TChipSession::setChip(const QString& name) {
     const QHash<QString, QString> list = DeviceList.getDeviceList();
     if (!list.contains(name)) return false;
+    if (name != device) doneCmds.clear();
     device = name;
     deviceFile = list.value(name);
     return true;
@@ -198,8 +210,10 @@ void TChipSession::onFinished(int id, TCodeCfgStatus outcome) {
         // A chip chosen before stays when it is among the parts that answered.
         if (parts.size() == 1)
             setChip(parts.first());
-        else if (!parts.contains(device))
+        else if (!parts.contains(device)) {
             device.clear();
+            doneCmds.clear();
+        }
         emit signalFinished(Detect, !parts.isEmpty());
         return;
     }
@@ -248,7 +262,7 @@ int TChipSession::saveAsConfiguration(TDataPrj& prj, const QString& name, const 
         TData values = d.values;
         if (d.temp) {
             values.insert(CTagCmdRWV::file, file);
-            values.insert(CTagCmdRWV::format, TFormatGuess::keyOfName(dataFile));
+            values.insert(CTagCmdRWV::format, dataFileFormat(dataFile));
         }
         TPrjBuilder::addCmd(prj, id, d.code, values);
     }
@@ -265,7 +279,7 @@ bool TChipSession::saveData(const QByteArray& data, const QString& file) {
     const int chunk = 256;
     TSaveAside aside(file);
     if (!aside.begin(false)) return lastError = aside.getErrorText(), false;
-    TFormat out(TFormatGuess::keyOfName(file), aside.path(), 0, 0, qMax(0, data.size() - 1), chunk);
+    TFormat out(dataFileFormat(file), aside.path(), 0, 0, qMax(0, data.size() - 1), chunk);
     bool ok = out.open(FormatModeWrite);
     for (int at = 0; ok && at < data.size(); at += chunk)
         ok = out.write(at, data.mid(at, chunk));

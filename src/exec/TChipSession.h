@@ -31,7 +31,8 @@ public:
     explicit TChipSession(TRunControl* control, QObject* parent = nullptr);
     ~TChipSession() override;
 
-    void setProg(const QString& name) { progName = name; }
+    // Another programmer or chip starts a new list of actions done: they belong to one pair.
+    void setProg(const QString& name);
     QString prog() const { return progName; }
     // A part of the catalogue; false (nothing changed) for an unknown one.
     bool setChip(const QString& device);

@@ -9,6 +9,7 @@
 #include "support/SimFixture.h"
 #include "support/WorkerFixture.h"
 
+#include <QProcess>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -189,8 +190,28 @@ private slots:
         }
         QCOMPARE(cmds, QStringList({"set_prog|Sim||||", "set_device||ATmega328P||avr/ATmega328P.dev|",
                                     "fuse_write|||E2D9FE||", "fuse_verify|||E2D9FE||", "fuse_read|||E2D9FE||",
-                                    "eeprom_file_read||||data/eeprom.hex|hex"}));
+                                    "eeprom_file_read||||data/eeprom.hex|ihex"}));
         QVERIFY(ProjectData.isChange());
+    }
+
+    // The buffer saved for a configuration: Intel HEX as srec_cat reads it, above 64 KiB too, and a
+    // failed save keeps the previous file.
+    void savedDataIsStandardIntelHex() {
+        TRunControl control;
+        TChipSession s(&control);
+        QTemporaryDir dir;
+        const QByteArray data = pattern(70000, 9);
+        const QString hex = dir.filePath("d.hex"), bin = dir.filePath("d.bin");
+        QVERIFY2(s.saveData(data, hex), qPrintable(s.error()));
+        QProcess p;
+        p.start("srec_cat", {hex, "-intel", "-o", bin, "-binary"});
+        QVERIFY(p.waitForFinished(10000));
+        QCOMPARE(p.exitCode(), 0);
+        QFile f(bin);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll(), data);
+        QVERIFY(!s.saveData(data, dir.filePath("no/such/folder/d.bin")));
+        QVERIFY(s.error().contains("no/such/folder"));
     }
 };
 
