@@ -9,6 +9,7 @@
 #include "devices/IDevice.h"
 #include "devices/TDevToolsExec.h"
 #include "exec/TRunControl.h"
+#include "exec/TRunCounts.h"
 #include "exec/TRunJournal.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
@@ -416,6 +417,8 @@ bool TMainWindow::openProject(const QString& file) {
     history.markSaved();
     processConfirmed = false;
     addRecent(abs);
+    for (const QString& name : ProjectData.getCfgListName())
+        control->setTally(ProjectData.getIdCfgFromNameCfg(name), TRunCounts::load(abs, name));
     rebuildTabs();
     updateTitle();
     reportProblems(abs, data);
@@ -610,7 +613,12 @@ void TMainWindow::runPaused(int idCfg) {
 }
 
 void TMainWindow::runFinished(int idCfg, TCodeCfgStatus outcome) {
-    if (TWgtCfg* view = cfgViews.value(idCfg)) view->log()->blockLogText(false);
+    if (TWgtCfg* view = cfgViews.value(idCfg)) {
+        view->log()->blockLogText(false);
+        const QString file = ProjectData.getPrjFileName();
+        if (!file.isEmpty())
+            TRunCounts::save(file, ProjectData.getNameCfgFromIdCfg(idCfg), control->tally(idCfg));
+    }
     if (outcome == CfgStatusStopped)
         statusBar()->showMessage(Lang.get(1306).arg(ProjectData.getNameCfgFromIdCfg(idCfg)));
     else if (!control->isPaused(idCfg) && control->pausedRuns().isEmpty())
