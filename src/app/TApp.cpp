@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QLayout>
 #include <QPalette>
 #include <QPushButton>
 #include <QScreen>
@@ -171,6 +172,14 @@ QDialogButtonBox* TApp::createOkCancel(QDialog* dialog, QPushButton** ok) {
 QColor TApp::getErrorColorReadable(const QPalette& palette) {
     return palette.color(QPalette::Window).lightness() >= 128 ? QColor(0xB0, 0x10, 0x10)
                                                               : QColor(0xFF, 0x8A, 0x80);
+}
+
+void TApp::growToContents(QWidget* dialog) {
+    QLayout* box = dialog->layout();
+    if (!box) return;
+    const int need =
+        box->hasHeightForWidth() ? box->totalHeightForWidth(dialog->width()) : box->totalSizeHint().height();
+    if (need > dialog->height()) dialog->resize(dialog->width(), need);
 }
 
 QLabel* TApp::createErrorLabel(QWidget* parent) {

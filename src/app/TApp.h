@@ -47,6 +47,8 @@ public:
     static QDialogButtonBox* createOkCancel(QDialog* dialog, QPushButton** ok = nullptr);
     // A line that shows why a dialog cannot be accepted yet, in the error colour.
     static QLabel* createErrorLabel(QWidget* parent);
+    // Grows a dialog whose contents need more height (a longer reason), rather than clip them.
+    static void growToContents(QWidget* dialog);
 
     static QStringList getStylesApp();
     static void setStyleApp(const QString& name);

@@ -21,12 +21,6 @@
 namespace {
 constexpr int text_where = 1010;
 constexpr int text_bad_param = 1014;
-constexpr int text_warning_hex = 1016;
-
-// The HEX dialect writes Extended Segment Address records for a range whose last record address lies
-// in this window; other tools read them as segments.
-constexpr qint64 segment_window_first = 0x10000;
-constexpr qint64 segment_window_last = 0xFFFFF;
 
 bool isOneOf(const QString& code, std::initializer_list<const char*> codes) {
     for (const char* c : codes)
@@ -181,9 +175,5 @@ bool TRunCheck::checkFile(const Item& item) {
 QString TRunCheck::getWarning(const TData& data) {
     FileUse use;
     if (!writesFile(data, use)) return QString();
-    const qint64 lastRecord = use.addrFile + (use.last - use.addrDevice);
-    if (TFormat::getKey(use.format) != "hex" || lastRecord < segment_window_first ||
-        lastRecord > segment_window_last)
-        return QString();
-    return Lang.get(text_warning_hex);
+    return TFormat::getWarning(use.format, use.addrFile + (use.last - use.addrDevice));
 }

@@ -4,6 +4,16 @@
 #include "formats/TFormatHEX.h"
 #include "formats/TFormatIHEX.h"
 
+#include "app/TLang.h"
+
+namespace {
+constexpr int text_warning_hex = 1016;
+// The HEX dialect writes Extended Segment Address records for a range whose last record address lies
+// in this window; other tools read them as segments.
+constexpr qint64 segment_window_first = 0x10000;
+constexpr qint64 segment_window_last = 0xFFFFF;
+} // namespace
+
 TFormat::TFormat(QString key, QString file, long long addr_file, long long addr_device,
                  long long last_address, long long chunk) {
     // An unknown key is not an error: it falls back to Intel HEX.
@@ -60,4 +70,11 @@ QString TFormat::getKey(const QString& key) {
 
 QString TFormat::getMaskFormats() {
     return "*.bin *.hex";
+}
+
+QString TFormat::getWarning(const QString& key, qint64 lastAddress) {
+    if (getKey(key) != QLatin1String("hex") || lastAddress < segment_window_first ||
+        lastAddress > segment_window_last)
+        return QString();
+    return Lang.get(text_warning_hex);
 }

@@ -29,6 +29,9 @@ public:
     // The key of the format that reads key: "bin", "bin+", "ihex", or "hex" for any other text.
     static QString getKey(const QString& key);
     static QString getMaskFormats();
+    // Why a file of this format written up to file address lastAddress may mislead other tools (the HEX
+    // dialect's type 02 records below 1 MiB), or empty.
+    static QString getWarning(const QString& key, qint64 lastAddress);
 
 private:
     std::unique_ptr<IFormat> format;

@@ -42,9 +42,5 @@ void TDialogCmdParam::updateState() {
     error->setText(reason);
     error->setVisible(!reason.isEmpty());
     ok->setEnabled(reason.isEmpty());
-    // A longer reason takes more lines: the dialog grows rather than clip it.
-    QLayout* box = layout();
-    const int need =
-        box->hasHeightForWidth() ? box->totalHeightForWidth(width()) : box->totalSizeHint().height();
-    if (need > height()) resize(width(), need);
+    TApp::growToContents(this);
 }

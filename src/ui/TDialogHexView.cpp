@@ -2,7 +2,7 @@
 
 #include "app/TApp.h"
 #include "app/TLang.h"
-#include "formats/TFormat.h"
+#include "misc/THexBuffer.h"
 #include "ui/TWgtHexView.h"
 
 #include <QDialogButtonBox>
@@ -27,24 +27,13 @@ TDialogHexView::TDialogHexView(QWidget* parent) : QDialog(parent) {
 
 bool TDialogHexView::loadFile(const QString& file) {
     const bool isHex = QFileInfo(file).suffix().compare(QLatin1String("hex"), Qt::CaseInsensitive) == 0;
-    TFormat format(isHex ? QStringLiteral("hex") : QStringLiteral("bin"), file, 0, 0, maxSize - 1, 64 * 1024);
     QByteArray image;
-    bool ok = format.open(FormatModeRead);
-    long long addr = 0;
-    while (ok) {
-        QByteArray piece;
-        ok = format.read(addr, piece);
-        if (!ok || piece.isEmpty()) break;
-        if (addr + piece.size() > image.size())
-            image.append(int(addr + piece.size() - image.size()), char(0xFF));
-        image.replace(int(addr), piece.size(), piece);
-        addr += piece.size();
-    }
-    if (!ok) {
-        errorText = Lang.get(105).arg(file, format.getErrorText());
+    QString why;
+    if (!THexBuffer::readImage(file, isHex ? QStringLiteral("hex") : QStringLiteral("bin"), 0, maxSize, image,
+                               why)) {
+        errorText = Lang.get(105).arg(file, why);
         return false;
     }
-    format.close();
     hex->setData(image);
     info->setText(
         QStringLiteral("%1  —  %2").arg(QFileInfo(file).fileName(), Lang.get(107).arg(image.size())));

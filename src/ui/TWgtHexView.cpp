@@ -26,26 +26,53 @@ void TWgtHexView::setData(const QByteArray& data) {
     viewport()->update();
 }
 
+void TWgtHexView::setAddressBase(qint64 base) {
+    addressBase = base;
+    viewport()->update();
+}
+
 int TWgtHexView::rowCount() const {
-    return int((image.size() + bytesPerRow - 1) / bytesPerRow);
+    return int((viewData().size() + bytesPerRow - 1) / bytesPerRow);
+}
+
+QString TWgtHexView::byteHex(uchar b) {
+    return QStringLiteral("%1").arg(b, 2, 16, QLatin1Char('0')).toUpper();
+}
+
+QChar TWgtHexView::byteChar(uchar b) {
+    return (b >= 0x20 && b < 0x7F) ? QChar(b) : QLatin1Char('.');
+}
+
+QString TWgtHexView::addressText(int row) const {
+    return QStringLiteral("%1")
+        .arg(addressBase + qint64(row) * bytesPerRow, addressDigits, 16, QLatin1Char('0'))
+        .toUpper();
 }
 
 QString TWgtHexView::rowText(int row) const {
+    const QByteArray& bytes = viewData();
     const qint64 start = qint64(row) * bytesPerRow;
     QString hex, text;
     for (int i = 0; i < bytesPerRow; ++i) {
         const qint64 at = start + i;
-        if (at < image.size()) {
-            const unsigned char b = static_cast<unsigned char>(image.at(int(at)));
-            hex += QStringLiteral("%1 ").arg(b, 2, 16, QLatin1Char('0')).toUpper();
-            text += (b >= 0x20 && b < 0x7F) ? QChar(b) : QLatin1Char('.');
+        if (at < bytes.size()) {
+            const uchar b = static_cast<uchar>(bytes.at(int(at)));
+            hex += byteHex(b) + QLatin1Char(' ');
+            text += byteChar(b);
         } else {
             hex += QStringLiteral("   ");
         }
-        if (i == 7) hex += QLatin1Char(' ');
+        if (i == bytesPerRow / 2 - 1) hex += QLatin1Char(' ');
     }
-    const QString address = QStringLiteral("%1").arg(start, 8, 16, QLatin1Char('0')).toUpper();
-    return QStringLiteral("%1  %2 |%3|").arg(address, hex, text);
+    return QStringLiteral("%1  %2 |%3|").arg(addressText(row), hex, text);
+}
+
+int TWgtHexView::charWidth() const {
+    return fontMetrics().horizontalAdvance(QLatin1Char('0'));
+}
+
+int TWgtHexView::leftEdge() const {
+    return 4 - horizontalScrollBar()->value();
 }
 
 int TWgtHexView::visibleRows() const {
@@ -79,8 +106,11 @@ void TWgtHexView::paintEvent(QPaintEvent*) {
     const int line = fontMetrics().height();
     const int first = firstVisibleRow();
     const int last = qMin(rowCount(), first + visibleRows() + 1);
-    const int x = 4 - horizontalScrollBar()->value();
     paintedRows = 0;
     for (int row = first; row < last; ++row, ++paintedRows)
-        painter.drawText(x, (row - first) * line + fontMetrics().ascent(), rowText(row));
+        paintRow(painter, row, leftEdge(), (row - first) * line + fontMetrics().ascent());
+}
+
+void TWgtHexView::paintRow(QPainter& painter, int row, int x, int y) {
+    painter.drawText(x, y, rowText(row));
 }
