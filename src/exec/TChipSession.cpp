@@ -123,7 +123,8 @@ bool TChipSession::saveTemp(const QByteArray& data, QString& file) {
     return false;
 }
 
-bool TChipSession::start(Action action, const QString& memory, const QByteArray& data, const QString& value) {
+bool TChipSession::start(Action action, const QString& memory, const QByteArray& data, const QString& value,
+                         quint32 base) {
     lastError.clear();
     if (isBusy()) {
         lastError = Lang.get(TextBusy);
@@ -144,6 +145,8 @@ bool TChipSession::start(Action action, const QString& memory, const QByteArray&
     if (!temp) temp = std::make_unique<QTemporaryDir>();
     current = action;
     currentMemory = memory;
+    bufferBase = base;
+    bufferSize = data.size();
     currentFile.clear();
     dataRead.clear();
     valueRead.clear();
@@ -173,9 +176,17 @@ bool TChipSession::build(Action action, const QString& memory, const QString& fi
     for (const Step& s : stepsOf(action, memory)) {
         Done d{TChipCmds::code(dev, s.op, s.memory), TChipCmds::values(s.op, s.memory, file, kFormat, value),
                !file.isEmpty()};
+        if (d.temp) bufferRange(s.op, d.values);
         pending.append({TPrjBuilder::addCmd(ProjectData, idCfg, d.code, d.values), d});
     }
     return true;
+}
+
+// The buffer goes to the chip from its own first address; a read fills it from the memory's start.
+void TChipSession::bufferRange(TChipCmds::Op op, TData& values) const {
+    if (op != TChipCmds::Write && op != TChipCmds::Verify) return;
+    values.insert(CTagCmdRWV::addr_device, qint64(bufferBase));
+    values.insert(CTagCmdRWV::count, bufferSize);
 }
 
 bool TChipSession::startRun(const QString& title) {

@@ -43,8 +43,9 @@ public:
     // Starts an action on a memory; data is the buffer that Write, Verify and Write + Verify send, value
     // the register value they write. Detect reads the identification through every family in turn and
     // needs no chip. False, with error(), when nothing was started.
+    // base is the device address of the buffer's first byte.
     bool start(Action action, const QString& memory, const QByteArray& data = QByteArray(),
-               const QString& value = QString());
+               const QString& value = QString(), quint32 base = 0);
     void stop();
     bool isBusy() const { return idCfg >= 0; }
     QString error() const { return lastError; }
@@ -79,6 +80,8 @@ private:
     };
     static QList<Step> stepsOf(Action action, const QString& memory);
     bool build(Action action, const QString& memory, const QString& file, const QString& value);
+    // The range of the buffer's file for its write and verify commands.
+    void bufferRange(TChipCmds::Op op, TData& values) const;
     bool startRun(const QString& title);
     bool saveTemp(const QByteArray& data, QString& file);
     void onFinished(int id, TCodeCfgStatus outcome);
@@ -92,6 +95,8 @@ private:
     int idCfg = -1;
     Action current = Detect;
     QString currentMemory, currentFile;
+    quint32 bufferBase = 0;
+    qint64 bufferSize = 0;
     QList<QPair<int, Done>> pending; // commands of the current run
     std::unique_ptr<TChipDetect> detection;
     QByteArray dataRead;

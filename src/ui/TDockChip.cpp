@@ -2,18 +2,22 @@
 
 #include "app/TAppData.h"
 #include "app/TLang.h"
+#include "misc/THexBuffer.h"
 #include "misc/TRangeReport.h"
 #include "project/TChipCmds.h"
 #include "ui/TDialogSelectDevice.h"
-#include "ui/TWgtHexView.h"
+#include "ui/TWgtHexEdit.h"
 #include "ui/TWgtLogExec.h"
 
 #include <QComboBox>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -38,6 +42,14 @@ enum LangId {
     TextRegisterRead = 1887,
     TextMatches = 1891,
     TextDiffers = 1892,
+    TextCompareFile = 1862,
+    TextFileDiffers = 1898,
+    TextOpenFile = 1899,
+    TextSaveFile = 1900,
+    TextLoaded = 1901,
+    TextSaved = 1902,
+    TextFileMask = 1903,
+    TextNoDiffs = 1804,
 };
 
 const QStringList kMemoryKeys = {"flash", "eeprom", "fuses", "lock", "status"};
@@ -45,7 +57,8 @@ const QStringList kMemoryKeys = {"flash", "eeprom", "fuses", "lock", "status"};
 } // namespace
 
 TDockChip::TDockChip(TRunControl* control, QWidget* parent)
-    : QDockWidget(Lang.get(TextTitle), parent), chip(new TChipSession(control, this)) {
+    : QDockWidget(Lang.get(TextTitle), parent), chip(new TChipSession(control, this)),
+      buf(new THexBuffer(this)) {
     setObjectName(QStringLiteral("ChipPanel"));
     auto* body = new QWidget(this);
     auto* layout = new QVBoxLayout(body);
@@ -56,10 +69,13 @@ TDockChip::TDockChip(TRunControl* control, QWidget* parent)
     status->setTextInteractionFlags(Qt::TextSelectableByMouse);
     layout->addWidget(status);
     auto* split = new QSplitter(Qt::Vertical, body);
-    hexView = new TWgtHexView(split);
+    hexEdit = new TWgtHexEdit(split);
+    hexEdit->setBuffer(buf);
+    connect(buf, &THexBuffer::reset, this, &TDockChip::updateButtons);
+    connect(hexEdit, &TWgtHexEdit::message, this, [this](const QString& text) { showStatus(text, false); });
     logView = new TWgtLogExec(split);
     logView->applySettings();
-    split->addWidget(hexView);
+    split->addWidget(hexEdit);
     split->addWidget(logView);
     layout->addWidget(split, 1);
     setWidget(body);
@@ -120,9 +136,18 @@ QWidget* TDockChip::makeActions() {
     stopButton = new QPushButton(Lang.get(TextStop), box);
     connect(stopButton, &QPushButton::clicked, chip, &TChipSession::stop);
     grid->addWidget(stopButton, 1, 3);
+    compareFileButton = new QPushButton(Lang.get(TextCompareFile), box);
+    connect(compareFileButton, &QPushButton::clicked, this, &TDockChip::askCompare);
+    grid->addWidget(compareFileButton, 2, 0);
+    auto* open = new QPushButton(Lang.get(TextOpenFile), box);
+    connect(open, &QPushButton::clicked, this, &TDockChip::askLoad);
+    grid->addWidget(open, 2, 1);
+    auto* save = new QPushButton(Lang.get(TextSaveFile), box);
+    connect(save, &QPushButton::clicked, this, &TDockChip::askSave);
+    grid->addWidget(save, 2, 2);
     saveButton = new QPushButton(Lang.get(TextSaveAsCfg), box);
     connect(saveButton, &QPushButton::clicked, this, &TDockChip::signalSaveAsCfg);
-    grid->addWidget(saveButton, 2, 0, 1, 4);
+    grid->addWidget(saveButton, 3, 0, 1, 4);
     return box;
 }
 
@@ -182,8 +207,14 @@ QString TDockChip::value() const {
 void TDockChip::updateButtons() {
     const QString memory = memories->currentData().toString();
     const bool busy = chip->isBusy();
-    for (auto it = buttons.cbegin(); it != buttons.cend(); ++it)
-        it.value()->setEnabled(!busy && chip->offers(TChipSession::Action(it.key()), memory));
+    // Flash and EEPROM are written, verified and compared from the buffer, which must hold something.
+    const bool fromBuffer = buf->size() > 0 || TChipCmds::isRegister(memory);
+    for (auto it = buttons.cbegin(); it != buttons.cend(); ++it) {
+        const auto action = TChipSession::Action(it.key());
+        const bool needsBuffer = action == TChipSession::Write || action == TChipSession::Verify ||
+                                 action == TChipSession::WriteVerify || action == TChipSession::CompareChip;
+        it.value()->setEnabled(!busy && chip->offers(action, memory) && (fromBuffer || !needsBuffer));
+    }
     stopButton->setEnabled(busy);
     saveButton->setEnabled(!busy && !chip->done().isEmpty());
     valueEdit->setEnabled(TChipCmds::isRegister(memory));
@@ -202,7 +233,7 @@ QString TDockChip::statusText() const {
 
 bool TDockChip::start(TChipSession::Action action) {
     logView->clear();
-    const bool ok = chip->start(action, memories->currentData().toString(), buffer(), value());
+    const bool ok = chip->start(action, memories->currentData().toString(), buffer(), value(), buf->base());
     showStatus(ok ? QString() : chip->error(), !ok);
     updateButtons();
     return ok;
@@ -220,9 +251,72 @@ void TDockChip::finished(int action, bool ok) {
         setBuffer(chip->readData());
         showStatus(Lang.get(TextReadBytes).arg(TRangeReport::countText(chip->readData().size())), false);
     } else if (action == TChipSession::CompareChip) {
-        const bool same = chip->readData() == buffer();
-        showStatus(Lang.get(same ? TextMatches : TextDiffers), !same);
+        // The chip is read whole from its first address; the buffer covers a part of it.
+        showDiffs(TextDiffers, chip->readData().mid(int(buf->base()), int(buf->size())));
+    } else if (action == TChipSession::Write || action == TChipSession::WriteVerify) {
+        buf->setModified(false);
     }
+}
+
+void TDockChip::showDiffs(int header, const QByteArray& other) {
+    const QList<THexBuffer::Diff> diffs = buf->compare(other);
+    hexEdit->markDiffs(diffs);
+    if (diffs.isEmpty())
+        return showStatus(Lang.get(header == TextDiffers ? TextMatches : TextNoDiffs), false);
+    showStatus(Lang.get(header) + QLatin1Char('\n') + buf->diffText(diffs), true);
+}
+
+bool TDockChip::compareWithFile(const QString& file) {
+    QList<THexBuffer::Diff> diffs;
+    QString error;
+    if (!buf->compareFile(file, QString(), diffs, error)) {
+        showStatus(error, true);
+        return false;
+    }
+    hexEdit->markDiffs(diffs);
+    if (diffs.isEmpty())
+        showStatus(Lang.get(TextNoDiffs), false);
+    else
+        showStatus(Lang.get(TextFileDiffers) + QLatin1Char('\n') + buf->diffText(diffs), true);
+    return true;
+}
+
+bool TDockChip::loadBuffer(const QString& file) {
+    QString error;
+    if (!buf->load(file, QString(), error)) return showStatus(error, true), false;
+    showStatus(Lang.get(TextLoaded).arg(TRangeReport::countText(buf->size()), file), false);
+    return true;
+}
+
+bool TDockChip::saveBuffer(const QString& file) {
+    QString error;
+    if (!buf->save(file, QString(), error)) return showStatus(error, true), false;
+    showStatus(Lang.get(TextSaved).arg(TRangeReport::countText(buf->size()), file), false);
+    return true;
+}
+
+void TDockChip::askLoad() {
+    const QString file =
+        QFileDialog::getOpenFileName(this, Lang.get(TextOpenFile), QString(), Lang.get(TextFileMask));
+    if (!file.isEmpty()) loadBuffer(file);
+}
+
+// The HEX dialect's records above 64 KiB are read otherwise by other tools: the user decides.
+void TDockChip::askSave() {
+    const QString file =
+        QFileDialog::getSaveFileName(this, Lang.get(TextSaveFile), QString(), Lang.get(TextFileMask));
+    if (file.isEmpty()) return;
+    const QString warning = buf->saveWarning(file, QString());
+    if (!warning.isEmpty() &&
+        QMessageBox::question(this, Lang.get(TextSaveFile), warning) != QMessageBox::Yes)
+        return;
+    saveBuffer(file);
+}
+
+void TDockChip::askCompare() {
+    const QString file =
+        QFileDialog::getOpenFileName(this, Lang.get(TextCompareFile), QString(), Lang.get(TextFileMask));
+    if (!file.isEmpty()) compareWithFile(file);
 }
 
 void TDockChip::showDetected(bool ok) {
@@ -241,11 +335,11 @@ void TDockChip::showDetected(bool ok) {
     }
 }
 
-// The buffer's one seam: the view that holds it.
 void TDockChip::setBuffer(const QByteArray& data) {
-    hexView->setData(data);
+    buf->setData(data);
+    hexEdit->markDiffs({});
 }
 
 QByteArray TDockChip::buffer() const {
-    return hexView->getData();
+    return buf->data();
 }

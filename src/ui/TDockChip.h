@@ -9,8 +9,9 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class THexBuffer;
 class TRunControl;
-class TWgtHexView;
+class TWgtHexEdit;
 class TWgtLogExec;
 
 // The chip panel: a programmer and a chip chosen once, then the actions on one of the chip's memories,
@@ -35,9 +36,17 @@ public:
     bool start(TChipSession::Action action);
     bool isBusy() const { return chip->isBusy(); }
 
-    // The buffer of the chip's contents, shown in the hex view.
+    // The buffer of the chip's contents, shown in the hex editor.
     void setBuffer(const QByteArray& data);
     QByteArray buffer() const;
+    THexBuffer* hexBuffer() const { return buf; }
+    TWgtHexEdit* hexEditor() const { return hexEdit; }
+    // A data file into the buffer, the buffer into one (the format from the name, else the contents),
+    // and the differences between a file and the buffer, listed in the status line and marked in the
+    // editor; false with the reason in the status line.
+    bool loadBuffer(const QString& file);
+    bool saveBuffer(const QString& file);
+    bool compareWithFile(const QString& file);
     // The status line: the last action's result or why it did not start.
     QString statusText() const;
     TWgtLogExec* log() const { return logView; }
@@ -55,14 +64,20 @@ private:
     void updateButtons();
     void showStatus(const QString& text, bool error);
     void finished(int action, bool ok);
+    void showDiffs(int header, const QByteArray& other);
+    // The file dialogs behind the buttons.
+    void askLoad();
+    void askSave();
+    void askCompare();
     void showDetected(bool ok);
 
     TChipSession* chip;
     QComboBox *progs, *chips, *memories;
     QLineEdit* valueEdit;
     QHash<int, QPushButton*> buttons;
-    QPushButton *stopButton, *saveButton;
+    QPushButton *stopButton, *saveButton, *compareFileButton;
     QLabel* status;
-    TWgtHexView* hexView;
+    THexBuffer* buf;
+    TWgtHexEdit* hexEdit;
     TWgtLogExec* logView;
 };

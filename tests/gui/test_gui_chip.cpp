@@ -8,6 +8,7 @@
 #include "support/SimFixture.h"
 #include "ui/TDockChip.h"
 #include "ui/TMainWindow.h"
+#include "ui/TWgtHexEdit.h"
 #include "ui/TWgtLogExec.h"
 
 #include <QAction>
@@ -125,10 +126,26 @@ private slots:
         QVERIFY(!panel->button(TChipSession::Read)->property("hidden").toBool());
         QCOMPARE(click(panel, TChipSession::Read), Lang.get(1886).arg("1,048,576"));
         QCOMPARE(panel->buffer(), image);
-        QByteArray edited = panel->buffer();
+        // One byte typed into the editor.
+        panel->hexEditor()->goTo(0x10);
+        QTest::keyClicks(panel->hexEditor(), "a5");
+        QByteArray edited = image;
         edited[0x10] = char(0xA5);
-        panel->setBuffer(edited);
-        QCOMPARE(click(panel, TChipSession::CompareChip), Lang.get(1892));
+        QCOMPARE(panel->buffer(), edited);
+        QCOMPARE(click(panel, TChipSession::CompareChip),
+                 "The chip differs from the buffer:\n0x000010: 1 byte differs");
+        // A file with a run and a byte of its own, listed by address.
+        QByteArray other = edited;
+        other.replace(0x20, 4, "\x01\x02\x03\x04");
+        other[0x100] = 0;
+        QFile f(dir.filePath("other.bin"));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(other);
+        f.close();
+        QVERIFY(panel->compareWithFile(f.fileName()));
+        QCOMPARE(panel->statusText(), "The file differs from the buffer:\n0x000020-0x000023: 4 bytes differ\n"
+                                      "0x000100: 1 byte differs");
+        QCOMPARE(panel->hexEditor()->diffs().size(), 2);
         QCOMPARE(click(panel, TChipSession::Erase), QString());
         QCOMPARE(click(panel, TChipSession::WriteVerify), QString());
         QVERIFY2(logText(panel).contains("Verified 1,048,576 bytes"), qPrintable(logText(panel)));
@@ -146,9 +163,10 @@ private slots:
         TDockChip* panel = w.chipPanel();
         panel->loadProgs();
         QVERIFY(panel->selectChip("W25Q80RV"));
+        QVERIFY(!panel->button(TChipSession::Verify)->isEnabled()); // nothing in the buffer yet
         panel->setBuffer(QByteArray(4, 0x00));
         QCOMPARE(click(panel, TChipSession::Verify),
-                 "Verify failed, range 0x00..0xFFFFF\nAddress: 0x00, Data: 0x00, Read: 0xFF");
+                 "Verify failed, range 0x00..0x03\nAddress: 0x00, Data: 0x00, Read: 0xFF");
         QVERIFY2(logText(panel).contains("Address: 0x00, Data: 0x00, Read: 0xFF"),
                  qPrintable(logText(panel)));
     }

@@ -15,6 +15,7 @@
 #include "ui/TFormCmd.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
+#include "ui/TWgtHexEdit.h"
 #include "ui/TWgtHexView.h"
 
 #include <QAction>
@@ -160,6 +161,14 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), 20000);
         QCOMPARE(panel->buffer(), image.left(1 << 20));
         save(w, "chip_panel", QSize(1280, 800));
+        // Bytes typed into the editor, then compared with the chip: changed bytes and the run found.
+        panel->hexEditor()->goTo(0x24);
+        QTest::keyClicks(panel->hexEditor(), "DEADBEEF");
+        panel->hexEditor()->setSelection(0x40, 16);
+        QVERIFY(panel->start(TChipSession::CompareChip));
+        QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), 20000);
+        QCOMPARE(panel->hexEditor()->diffs().size(), 1);
+        save(*panel, "chip_panel_hex_editor", panel->size());
         w.closeProject();
     }
 
