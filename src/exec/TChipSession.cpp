@@ -169,7 +169,11 @@ bool TChipSession::start(Action action, const QString& memory, const QByteArray&
 
 bool TChipSession::build(Action action, const QString& memory, const QString& file, const QString& value) {
     idCfg = ProjectData.newTransientCfg(Lang.get(TextRunName).arg(Lang.get(TextActionFirst + action)));
-    if (detection) return detection->buildNext(ProjectData, idCfg) || (dropCfg(), false);
+    if (detection) {
+        if (detection->buildNext(ProjectData, idCfg)) return true;
+        dropCfg();
+        return false;
+    }
     TPrjBuilder::addCmd(ProjectData, idCfg, CTagCmdCode::set_prog, {{CTagCmdToolsSetProg::prog, progName}});
     TPrjBuilder::addSetDevice(ProjectData, idCfg, device, deviceFile);
     IDevice* dev = ProjectData.createDevice(device, deviceFile);

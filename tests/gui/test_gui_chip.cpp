@@ -156,6 +156,23 @@ private slots:
         QCOMPARE(chipImage(), edited);
     }
 
+    // Whether the panel is shown is kept with the window's settings.
+    void panelVisibilityIsKept() {
+        {
+            ChipWindow w;
+            w.show();
+            QVERIFY(!w.chipPanel()->isHidden());
+            w.chipPanel()->toggleViewAction()->trigger();
+            QVERIFY(w.chipPanel()->isHidden());
+            QVERIFY(w.close());
+        }
+        ChipWindow w;
+        w.show();
+        QVERIFY(w.chipPanel()->isHidden());
+        w.chipPanel()->toggleViewAction()->trigger();
+        QVERIFY(w.close());
+    }
+
     // A failing verify is a failed action with the address in its log and the status line.
     void verifyOfAnotherChipFails() {
         QVERIFY(startSim("W25Q80RV", QByteArray(1 << 20, char(0xFF))));
