@@ -23,6 +23,7 @@ enum LangId {
     TextActionFirst = 1854, // the action names, in the order of TChipSession::Action
     TextNoChip = 1868,
     TextNoCommand = 1869,
+    TextStopped = 390,
     TextBusy = 1872,
     TextRunName = 1873,
     TextTempWrite = 1874,
@@ -123,45 +124,41 @@ bool TChipSession::saveTemp(const QByteArray& data, QString& file) {
     return false;
 }
 
+QString TChipSession::refusal(Action action, const QString& memory) const {
+    if (isBusy()) return Lang.get(TextBusy);
+    if (progName.isEmpty()) return Lang.get(TextNoProg);
+    if (action != Detect && device.isEmpty()) return Lang.get(TextNoChip);
+    if (!offers(action, memory)) return Lang.get(TextNoCommand).arg(device, memory);
+    return QString();
+}
+
+// Reads land in a file of their own; writes and verifies send the buffer from one.
+bool TChipSession::prepareFiles(Action action, const QString& memory, const QByteArray& data) {
+    currentFile.clear();
+    if (TChipCmds::isRegister(memory)) return true;
+    if (!temp) temp = std::make_unique<QTemporaryDir>();
+    if (action == Read || action == CompareChip)
+        currentFile = temp->filePath(QStringLiteral("read-%1.bin").arg(++tempCount));
+    if (action == Write || action == Verify || action == WriteVerify) return saveTemp(data, currentFile);
+    return true;
+}
+
 bool TChipSession::start(Action action, const QString& memory, const QByteArray& data, const QString& value,
                          quint32 base) {
-    lastError.clear();
-    if (isBusy()) {
-        lastError = Lang.get(TextBusy);
-        return false;
-    }
-    if (progName.isEmpty()) {
-        lastError = Lang.get(TextNoProg);
-        return false;
-    }
-    if (action != Detect && device.isEmpty()) {
-        lastError = Lang.get(TextNoChip);
-        return false;
-    }
-    if (!offers(action, memory)) {
-        lastError = Lang.get(TextNoCommand).arg(device, memory);
-        return false;
-    }
-    if (!temp) temp = std::make_unique<QTemporaryDir>();
+    lastError = refusal(action, memory);
+    if (!lastError.isEmpty()) return false;
     current = action;
     currentMemory = memory;
     bufferBase = base;
     bufferSize = data.size();
-    currentFile.clear();
     dataRead.clear();
     valueRead.clear();
     pending.clear();
-    const bool register_ = TChipCmds::isRegister(memory);
-    if (!register_ && (action == Read || action == CompareChip))
-        currentFile = temp->filePath(QStringLiteral("read-%1.bin").arg(++tempCount));
-    if (!register_ && (action == Write || action == Verify || action == WriteVerify) &&
-        !saveTemp(data, currentFile))
-        return false;
+    if (!prepareFiles(action, memory, data)) return false;
+    detection.reset();
     if (action == Detect) {
         parts.clear();
         detection = std::make_unique<TChipDetect>(progName);
-    } else {
-        detection.reset();
     }
     if (!build(action, memory, currentFile, value)) return false;
     return startRun(Lang.get(TextActionFirst + action));
@@ -213,6 +210,7 @@ void TChipSession::dropCfg() {
 void TChipSession::onFinished(int id, TCodeCfgStatus outcome) {
     if (id != idCfg) return;
     const bool ok = outcome == CfgStatusOk;
+    if (outcome == CfgStatusStopped) lastError = Lang.get(TextStopped);
     collect(ok);
     dropCfg();
     if (detection && detection->wantsMore() && outcome != CfgStatusStopped) {

@@ -79,6 +79,9 @@ private:
         QString memory;
     };
     static QList<Step> stepsOf(Action action, const QString& memory);
+    // Why the action cannot start now, or empty.
+    QString refusal(Action action, const QString& memory) const;
+    bool prepareFiles(Action action, const QString& memory, const QByteArray& data);
     bool build(Action action, const QString& memory, const QString& file, const QString& value);
     // The range of the buffer's file for its write and verify commands.
     void bufferRange(TChipCmds::Op op, TData& values) const;

@@ -134,6 +134,7 @@ QWidget* TDockChip::makeActions() {
         grid->addWidget(b, i / 4, i % 4);
     }
     stopButton = new QPushButton(Lang.get(TextStop), box);
+    stopButton->setObjectName(QStringLiteral("ChipStop"));
     connect(stopButton, &QPushButton::clicked, chip, &TChipSession::stop);
     grid->addWidget(stopButton, 1, 3);
     compareFileButton = new QPushButton(Lang.get(TextCompareFile), box);
@@ -241,8 +242,9 @@ bool TDockChip::start(TChipSession::Action action) {
 
 void TDockChip::finished(int action, bool ok) {
     updateButtons();
+    if (!ok && !chip->error().isEmpty()) return showStatus(chip->error(), true);
     if (action == TChipSession::Detect) return showDetected(ok);
-    if (!ok) return showStatus(chip->error(), !chip->error().isEmpty());
+    if (!ok) return;
     const QString memory = memories->currentData().toString();
     if (action == TChipSession::Read && TChipCmds::isRegister(memory)) {
         setValue(chip->registerValue());

@@ -197,6 +197,13 @@ private slots:
                  "Verify failed, range 0x00..0x03\nAddress: 0x00, Data: 0x00, Read: 0xFF");
         QVERIFY2(logText(panel).contains("Address: 0x00, Data: 0x00, Read: 0xFF"),
                  qPrintable(logText(panel)));
+        // Stop ends a read half-way: the buffer stays as it was.
+        QTest::mouseClick(panel->button(TChipSession::Read), Qt::LeftButton);
+        QVERIFY(panel->isBusy());
+        QTest::mouseClick(panel->findChild<QPushButton*>("ChipStop"), Qt::LeftButton);
+        QVERIFY(QTest::qWaitFor([&] { return !panel->isBusy(); }, 30000));
+        QCOMPARE(panel->statusText(), Lang.get(390));
+        QCOMPARE(panel->buffer(), QByteArray(4, 0x00));
     }
 
     // The actions done become a configuration of the project, with the buffer in the named file; undo
