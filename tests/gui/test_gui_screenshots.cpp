@@ -6,6 +6,7 @@
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 #include "project/TPrjList.h"
+#include "misc/THexBuffer.h"
 #include "support/SimFixture.h"
 #include "ui/TDialogCmdParam.h"
 #include "ui/TDialogHexView.h"
@@ -17,10 +18,12 @@
 #include "ui/TWgtCfg.h"
 #include "ui/TWgtHexEdit.h"
 #include "ui/TWgtHexView.h"
+#include "ui/TWgtHexEdit.h"
 
 #include <QAction>
 #include <QScrollBar>
 #include <QTabWidget>
+#include <QVBoxLayout>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -272,6 +275,31 @@ private slots:
         QVERIFY(dlg.view()->rowCount() > 0);
         QVERIFY(dlg.width() >= 760); // widened to a whole row
         save(dlg, "hex_viewer", dlg.size());
+    }
+
+    void hexEditor() {
+        THexBuffer buffer;
+        QString error;
+        QVERIFY2(buffer.load(dir.filePath("demo.hex"), "hex", error), qPrintable(error));
+        const QByteArray read = buffer.data();
+        // As the chip panel holds it: inside a frame of its own.
+        QWidget frame;
+        auto* layout = new QVBoxLayout(&frame);
+        TWgtHexEdit& edit = *new TWgtHexEdit(&frame);
+        layout->addWidget(&edit);
+        edit.setBuffer(&buffer);
+        frame.resize(860, 420);
+        frame.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&frame));
+        edit.setFocus();
+        edit.goTo(0x24);
+        QTest::keyClicks(&edit, "dead");
+        buffer.fill(0x60, 12, QByteArray("\x55\xAA", 2));
+        QByteArray other = read;
+        other.replace(0x90, 6, "Tarvel");
+        edit.markDiffs(buffer.compare(other));
+        edit.setSelection(0xC3, 20);
+        save(frame, "hex_editor", frame.size());
     }
 };
 
