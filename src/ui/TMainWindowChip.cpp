@@ -1,6 +1,7 @@
 // The main window's side of the chip panel: the dock, and its actions made a configuration.
 #include "app/TLang.h"
 #include "project/TDataPrj.h"
+#include "ui/TDialogCfg.h"
 #include "ui/TDockChip.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
@@ -43,6 +44,10 @@ int TMainWindow::saveChipAsCfg() {
     }
     QString name = chip->chip(), desc, file;
     if (!askCfg(-1, name, desc)) return -1;
+    if (const QString reason = TDialogCfg::checkName(-1, name); !reason.isEmpty()) {
+        showError(reason);
+        return -1;
+    }
     if (chip->doneWithBuffer()) {
         if (!askDataFile(file)) return -1;
         if (!chip->saveData(chipDock->buffer(), file)) {

@@ -240,6 +240,9 @@ private slots:
                                     "eeprom_file_verify data/ee.bin", "fuse_read 62D9FF"}));
         QCOMPARE(ProjectData.getCfgList().size(), cfgs + 1);
         QVERIFY(ProjectData.isChange());
+        // Saved actions are not saved twice.
+        QCOMPARE(w.saveChipAsCfg(), -1);
+        QCOMPARE(w.errors, QStringList{Lang.get(1889)});
         QVERIFY(w.undo());
         QCOMPARE(ProjectData.getCfgList().size(), cfgs);
         AppData.logDir.clear();
