@@ -4,8 +4,10 @@
 #include "exec/TRunControl.h"
 #include "misc/TNormCmdParam.h"
 #include "project/TChipCmds.h"
+#include "project/TCtrlProject.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "project/TPrjBuilder.h"
 #include "support/SimFixture.h"
 #include "support/WorkerFixture.h"
 
@@ -83,6 +85,29 @@ private slots:
                  TData({{CTagCmdRWV::data, "E2D9FE"}}));
         QCOMPARE(TChipCmds::values(TChipCmds::Verify, "flash", "/t/a.bin", "bin", "FF"),
                  TData({{CTagCmdRWV::file, "/t/a.bin"}, {CTagCmdRWV::format, "bin"}}));
+    }
+
+    // A configuration outside the project: neither listed nor saved, and making, filling and dropping it
+    // changes nothing the window or the project's change flag would see.
+    void transientConfigurationsStayOutOfTheProject() {
+        ProjectData.clrPrj();
+        ProjectData.newCfg("Main", QString(), -1);
+        ProjectData.resetChange();
+        QSignalSpy changes(&ProjectData, &TDataPrj::signalChangeData);
+        QSignalSpy flag(&ProjectData, &TDataPrj::signalChangePrj);
+        const int t = ProjectData.newTransientCfg("Scratch");
+        TPrjBuilder::addCmd(ProjectData, t, "delay", {{"value", 5}});
+        ProjectData.setCfgStatus(t, CfgStatusRun);
+        QCOMPARE(ProjectData.getCfgListName(), QStringList{"Main"});
+        QCOMPARE(ProjectData.getIdCfgFromNameCfg("Scratch"), -1);
+        QCOMPARE(ProjectData.getCmdListCfg(t).size(), 1);
+        const QByteArray saved = TCtrlProject::project_to_data(&ProjectData);
+        QVERIFY2(!saved.contains("Scratch") && !saved.contains("delay"), saved.constData());
+        ProjectData.delCfg(t);
+        QVERIFY(ProjectData.getCmdList().isEmpty());
+        QVERIFY(!ProjectData.isChange());
+        QVERIFY(changes.isEmpty());
+        QVERIFY(flag.isEmpty());
     }
 
     // Read, edit, write + verify and read back: the chip ends as the buffer, and the open project sees
