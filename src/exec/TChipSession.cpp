@@ -213,6 +213,8 @@ void TChipSession::onFinished(int id, TCodeCfgStatus outcome) {
     if (outcome == CfgStatusStopped) lastError = Lang.get(TextStopped);
     collect(ok);
     dropCfg();
+    // What was read is in memory now, and a buffer once sent is not needed again.
+    if (!currentFile.isEmpty()) QFile::remove(currentFile);
     if (detection && detection->wantsMore() && outcome != CfgStatusStopped) {
         build(Detect, QString(), QString(), QString());
         if (idCfg >= 0 && startRun(Lang.get(TextActionFirst + Detect))) return;
