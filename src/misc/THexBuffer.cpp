@@ -67,11 +67,8 @@ bool THexBuffer::setByte(qint64 offset, char value, bool merge) {
 bool THexBuffer::fill(qint64 offset, qint64 count, const QByteArray& pattern) {
     if (pattern.isEmpty() || !TMiscDev::isRangeInside(offset, count, 0, size())) return false;
     if (count == 0) return true;
-    QByteArray run;
-    run.reserve(int(count));
-    while (run.size() < count)
-        run.append(pattern.left(int(qMin<qint64>(pattern.size(), count - run.size()))));
-    return apply(offset, run, false);
+    return apply(
+        offset, pattern.repeated(int((count + pattern.size() - 1) / pattern.size())).left(int(count)), false);
 }
 
 qint64 THexBuffer::paste(qint64 offset, const QByteArray& data) {
@@ -94,14 +91,31 @@ bool THexBuffer::apply(qint64 offset, const QByteArray& after, bool merge) {
         if (cleanDepth > undoStack.size()) cleanDepth = -1; // the saved state was undone and is gone now
         redoStack.clear();
         undoStack.append({offset, before, after});
-        if (undoStack.size() > maxUndo) {
-            undoStack.removeFirst();
-            cleanDepth = cleanDepth > 0 ? cleanDepth - 1 : -1;
-        }
+        trimUndo();
     }
     put(offset, after);
     afterStep(wasModified);
     return true;
+}
+
+void THexBuffer::setUndoLimits(int steps, qint64 bytes) {
+    undoSteps = qMax(1, steps);
+    undoBytes = bytes;
+    trimUndo();
+}
+
+// A fill of a whole 16 MiB image keeps 32 MiB for its undo: the history is bounded in bytes, not only in
+// steps.
+void THexBuffer::trimUndo() {
+    qint64 held = 0;
+    for (const QVector<Edit>* stack : {&undoStack, &redoStack})
+        for (const Edit& e : *stack)
+            held += e.before.size() + e.after.size();
+    while (undoStack.size() > 1 && (undoStack.size() > undoSteps || held > undoBytes)) {
+        held -= undoStack.first().before.size() + undoStack.first().after.size();
+        undoStack.removeFirst();
+        cleanDepth = cleanDepth > 0 ? cleanDepth - 1 : -1;
+    }
 }
 
 void THexBuffer::put(qint64 offset, const QByteArray& value) {

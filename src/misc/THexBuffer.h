@@ -24,8 +24,6 @@ public:
 
     // The largest image loaded from a file.
     static const qint64 maxSize = qint64(64) << 20;
-    // Edits kept for undo; the oldest go first.
-    static const int maxUndo = 1000;
 
     explicit THexBuffer(QObject* parent = nullptr);
 
@@ -34,6 +32,10 @@ public:
     const QByteArray& data() const { return bytes; }
     quint32 base() const { return start; }
     qint64 size() const { return bytes.size(); }
+
+    // At most steps edits and bytes bytes (before and after of every edit) are kept for undo; the oldest
+    // go first, but the last edit always stays undoable.
+    void setUndoLimits(int steps, qint64 bytes);
 
     bool isModified() const;
     // false marks the current state as the saved one (after a save, a write to the chip).
@@ -104,6 +106,7 @@ private:
     bool apply(qint64 offset, const QByteArray& after, bool merge);
     void put(qint64 offset, const QByteArray& value);
     void afterStep(bool wasModified);
+    void trimUndo();
     static bool formatKeyOf(const QString& file, const QString& given, bool forSave, QString& key,
                             QString& error);
 
@@ -111,6 +114,8 @@ private:
     quint32 start = 0;
     QVector<Edit> undoStack;
     QVector<Edit> redoStack;
+    int undoSteps = 1000;
+    qint64 undoBytes = qint64(256) << 20;
     // The undo depth at which the image equals the saved one; -1 when no depth does.
     int cleanDepth = 0;
 };

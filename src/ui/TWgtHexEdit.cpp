@@ -79,9 +79,9 @@ qint64 TWgtHexEdit::selectionCount() const {
 }
 
 void TWgtHexEdit::setSelection(qint64 offset, qint64 count) {
-    if (size() == 0) return;
-    offset = qBound<qint64>(0, offset, size() - 1);
-    count = qBound<qint64>(0, count, size() - offset);
+    if (imageSize() == 0) return;
+    offset = qBound<qint64>(0, offset, imageSize() - 1);
+    count = qBound<qint64>(0, count, imageSize() - offset);
     anchor = count > 0 ? offset : -1;
     cursor = count > 0 ? offset + count - 1 : offset;
     lowNibble = false;
@@ -96,7 +96,7 @@ void TWgtHexEdit::goTo(qint64 offset) {
 }
 
 void TWgtHexEdit::selectAll() {
-    setSelection(0, size());
+    setSelection(0, imageSize());
 }
 
 void TWgtHexEdit::markDiffs(const QList<THexBuffer::Diff>& diffs) {
@@ -128,8 +128,8 @@ void TWgtHexEdit::ensureVisible(qint64 offset) {
 }
 
 void TWgtHexEdit::moveTo(qint64 offset, bool extend) {
-    if (size() == 0) return;
-    offset = qBound<qint64>(0, offset, size() - 1);
+    if (imageSize() == 0) return;
+    offset = qBound<qint64>(0, offset, imageSize() - 1);
     const bool hadSelection = anchor >= 0;
     if (extend && anchor < 0) anchor = cursor;
     if (!extend) anchor = -1;
@@ -147,11 +147,11 @@ QString TWgtHexEdit::selectedHex() const {
 }
 
 void TWgtHexEdit::copy() {
-    if (size() > 0) QApplication::clipboard()->setText(selectedHex());
+    if (imageSize() > 0) QApplication::clipboard()->setText(selectedHex());
 }
 
 void TWgtHexEdit::paste() {
-    if (!buf || size() == 0) return;
+    if (!buf || imageSize() == 0) return;
     const QString text = QApplication::clipboard()->text();
     QByteArray bytes = THexBuffer::hexNeedle(text);
     if (bytes.isEmpty() && inText) bytes = THexBuffer::textNeedle(text);
@@ -245,19 +245,19 @@ bool TWgtHexEdit::event(QEvent* event) {
 }
 
 void TWgtHexEdit::openGoTo() {
-    if (size() == 0) return;
+    if (imageSize() == 0) return;
     TDialogHexGoTo dlg(this, this);
     dlg.exec();
 }
 
 void TWgtHexEdit::openFind() {
-    if (size() == 0) return;
+    if (imageSize() == 0) return;
     TDialogHexFind dlg(this, this);
     dlg.exec();
 }
 
 void TWgtHexEdit::openFill() {
-    if (size() == 0) return;
+    if (imageSize() == 0) return;
     TDialogHexFill dlg(this, this);
     dlg.exec();
 }
@@ -270,7 +270,7 @@ void TWgtHexEdit::openCRC() {
 
 void TWgtHexEdit::findAgain(bool backwards) {
     QString text;
-    if (size() > 0 && !TDialogHexFind::findAgain(this, backwards, text) && !text.isEmpty())
+    if (imageSize() > 0 && !TDialogHexFind::findAgain(this, backwards, text) && !text.isEmpty())
         emit message(text);
 }
 
@@ -307,7 +307,7 @@ bool TWgtHexEdit::moveKey(QKeyEvent* event) {
         to = ctrl ? 0 : cursor - cursor % bytesPerRow;
         break;
     case Qt::Key_End:
-        to = ctrl ? size() - 1 : cursor - cursor % bytesPerRow + bytesPerRow - 1;
+        to = ctrl ? imageSize() - 1 : cursor - cursor % bytesPerRow + bytesPerRow - 1;
         break;
     default:
         return false;
@@ -320,7 +320,7 @@ bool TWgtHexEdit::moveKey(QKeyEvent* event) {
 
 // Typing overwrites: a hex digit sets the half of the byte under the cursor, a character the whole byte.
 bool TWgtHexEdit::typeKey(QKeyEvent* event) {
-    if (!buf || size() == 0 || event->text().size() != 1) return false;
+    if (!buf || imageSize() == 0 || event->text().size() != 1) return false;
     if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
     const QChar c = event->text().at(0);
     const uchar old = uchar(viewData().at(int(cursor)));
@@ -341,7 +341,7 @@ bool TWgtHexEdit::typeKey(QKeyEvent* event) {
         return true;
     }
     buf->setByte(at, char((old & 0xF0) | digit), true);
-    moveTo(qMin(at + 1, size() - 1), false);
+    moveTo(qMin(at + 1, imageSize() - 1), false);
     return true;
 }
 
@@ -364,7 +364,7 @@ qint64 TWgtHexEdit::offsetAt(const QPoint& pos, bool& text) const {
             ++i;
     }
     const qint64 offset = qint64(row) * bytesPerRow + i;
-    return size() == 0 ? -1 : qMin(offset, size() - 1);
+    return imageSize() == 0 ? -1 : qMin(offset, imageSize() - 1);
 }
 
 void TWgtHexEdit::mousePressEvent(QMouseEvent* event) {
@@ -388,15 +388,15 @@ void TWgtHexEdit::contextMenuEvent(QContextMenuEvent* event) {
     menu.addAction(Lang.get(LangUndo), [this] { buf->undo(); })->setEnabled(buf && buf->canUndo());
     menu.addAction(Lang.get(LangRedo), [this] { buf->redo(); })->setEnabled(buf && buf->canRedo());
     menu.addSeparator();
-    menu.addAction(Lang.get(LangCopy), this, &TWgtHexEdit::copy)->setEnabled(size() > 0);
-    menu.addAction(Lang.get(LangPaste), this, &TWgtHexEdit::paste)->setEnabled(size() > 0);
-    menu.addAction(Lang.get(LangSelectAll), this, &TWgtHexEdit::selectAll)->setEnabled(size() > 0);
+    menu.addAction(Lang.get(LangCopy), this, &TWgtHexEdit::copy)->setEnabled(imageSize() > 0);
+    menu.addAction(Lang.get(LangPaste), this, &TWgtHexEdit::paste)->setEnabled(imageSize() > 0);
+    menu.addAction(Lang.get(LangSelectAll), this, &TWgtHexEdit::selectAll)->setEnabled(imageSize() > 0);
     menu.addSeparator();
-    menu.addAction(Lang.get(LangGoTo), this, &TWgtHexEdit::openGoTo)->setEnabled(size() > 0);
-    menu.addAction(Lang.get(LangFind), this, &TWgtHexEdit::openFind)->setEnabled(size() > 0);
-    menu.addAction(Lang.get(LangFindNext), [this] { findAgain(false); })->setEnabled(size() > 0);
-    menu.addAction(Lang.get(LangFindPrevious), [this] { findAgain(true); })->setEnabled(size() > 0);
-    menu.addAction(Lang.get(LangFill), this, &TWgtHexEdit::openFill)->setEnabled(size() > 0);
+    menu.addAction(Lang.get(LangGoTo), this, &TWgtHexEdit::openGoTo)->setEnabled(imageSize() > 0);
+    menu.addAction(Lang.get(LangFind), this, &TWgtHexEdit::openFind)->setEnabled(imageSize() > 0);
+    menu.addAction(Lang.get(LangFindNext), [this] { findAgain(false); })->setEnabled(imageSize() > 0);
+    menu.addAction(Lang.get(LangFindPrevious), [this] { findAgain(true); })->setEnabled(imageSize() > 0);
+    menu.addAction(Lang.get(LangFill), this, &TWgtHexEdit::openFill)->setEnabled(imageSize() > 0);
     menu.addAction(Lang.get(LangCRC), this, &TWgtHexEdit::openCRC)->setEnabled(buf != nullptr);
     menu.exec(event->globalPos());
 }

@@ -26,7 +26,7 @@ public:
     void setSelection(qint64 offset, qint64 count);
     // The selection, or the cursor's byte when nothing is selected.
     qint64 targetStart() const { return selectionStart(); }
-    qint64 targetCount() const { return qMax<qint64>(selectionCount(), size() > 0 ? 1 : 0); }
+    qint64 targetCount() const { return qMax<qint64>(selectionCount(), imageSize() > 0 ? 1 : 0); }
     // Puts the cursor on offset and scrolls it into sight; the selection is dropped.
     void goTo(qint64 offset);
     void markDiffs(const QList<THexBuffer::Diff>& diffs);
@@ -80,7 +80,7 @@ private:
         KeyColumn
     };
     static KeyAction keyAction(QKeyEvent* event);
-    qint64 size() const { return buf ? buf->size() : 0; }
+    qint64 imageSize() const { return buf ? buf->size() : 0; }
     bool shortcut(QKeyEvent* event);
     bool moveKey(QKeyEvent* event);
     bool typeKey(QKeyEvent* event);

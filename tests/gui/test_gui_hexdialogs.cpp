@@ -116,14 +116,6 @@ private slots:
         }
         QCOMPARE(edit.selectionStart(), qint64(0x1234));
         QCOMPARE(edit.selectionCount(), qint64(3));
-        QString message;
-        QVERIFY(!TDialogHexFind::findAgain(&edit, false, message));
-        QCOMPARE(message, QString("\"0xDEAD be\" not found from 0x9235 to the end"));
-        QVERIFY(!TDialogHexFind::findAgain(&edit, true, message));
-        QCOMPARE(message, QString("\"0xDEAD be\" not found from 0x9233 back to the start"));
-        edit.goTo(0x2000);
-        QVERIFY(TDialogHexFind::findAgain(&edit, true, message));
-        QCOMPARE(edit.selectionStart(), qint64(0x1234));
 
         // Text: counting bytes hold "ABC" at 0x41 of every 256.
         edit.goTo(0x150);

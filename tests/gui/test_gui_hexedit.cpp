@@ -172,17 +172,6 @@ private slots:
         edit->viewport()->repaint();
         QVERIFY(edit->lastPaintedRows() < 60);
     }
-
-    void marksAndResetFollowTheBuffer() {
-        edit->markDiffs({{0x10, 4}});
-        QCOMPARE(edit->diffs().size(), 1);
-        edit->setSelection(5, 3);
-        buffer.setData(countingBytes(8));
-        QVERIFY(edit->diffs().isEmpty());
-        QCOMPARE(edit->selectionCount(), qint64(0));
-        QCOMPARE(edit->rowCount(), 1);
-        QCOMPARE(edit->rowText(0).left(8), QString("00000000"));
-    }
 };
 
 QTEST_MAIN(TestGuiHexEdit)

@@ -6,18 +6,24 @@
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 #include "project/TPrjList.h"
+#include "misc/THexBuffer.h"
 #include "support/SimFixture.h"
 #include "ui/TDialogCmdParam.h"
 #include "ui/TDialogHexView.h"
 #include "ui/TDialogSelectDevice.h"
 #include "ui/TDialogSettings.h"
+#include "ui/TDockChip.h"
+#include "ui/TFormCmd.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
-#include "ui/TFormCmd.h"
+#include "ui/TWgtHexEdit.h"
 #include "ui/TWgtHexView.h"
+#include "ui/TWgtHexEdit.h"
 
+#include <QAction>
 #include <QScrollBar>
 #include <QTabWidget>
+#include <QVBoxLayout>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -115,6 +121,7 @@ private slots:
     void mainWindow() {
         TMainWindow w;
         w.resize(1280, 800);
+        w.chipPanel()->hide();
         w.show();
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
         const int timing = ProjectData.getIdCfgFromNameCfg("Timing");
@@ -129,6 +136,45 @@ private slots:
         w.closeProject();
     }
 
+    // The chip panel beside the project after a read of an SPI flash.
+    void chipPanel() {
+        SimFixture sim;
+        QByteArray image;
+        while (image.size() < (1 << 20))
+            image += QStringLiteral("Tarvelix boot %1 ")
+                         .arg(image.size() / 18, 5, 10, QLatin1Char('0'))
+                         .toLatin1();
+        QFile f(sim.path("image.bin"));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(image.left(1 << 20));
+        f.close();
+        QVERIFY(sim.start(
+            {"--chip", "W25Q80RV", "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()}));
+        AppData.progName.clear();
+        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        TMainWindow w;
+        w.resize(1280, 800);
+        w.show();
+        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        TDockChip* panel = w.chipPanel();
+        w.resizeDocks({panel}, {620}, Qt::Horizontal);
+        panel->loadProgs();
+        QVERIFY(panel->selectChip("W25Q80RV"));
+        QVERIFY(panel->start(TChipSession::Read));
+        QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), 20000);
+        QCOMPARE(panel->buffer(), image.left(1 << 20));
+        save(w, "chip_panel", QSize(1280, 800));
+        // Bytes typed into the editor, then compared with the chip: changed bytes and the run found.
+        panel->hexEditor()->goTo(0x24);
+        QTest::keyClicks(panel->hexEditor(), "DEADBEEF");
+        panel->hexEditor()->setSelection(0x40, 16);
+        QVERIFY(panel->start(TChipSession::CompareChip));
+        QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), 20000);
+        QCOMPARE(panel->hexEditor()->diffs().size(), 1);
+        save(*panel, "chip_panel_hex_editor", panel->size());
+        w.closeProject();
+    }
+
     // The 24C256 configuration against an empty two-wire socket: the failed run's block.
     void failedRun() {
         SimFixture sim;
@@ -137,6 +183,7 @@ private slots:
         AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
         TMainWindow w;
         w.resize(1280, 800);
+        w.chipPanel()->hide();
         w.show();
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
         const int eeprom = ProjectData.getIdCfgFromNameCfg("24C256 EEPROM");
@@ -158,6 +205,7 @@ private slots:
         AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
         TMainWindow w;
         w.resize(1280, 800);
+        w.chipPanel()->hide();
         w.show();
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
         const int check = ProjectData.getIdCfgFromNameCfg("Programmer check");
@@ -188,8 +236,8 @@ private slots:
     void commandForms() {
         TMainWindow w;
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
-        for (const QString& code : {QStringLiteral("set_vicc"), QStringLiteral("file_write"),
-                                    QStringLiteral("set_device")}) {
+        for (const QString& code :
+             {QStringLiteral("set_vicc"), QStringLiteral("file_write"), QStringLiteral("set_device")}) {
             TDataCmd* cmd = findCmd(code);
             QVERIFY2(cmd, qPrintable(code));
             saveForm(cmd->getGroupObject(), cmd->getData(), "form_" + code);
@@ -227,6 +275,31 @@ private slots:
         QVERIFY(dlg.view()->rowCount() > 0);
         QVERIFY(dlg.width() >= 760); // widened to a whole row
         save(dlg, "hex_viewer", dlg.size());
+    }
+
+    void hexEditor() {
+        THexBuffer buffer;
+        QString error;
+        QVERIFY2(buffer.load(dir.filePath("demo.hex"), "hex", error), qPrintable(error));
+        const QByteArray read = buffer.data();
+        // As the chip panel holds it: inside a frame of its own.
+        QWidget frame;
+        auto* layout = new QVBoxLayout(&frame);
+        TWgtHexEdit& edit = *new TWgtHexEdit(&frame);
+        layout->addWidget(&edit);
+        edit.setBuffer(&buffer);
+        frame.resize(860, 420);
+        frame.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&frame));
+        edit.setFocus();
+        edit.goTo(0x24);
+        QTest::keyClicks(&edit, "dead");
+        buffer.fill(0x60, 12, QByteArray("\x55\xAA", 2));
+        QByteArray other = read;
+        other.replace(0x90, 6, "Tarvel");
+        edit.markDiffs(buffer.compare(other));
+        edit.setSelection(0xC3, 20);
+        save(frame, "hex_editor", frame.size());
     }
 };
 
