@@ -17,11 +17,12 @@ public:
     End run(int stopFd);
 
 private:
-    bool answer(const QByteArray& request);
+    // Adds the answer to request to replies; false when the line is to go.
+    bool answer(const QByteArray& request, QByteArray& replies);
 
     const SimOptions& options;
     SimStreamProtocol& protocol;
     SimPty& pty;
     SimTrace& trace;
-    int replies = 0;
+    int answered = 0;
 };

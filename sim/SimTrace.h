@@ -10,4 +10,7 @@ public:
 
 private:
     QFile out;
+    // Local time's offset from UTC, taken once: asking for local time on every line costs a look at
+    // the time zone file each time, which showed as most of the simulator's time per operation.
+    int utcOffsetSecs = 0;
 };

@@ -4,12 +4,13 @@
 #include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "devices/TDeviceList.h"
-#include "devices/TSignature.h"
+#include "exec/TChipDetect.h"
 #include "exec/TRunner.h"
 #include "formats/TFormatGuess.h"
 #include "misc/TNormCmdParam.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
+#include "project/TChipCmds.h"
 #include "project/TCmdCode.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
@@ -50,18 +51,16 @@ enum LangId {
     TextNoChipMatches = 1712,
 };
 
-// The command codes of an option on a device, tried in order: the memory's own, then the plain one
-// the single-memory families use (only for flash, the default memory, so that "--memory eeprom"
-// never lands in a flash chip).
-QStringList codesFor(const QString& option, const QString& memory) {
-    using namespace CTagCmdCode;
-    if (option == "detect") return {ident};
-    if (option == "erase") return {erase};
-    if (option == "fuses") return {fuse_write, fuse_verify};
-    if (option == "lock") return {lock_write, lock_verify};
-    const QString plain = QStringLiteral("file_") + option;
-    if (memory == kEeprom) return {QStringLiteral("eeprom_") + plain};
-    return {QStringLiteral("flash_") + plain, plain};
+// The operations an option becomes: the file options work on the line's memory, fuses and lock bits
+// are a write followed by a verify of the value.
+QList<QPair<TChipCmds::Op, QString>> opsOf(const QString& option, const QString& memory) {
+    if (option == "detect") return {{TChipCmds::Detect, memory}};
+    if (option == "erase") return {{TChipCmds::Erase, memory}};
+    if (option == "fuses" || option == "lock")
+        return {{TChipCmds::Write, option}, {TChipCmds::Verify, option}};
+    if (option == "write") return {{TChipCmds::Write, memory}};
+    if (option == "verify") return {{TChipCmds::Verify, memory}};
+    return {{TChipCmds::Read, memory}};
 }
 
 } // namespace
@@ -158,23 +157,17 @@ bool TQuickRun::resolveChip(const QString& name, QString& device, QString& file)
 // Each family's try is kept back and shown only when it found the part, or when no family did: a
 // family of another bus fails on the chip and would only confuse.
 QStringList TQuickRun::detect(const QString& prog) {
-    QStringList found;
+    TChipDetect detection(prog);
     QByteArray tries;
-    for (const QString& family : TSignature::getAutoFamilyList()) {
+    for (;;) {
         ProjectData.clrPrj();
         const int idCfg = ProjectData.newCfg(kAuto, QString(), -1);
-        TPrjBuilder::addCmd(ProjectData, idCfg, CTagCmdCode::set_prog, {{CTagCmdToolsSetProg::prog, prog}});
-        // Without a stop, a family that finds nothing says so and the run ends well.
-        TPrjBuilder::addCmd(ProjectData, idCfg, CTagCmdCode::auto_detect,
-                            {{CTagCmdProgAutoDetect::name, family}, {"stop", false}, {"execute", false}});
+        if (!detection.buildNext(ProjectData, idCfg)) break;
         FILE* held = std::tmpfile();
         TRunner runner(held ? held : out, err);
-        bool reached = false; // the programmer answered and the family's detection started
         QObject::connect(&runner, &TRunner::signalEvent,
                          [&](TCodeExec code, const QString& text, const QString& param) {
-                             if (code == 0 && text == CmdCode.getName(CTagCmdCode::auto_detect))
-                                 reached = true;
-                             if (code == 4 && !param.isEmpty()) found.append(param);
+                             detection.event(code, text, param);
                          });
         runner.runLoaded(TRunner::Options());
         QByteArray text;
@@ -185,16 +178,16 @@ QStringList TQuickRun::detect(const QString& prog) {
                 text.append(buf, int(n));
             std::fclose(held);
         }
-        if (!found.isEmpty()) {
+        if (!detection.found().isEmpty()) {
             std::fputs(text.constData(), out);
-            return found;
+            return detection.found();
         }
         tries.append(text);
-        if (!reached) break; // no programmer, no family can do better
+        if (!detection.wantsMore()) break;
     }
     std::fputs(tries.constData(), out);
     std::fflush(out);
-    return found;
+    return detection.found();
 }
 
 bool TQuickRun::checkBuilt(int idCfg) {
@@ -213,28 +206,27 @@ bool TQuickRun::checkBuilt(int idCfg) {
 
 bool TQuickRun::addStep(const Options& opt, IDevice* dev, int idCfg, const Step& step,
                         const QString& workDir) {
+    const QList<QPair<TChipCmds::Op, QString>> ops = opsOf(step.option, opt.memory);
     QStringList codes;
-    for (const QString& code : codesFor(step.option, opt.memory))
-        if (dev && dev->supportCmd(code)) codes.append(code);
-    // Write and verify pairs (fuses, lock bits) need both; file commands take the first that fits.
-    const bool pair = step.option == "fuses" || step.option == "lock";
-    if (codes.isEmpty() || (pair && codes.size() < 2)) {
-        const QString what = step.option == "detect" || step.option == "erase" || pair
-                                 ? step.option
-                                 : QStringLiteral("%1 --memory %2").arg(step.option, opt.memory);
+    for (const auto& op : ops)
+        codes.append(TChipCmds::code(dev, op.first, op.second));
+    if (codes.contains(QString())) {
+        const bool plain = step.option == "detect" || step.option == "erase" || step.option == "fuses" ||
+                           step.option == "lock";
+        const QString what =
+            plain ? step.option : QStringLiteral("%1 --memory %2").arg(step.option, opt.memory);
         fail(Lang.get(TextNoCommand).arg(dev ? dev->getDeviceCode() : opt.chip, what));
         return false;
     }
-    if (!pair) codes = codes.mid(0, 1);
-    TData values;
-    if (pair) values.insert(CTagCmdRWV::data, step.value.toUpper());
+    QString path, format;
     if (step.option == "write" || step.option == "verify" || step.option == "read") {
-        const QString path = QFileInfo(QDir(workDir), step.value).absoluteFilePath();
-        values.insert(CTagCmdRWV::file, path);
-        values.insert(CTagCmdRWV::format, formatKey(opt.format, path, step.option == "read"));
+        path = QFileInfo(QDir(workDir), step.value).absoluteFilePath();
+        format = formatKey(opt.format, path, step.option == "read");
     }
-    for (const QString& code : codes)
-        optionOf.insert(TPrjBuilder::addCmd(ProjectData, idCfg, code, values),
+    for (int i = 0; i < ops.size(); ++i)
+        optionOf.insert(TPrjBuilder::addCmd(
+                            ProjectData, idCfg, codes.at(i),
+                            TChipCmds::values(ops.at(i).first, ops.at(i).second, path, format, step.value)),
                         QStringLiteral("--") + step.option);
     return true;
 }

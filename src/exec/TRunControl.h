@@ -51,6 +51,8 @@ public:
     Tally tally(int idCfg) const { return tallies.value(idCfg); }
     Tally total() const;
     void clearTallies() { tallies.clear(); }
+    // Counts kept from an earlier session.
+    void setTally(int idCfg, const Tally& t) { tallies[idCfg] = t; }
 
     // The text of a duration, "0.41" below ten seconds and "12.4" above.
     static QString seconds(qint64 ms);

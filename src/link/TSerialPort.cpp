@@ -56,6 +56,7 @@ bool TSerialPort::sendPackage(unsigned char cmd, QByteArray& data) {
         return false;
     }
     port->clear(QSerialPort::AllDirections);
+    readAhead.clear();
     if (bridge || !unknownProtocol.isEmpty()) return bridgeExchange(cmd, data);
     buildRequest(cmd, data);
     if (!writeData(txFrame)) return fail();

@@ -141,6 +141,7 @@ private:
     QString errorText;
     QString ownerName;
     QByteArray txFrame, rxFrame;
+    QByteArray readAhead; // what a bridge's wire read beyond the answer it asked for
     std::unique_ptr<IBridge> bridge;
     QString unknownProtocol; // set when the description names a protocol no bridge serves
 };

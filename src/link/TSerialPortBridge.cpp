@@ -58,30 +58,39 @@ bool TSerialPort::send(const QByteArray& bytes) {
     return writeData(bytes);
 }
 
+// Reads whatever has arrived, not only what was asked for: a bridge that sent several commands ahead
+// reads their answers one after the other, and each needs no call of its own then.
 bool TSerialPort::receive(QByteArray& got, int count, int timeOutMs) {
     lineLost = false;
-    const int want = got.size() + count;
-    if (port->bytesAvailable() > 0) got += port->read(count);
+    if (port->bytesAvailable() > 0) readAhead += port->readAll();
     const int fd = static_cast<int>(port->handle());
     char buffer[4096];
-    while (got.size() < want) {
+    bool ok = true;
+    while (readAhead.size() < count) {
         pollfd p{fd, POLLIN, 0};
         const int ready = poll(&p, 1, timeOutMs);
         if (ready < 0 && errno == EINTR) continue;
-        if (ready <= 0) return false;
-        const ssize_t n =
-            ::read(fd, buffer, static_cast<size_t>(qMin<int>(sizeof buffer, want - got.size())));
+        if (ready <= 0) {
+            ok = false;
+            break;
+        }
+        const ssize_t n = ::read(fd, buffer, sizeof buffer);
         if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
         if (n <= 0) {
             lineLost = true;
-            return false;
+            ok = false;
+            break;
         }
-        got.append(buffer, static_cast<int>(n));
+        readAhead.append(buffer, static_cast<int>(n));
     }
-    return true;
+    const int n = qMin(count, readAhead.size());
+    got.append(readAhead.constData(), n);
+    readAhead.remove(0, n);
+    return ok;
 }
 
 void TSerialPort::discardInput() {
+    readAhead.clear();
     port->clear(QSerialPort::Input);
 }
 

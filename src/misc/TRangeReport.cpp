@@ -41,8 +41,7 @@ QString TRangeReport::text(Kind kind, const QString& file, const QString& format
 
 QString TRangeReport::text(Kind kind, qint64 bytes, const QList<Range>& ranges, const QString& file,
                            const QString& format, qint64 nsecs) {
-    const QLocale c(QLocale::English);
-    const QString count = c.toString(bytes);
+    const QString count = countText(bytes);
     const QString where = rangesText(ranges);
     const QString secs = QString::number(double(nsecs) / 1e9, 'f', 2);
     const QString rate = rateText(bytes, nsecs);
@@ -62,6 +61,10 @@ QString TRangeReport::rangesText(const QList<Range>& ranges) {
     QString text = parts.join(QStringLiteral(", "));
     if (ranges.size() > shownRanges) text += Lang.get(LangMoreRanges).arg(ranges.size() - shownRanges);
     return text;
+}
+
+QString TRangeReport::countText(qint64 bytes) {
+    return QLocale(QLocale::English).toString(bytes);
 }
 
 // Kilobytes of 1000 bytes; a transfer too short to time is shown at one microsecond.

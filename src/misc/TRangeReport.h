@@ -23,6 +23,8 @@ public:
     QString text(Kind kind, const QString& file, const QString& format) const;
     static QString text(Kind kind, qint64 bytes, const QList<Range>& ranges, const QString& file,
                         const QString& format, qint64 nsecs);
+    // A byte count as every result shows it: "1,048,576".
+    static QString countText(qint64 bytes);
 
 private:
     static QString rangesText(const QList<Range>& ranges);

@@ -20,10 +20,15 @@ public:
     TCodeCfgStatus getStatus() const;
     TData getData() const;
     void setData(const TData& data);
+    // A configuration made for one run outside the project (the chip panel's actions): it is neither
+    // listed, shown nor saved, and changing it does not change the project.
+    bool isTransient() const { return transient; }
+    void setTransient() { transient = true; }
 
 private:
     mutable TMutex mutex;
     const int uin;
     QString name, desc;
     TCodeCfgStatus status = CfgStatusNone;
+    bool transient = false;
 };

@@ -89,7 +89,7 @@ TDataCfg* TDataPrj::getCfgObject(int idCfg) const {
 int TDataPrj::getIdCfgFromNameCfg(const QString& name) const {
     LOCK;
     for (TDataCfg* cfg : cfgList)
-        if (cfg->getName() == name) return cfg->getUIN();
+        if (!cfg->isTransient() && cfg->getName() == name) return cfg->getUIN();
     return -1;
 }
 
@@ -103,13 +103,21 @@ QStringList TDataPrj::getCfgListName() const {
     LOCK;
     QStringList names;
     for (TDataCfg* cfg : cfgList)
-        names.append(cfg->getName());
+        if (!cfg->isTransient()) names.append(cfg->getName());
     return names;
 }
 
 QList<TDataCfg*> TDataPrj::getCfgList() const {
     LOCK;
-    return cfgList;
+    QList<TDataCfg*> list;
+    for (TDataCfg* cfg : cfgList)
+        if (!cfg->isTransient()) list.append(cfg);
+    return list;
+}
+
+bool TDataPrj::isQuiet(int idCfg) const {
+    const int pos = posCfgOf(idCfg);
+    return pos >= 0 && cfgList.at(pos)->isTransient();
 }
 
 QList<TDataCmd*> TDataPrj::getCmdList() const {
@@ -182,6 +190,7 @@ TData TDataPrj::getCmdData(int idCmd) const {
 // ---- editing ----
 
 void TDataPrj::emitCmd(TCodeView code, int idCmd) {
+    if (TDataCmd* cmd = getCmdObjectFromIdCmd(idCmd); cmd && isQuiet(cmd->getCfgID())) return;
     TData data = getCmdData(idCmd);
     data.insert(CTagCmd::pos, aposOf(idCmd));
     emit signalChangeData(code, data);
@@ -202,10 +211,18 @@ int TDataPrj::newCfg(const QString& name, const QString& desc, int pos) {
     return cfg->getUIN();
 }
 
+int TDataPrj::newTransientCfg(const QString& name) {
+    LOCK;
+    auto* cfg = new TDataCfg(name, QString());
+    cfg->setTransient();
+    cfgList.append(cfg);
+    return cfg->getUIN();
+}
+
 int TDataPrj::newCmd(TData data, int pos, bool bind) {
     LOCK;
-    setChange();
     const int idCfg = data.value(CTagCmd::id_cfg).toInt();
+    if (!isQuiet(idCfg)) setChange();
     const bool enable = data.value(CTagCmd::status).toInt() != 0;
     const QString code = data.value(CTagCmd::cmd).toString();
     TDataCmd::removeModelKeys(data);
@@ -226,7 +243,7 @@ void TDataPrj::updCmdParam(int idCmd, const TData& param) {
     LOCK;
     TDataCmd* cmd = getCmdObjectFromIdCmd(idCmd);
     if (!cmd) return;
-    setChange();
+    if (!isQuiet(cmd->getCfgID())) setChange();
     TData p = param;
     TDataCmd::removeModelKeys(p);
     cmd->setParam(p);
@@ -236,34 +253,39 @@ void TDataPrj::updCmdParam(int idCmd, const TData& param) {
 
 void TDataPrj::delCmd(int idCmd) {
     LOCK;
-    setChange();
     const int apos = aposOf(idCmd);
     if (apos < 0) return;
+    const bool quiet = isQuiet(cmdList.at(apos)->getCfgID());
+    if (!quiet) setChange();
     TData data = cmdList.at(apos)->getData();
     data.insert(CTagCmd::pos, apos);
     delete cmdList.takeAt(apos);
     aposIndexValid = false;
-    emit signalChangeData(CodeViewCmdDel, data);
+    if (!quiet) emit signalChangeData(CodeViewCmdDel, data);
 }
 
 void TDataPrj::delCmdCfg(int idCfg) {
     LOCK;
-    setChange();
+    if (!isQuiet(idCfg)) setChange();
     for (int i = cmdList.size() - 1; i >= 0; --i)
         if (cmdList.at(i)->getCfgID() == idCfg) delCmd(cmdList.at(i)->getUIN());
 }
 
 void TDataPrj::delCfg(int idCfg) {
     LOCK;
-    setChange();
     const int pos = posCfgOf(idCfg);
-    if (pos < 0) return;
+    if (pos < 0) {
+        setChange();
+        return;
+    }
+    const bool quiet = cfgList.at(pos)->isTransient();
+    if (!quiet) setChange();
     delCmdCfg(idCfg);
     TData data = cfgList.at(pos)->getData();
     data.insert(CTagCmd::id_cfg, idCfg);
     data.insert(CTagCmd::pos, pos);
     delete cfgList.takeAt(pos);
-    emit signalChangeData(CodeViewCfgDel, data);
+    if (!quiet) emit signalChangeData(CodeViewCfgDel, data);
 }
 
 void TDataPrj::delCmdDev(int idCmdSetDevice) {
@@ -351,7 +373,9 @@ void TDataPrj::setCfgStatus(int idCfg, TCodeCfgStatus status) {
     LOCK;
     if (TDataCfg* cfg = getCfgObject(idCfg)) {
         cfg->setStatus(status);
-        emit signalChangeData(CodeViewCfgUpd, TData{{CTagCmd::id_cfg, idCfg}, {CTagCfg::cfg_status, status}});
+        if (!cfg->isTransient())
+            emit signalChangeData(CodeViewCfgUpd,
+                                  TData{{CTagCmd::id_cfg, idCfg}, {CTagCfg::cfg_status, status}});
     }
 }
 

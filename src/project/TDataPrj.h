@@ -48,6 +48,9 @@ public:
 
     // Editing.
     int newCfg(const QString& name, const QString& desc, int pos);
+    // A configuration of the model that is not part of the project (TDataCfg::isTransient): appended,
+    // left out of getCfgList and getCfgListName, and edited without signals or the project's change flag.
+    int newTransientCfg(const QString& name);
     // bind false leaves the command unbound and unchecked until updCmdObjectAll (loading a whole file).
     int newCmd(TData data, int pos, bool bind = true);
     void updCmdParam(int idCmd, const TData& param);
@@ -122,6 +125,8 @@ private:
     // Binds a command to its family, device and programmer objects and checks it.
     void bindCmd(TDataCmd* cmd, const QString& progName, const QString& deviceName);
     int posCfgOf(int idCfg) const;
+    // Whether edits of this configuration stay out of the project's signals and change flag.
+    bool isQuiet(int idCfg) const;
     int walkBack(int idCfg, int apos, const std::function<int(TDataCmd*)>& visit) const;
     void emitCmd(TCodeView code, int idCmd);
     void clearObjects();

@@ -9,6 +9,7 @@
 #include "devices/IDevice.h"
 #include "devices/TDevToolsExec.h"
 #include "exec/TRunControl.h"
+#include "exec/TRunCounts.h"
 #include "exec/TRunJournal.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
@@ -21,6 +22,7 @@
 #include "ui/TDialogLanguage.h"
 #include "ui/TDialogSelectPrjList.h"
 #include "ui/TDialogSettings.h"
+#include "ui/TDockChip.h"
 #include "ui/THotKeys.h"
 #include "ui/TWgtCfg.h"
 #include "ui/TWgtCmdList.h"
@@ -71,6 +73,7 @@ TMainWindow::TMainWindow(QWidget* parent)
     statusBar()->addWidget(statusPrj, 1);
     statusBar()->addPermanentWidget(statusRun);
     createActions();
+    createChipPanel();
     createMenus();
     createToolBar();
     applyIconSet();
@@ -201,6 +204,7 @@ void TMainWindow::createMenus() {
         {"AddCfg", "RenameCfg", "", "MoveCfgLeft", "MoveCfgRight", "", "DeleteCfg"});
     add(menuBar()->addMenu(Lang.get(8)),
         {"Run", "RunAll", "", "Stop", "StopAll", "", "Continue", "ContinueAll"});
+    menuBar()->addMenu(Lang.get(1896))->addAction(chipDock->toggleViewAction());
     add(menuBar()->addMenu(Lang.get(15)), {"Settings", "Language", "PrjLists", "", "HexView"});
     add(menuBar()->addMenu(Lang.get(20)), {"GettingStarted", "Shortcuts", "", "About"});
     fillRecentMenu();
@@ -413,6 +417,8 @@ bool TMainWindow::openProject(const QString& file) {
     history.markSaved();
     processConfirmed = false;
     addRecent(abs);
+    for (const QString& name : ProjectData.getCfgListName())
+        control->setTally(ProjectData.getIdCfgFromNameCfg(name), TRunCounts::load(abs, name));
     rebuildTabs();
     updateTitle();
     reportProblems(abs, data);
@@ -556,6 +562,10 @@ int TMainWindow::runCount() const {
 
 void TMainWindow::connectRunControl() {
     control->setStartGate([this](int idCfg) {
+        // The chip panel's runs are outside the project and start no programs; their fuse writes are
+        // asked about like any other.
+        const TDataCfg* cfg = ProjectData.getCfgObject(idCfg);
+        if (cfg && cfg->isTransient()) return confirmLockOut(idCfg);
         return cfgViews.contains(idCfg) && confirmProcess(idCfg) && confirmLockOut(idCfg);
     });
     control->setShowDurations([] { return AppData.logShowTime; });
@@ -577,6 +587,10 @@ bool TMainWindow::runThread(int idCfg) {
 
 void TMainWindow::runStarted(int idCfg) {
     TWgtCfg* view = cfgViews.value(idCfg);
+    if (!view) { // a run of the chip panel, which shows its own log
+        updateActions();
+        return;
+    }
     if (AppData.logClearBeforeRun) view->log()->clear();
     view->log()->blockLogText(true);
     view->showLog();
@@ -599,7 +613,12 @@ void TMainWindow::runPaused(int idCfg) {
 }
 
 void TMainWindow::runFinished(int idCfg, TCodeCfgStatus outcome) {
-    if (TWgtCfg* view = cfgViews.value(idCfg)) view->log()->blockLogText(false);
+    if (TWgtCfg* view = cfgViews.value(idCfg)) {
+        view->log()->blockLogText(false);
+        const QString file = ProjectData.getPrjFileName();
+        if (!file.isEmpty())
+            TRunCounts::save(file, ProjectData.getNameCfgFromIdCfg(idCfg), control->tally(idCfg));
+    }
     if (outcome == CfgStatusStopped)
         statusBar()->showMessage(Lang.get(1306).arg(ProjectData.getNameCfgFromIdCfg(idCfg)));
     else if (!control->isPaused(idCfg) && control->pausedRuns().isEmpty())
@@ -670,6 +689,8 @@ void TMainWindow::loadWindowSettings() {
     if (tree > 0) splitter->setSizes({tree, qMax(200, width() - tree)});
     recent = s.value("/Main/RecentPrj").toStringList();
     fillRecentMenu();
+    // The docks' places and whether they are shown.
+    restoreState(s.value("/WindowMain/State").toByteArray());
 }
 
 void TMainWindow::saveWindowSettings() const {
@@ -682,6 +703,7 @@ void TMainWindow::saveWindowSettings() const {
     s.setValue("/WindowMain/Maximized", isMaximized());
     s.setValue("/WindowMain/TreeWidth", splitter->sizes().value(0));
     s.setValue("/Main/RecentPrj", recent);
+    s.setValue("/WindowMain/State", saveState());
     s.sync();
 }
 
@@ -705,6 +727,8 @@ void TMainWindow::actSettings() {
     applyIconSet();
     for (TWgtCfg* view : cfgViews)
         view->log()->applySettings();
+    chipDock->loadProgs();
+    chipDock->log()->applySettings();
 }
 
 void TMainWindow::actLanguage() {

@@ -15,6 +15,7 @@ class QLabel;
 class QMenu;
 class QSplitter;
 class QTabWidget;
+class TDockChip;
 class TRunControl;
 class TWgtCfg;
 class TWgtCmdList;
@@ -47,6 +48,10 @@ public:
     bool isPaused(int idCfg) const;
     int runCount() const;
     TRunControl* runControl() const { return control; }
+    TDockChip* chipPanel() const { return chipDock; }
+    // The chip panel's actions done become a configuration of the open project, one step of undo; the
+    // buffer goes to the data file the user names when they used it. The new id, or -1.
+    int saveChipAsCfg();
 
     int currentIdCfg() const;
     TWgtCfg* cfgView(int idCfg) const { return cfgViews.value(idCfg); }
@@ -99,11 +104,14 @@ protected:
     // whose family has nothing to set is taken without asking.
     virtual bool askCmdParam(int idCmd, TData& param, bool fresh);
     virtual bool askCfg(int idCfg, QString& name, QString& desc);
+    // The data file of a configuration made in the chip panel; false when the user cancelled.
+    virtual bool askDataFile(QString& file);
 
 private:
     void createActions();
     void createMenus();
     void createToolBar();
+    void createChipPanel();
     QAction* action(const char* key, const QString& text, const char* icon, std::function<void()> fn);
     void createEditActions();
     void addActions(QMenu* menu, const QStringList& keys);
@@ -176,6 +184,7 @@ private:
     QHash<QString, QAction*> actionByKey;
     QHash<int, TWgtCfg*> cfgViews;
     TRunControl* control;
+    TDockChip* chipDock = nullptr;
     QStringList recent;
     bool processConfirmed = false;
     TPrjHistory history;

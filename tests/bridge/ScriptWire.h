@@ -18,9 +18,11 @@ public:
     bool done() const { return steps.isEmpty() && pending.isEmpty() && mismatch.isEmpty(); }
     QString mismatch;
     QByteArray allSent;
+    QList<QByteArray> sends; // each send on its own: what went ahead of its answers
 
     bool send(const QByteArray& bytes) override {
         allSent += bytes;
+        sends.append(bytes);
         pending += bytes;
         while (!steps.isEmpty() && pending.size() >= steps.first().first.size()) {
             const QPair<QByteArray, QByteArray> step = steps.takeFirst();

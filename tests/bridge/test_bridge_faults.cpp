@@ -10,7 +10,7 @@ class TestBridgeFaults : public QObject {
 private slots:
     void initTestCase() { Lang.loadData(TARVELIX_DATA_DIR "/language/eng.lng"); }
 
-    // serprog: the start takes 19 answers (8 NOPs, 2 SYNCNOPs, 7 queries, clock and drivers at the
+    // serprog: the start takes 20 answers (8 NOPs, 2 SYNCNOPs, 8 queries, clock and drivers at the
     // set-device); the identification's O_SPIOP is the request after them.
     void serprog_data() {
         QTest::addColumn<QStringList>("faults");
@@ -22,14 +22,14 @@ private slots:
         QTest::newRow("NAK") << QStringList{"--error", "0x13:1"}
                              << "The serprog programmer on %1 refused O_SPIOP (0x13)";
         QTest::newRow("garbled")
-            << QStringList{"--corrupt", "20"}
+            << QStringList{"--corrupt", "21"}
             << "The serprog programmer on %1 answered O_SPIOP (0x13) with 0x55 instead of an "
                "acknowledge";
         QTest::newRow("silence")
-            << QStringList{"--silent-after", "19"}
+            << QStringList{"--silent-after", "20"}
             << "The serprog programmer on %1 did not answer O_SPIOP (0x13) within 200 ms";
         QTest::newRow("unplugged")
-            << QStringList{"--unplug-after", "19"}
+            << QStringList{"--unplug-after", "20"}
             << "The line to the serprog programmer on %1 went away during O_SPIOP (0x13)";
     }
     void serprog() {

@@ -27,15 +27,19 @@ void sync(ScriptWire& w) {
     w.expect("10", "1506");
 }
 
-// A full start: rdnMax is the 24-bit read limit the firmware reports, as hex.
-void start(ScriptWire& w, const char* rdnMax = "000100") {
+// A full start: rdnMax is the 24-bit read limit the firmware reports, as hex; serBuf, when given, the
+// 16-bit serial buffer size of a firmware that lists Q_SERBUF.
+void start(ScriptWire& w, const char* rdnMax = "000100", const char* serBuf = nullptr) {
     sync(w);
     w.expect("01", "060100");
-    w.expect("02", QByteArray("06").append(fullMap).append("00").constData());
+    QByteArray map = QByteArray("06").append(fullMap).append("00");
+    if (serBuf) map[2] = '3'; // 0x3f: Q_SERBUF too
+    w.expect("02", map.constData());
     w.expect("05", "0608");
     w.expect("1208", "06");
     w.expect("11", QByteArray("06").append(rdnMax).constData());
     w.expect("08", "06000000");
+    if (serBuf) w.expect("04", QByteArray("06").append(serBuf).constData());
     w.expect("03", QByteArray("06").append(pgmName).constData());
 }
 } // namespace
@@ -107,6 +111,46 @@ private slots:
         const TBridgeReply r = send(b, w, 4, QByteArray::fromHex("02000100aabb"));
         QVERIFY(r.ok());
         QVERIFY(r.data.isEmpty());
+        check(w);
+    }
+
+    // Write enable, program and status read are 8 + 13 + 8 bytes: with a serial buffer above that
+    // they go ahead of their answers at once, as flashrom streams; at exactly that size the status
+    // read waits; a NAK in the group still has the other answers read.
+    void writeGroupGoesAheadWithinTheSerialBuffer() {
+        for (const char* serBuf : {"1e00", "1d00"}) {
+            TBridgeSerprog b;
+            ScriptWire w;
+            start(w, "000100", serBuf);
+            w.expect("1400093d00", "0600093d00");
+            w.expect("1501", "06");
+            QVERIFY(send(b, w, 0x84, setDevice(2, 4000000)).ok());
+            const int before = w.sends.size();
+            w.expect("1301000000000006", "06");
+            w.expect("1306000000000002000100aabb", "06");
+            w.expect("1301000001000005", "0600");
+            QVERIFY(send(b, w, 4, QByteArray::fromHex("02000100aabb")).ok());
+            const QList<int> sizes = QString(serBuf) == "1e00" ? QList<int>{29} : QList<int>{21, 8};
+            QList<int> sent;
+            for (int i = before; i < w.sends.size(); ++i)
+                sent.append(w.sends.at(i).size());
+            QCOMPARE(sent, sizes);
+            check(w);
+        }
+        TBridgeSerprog b;
+        ScriptWire w;
+        start(w, "000100", "0010");
+        w.expect("1400093d00", "0600093d00");
+        w.expect("1501", "06");
+        QVERIFY(send(b, w, 0x84, setDevice(2, 4000000)).ok());
+        w.expect("1301000000000006", "06");
+        w.expect("1306000000000002000100aabb", "15");
+        w.expect("1301000001000005", "0600");
+        const TBridgeReply r = send(b, w, 4, QByteArray::fromHex("02000100aabb"));
+        QCOMPARE(int(r.kind), int(TBridgeReply::Kind::Refused));
+        QCOMPARE(r.text, QString("The serprog programmer on /dev/ttyTEST refused O_SPIOP (0x13)"));
+        w.expect("130100000300009f", "06ef4014");
+        QCOMPARE(send(b, w, 3, QByteArray::fromHex("03009f")).data, QByteArray::fromHex("ef4014"));
         check(w);
     }
 

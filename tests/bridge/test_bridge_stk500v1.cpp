@@ -102,6 +102,8 @@ private slots:
                  "1410");
         QCOMPARE(b.exchange(w, 7, QByteArray::fromHex("054c008000")).data, QByteArray::fromHex("004c0080"));
         QCOMPARE(w.paused - paused, 5); // the wait byte: 5 ms
+        // The addresses go with the page, ahead of their answers: one round trip.
+        QCOMPARE(w.sends.last(), w.allSent.mid(sent));
         check(w);
     }
 
@@ -127,6 +129,22 @@ private slots:
                  "20",
                  "1410");
         QVERIFY(b.exchange(w, 6, QByteArray::fromHex("05000102")).ok());
+        check(w);
+    }
+
+    // A page refused after its address was taken: both answers are read, and the next command finds
+    // the line in step.
+    void refusedPageKeepsTheLineInStep() {
+        TBridgeStk500v1 b;
+        ScriptWire w;
+        select(b, w);
+        w.expect("55000020", "1410");
+        w.expect("64000245010220", "1411");
+        const TBridgeReply r = b.exchange(w, 6, QByteArray::fromHex("00000102"));
+        QCOMPARE(int(r.kind), int(TBridgeReply::Kind::Refused));
+        QCOMPARE(r.text, QString("The stk500v1 programmer on /dev/ttyTEST refused PROG_PAGE (0x64)"));
+        w.expect("563000000020", "141e10");
+        QCOMPARE(b.exchange(w, 7, QByteArray::fromHex("0030000000")).data, QByteArray::fromHex("0030001e"));
         check(w);
     }
 

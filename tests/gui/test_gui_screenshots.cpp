@@ -13,12 +13,14 @@
 #include "ui/TDialogHexView.h"
 #include "ui/TDialogSelectDevice.h"
 #include "ui/TDialogSettings.h"
+#include "ui/TDockChip.h"
 #include "ui/TFormCmd.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtCfg.h"
-#include "ui/TWgtHexView.h"
 #include "ui/TWgtHexEdit.h"
+#include "ui/TWgtHexView.h"
 
+#include <QAction>
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -111,6 +113,7 @@ private slots:
     void mainWindow() {
         TMainWindow w;
         w.resize(1280, 800);
+        w.chipPanel()->hide();
         w.show();
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
         const int timing = ProjectData.getIdCfgFromNameCfg("Timing");
@@ -125,6 +128,45 @@ private slots:
         w.closeProject();
     }
 
+    // The chip panel beside the project after a read of an SPI flash.
+    void chipPanel() {
+        SimFixture sim;
+        QByteArray image;
+        while (image.size() < (1 << 20))
+            image += QStringLiteral("Tarvelix boot %1 ")
+                         .arg(image.size() / 18, 5, 10, QLatin1Char('0'))
+                         .toLatin1();
+        QFile f(sim.path("image.bin"));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(image.left(1 << 20));
+        f.close();
+        QVERIFY(sim.start(
+            {"--chip", "W25Q80RV", "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()}));
+        AppData.progName.clear();
+        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        TMainWindow w;
+        w.resize(1280, 800);
+        w.show();
+        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        TDockChip* panel = w.chipPanel();
+        w.resizeDocks({panel}, {620}, Qt::Horizontal);
+        panel->loadProgs();
+        QVERIFY(panel->selectChip("W25Q80RV"));
+        QVERIFY(panel->start(TChipSession::Read));
+        QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), 20000);
+        QCOMPARE(panel->buffer(), image.left(1 << 20));
+        save(w, "chip_panel", QSize(1280, 800));
+        // Bytes typed into the editor, then compared with the chip: changed bytes and the run found.
+        panel->hexEditor()->goTo(0x24);
+        QTest::keyClicks(panel->hexEditor(), "DEADBEEF");
+        panel->hexEditor()->setSelection(0x40, 16);
+        QVERIFY(panel->start(TChipSession::CompareChip));
+        QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), 20000);
+        QCOMPARE(panel->hexEditor()->diffs().size(), 1);
+        save(*panel, "chip_panel_hex_editor", panel->size());
+        w.closeProject();
+    }
+
     // The 24C256 configuration against an empty two-wire socket: the failed run's block.
     void failedRun() {
         SimFixture sim;
@@ -133,6 +175,7 @@ private slots:
         AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
         TMainWindow w;
         w.resize(1280, 800);
+        w.chipPanel()->hide();
         w.show();
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
         const int eeprom = ProjectData.getIdCfgFromNameCfg("24C256 EEPROM");
@@ -154,6 +197,7 @@ private slots:
         AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
         TMainWindow w;
         w.resize(1280, 800);
+        w.chipPanel()->hide();
         w.show();
         QVERIFY(w.openProject(dir.filePath("demo.prj")));
         const int check = ProjectData.getIdCfgFromNameCfg("Programmer check");

@@ -26,6 +26,9 @@ const int pgmNameSize = 16;
 const unsigned char busSpi = 0x08;
 // Lengths are 24-bit; 0 in a length query means the protocol's maximum.
 const int lengthMax = (1 << 24) - 1;
+// What flashrom assumes of a firmware's serial buffer when it does not answer Q_SERBUF: commands sent
+// ahead of their answers must stay below it.
+const int serBufDefault = 16;
 // Some firmwares (pico-serprog) take no more than this in one operation.
 const int opMax = 4096;
 } // namespace CSerprog

@@ -61,6 +61,7 @@ void TBridgeSerprog::forget() {
     cmdMap.clear();
     readMax = CSerprog::opMax;
     writeMax = CSerprog::opMax;
+    serBuf = CSerprog::serBufDefault;
 }
 
 bool TBridgeSerprog::offers(unsigned char op) const {
@@ -101,6 +102,12 @@ TBridgeReply TBridgeSerprog::command(IBridgeWire& wire, unsigned char op, const 
                                      int answerSize, QByteArray& answer) {
     answer.clear();
     if (!wire.send(QByteArray(1, char(op)) + params)) return noAnswer(wire, name(op), 0, answerSize + 1);
+    return answerOf(wire, op, answerSize, answer);
+}
+
+TBridgeReply TBridgeSerprog::answerOf(IBridgeWire& wire, unsigned char op, int answerSize,
+                                      QByteArray& answer) {
+    answer.clear();
     QByteArray status;
     if (!wire.receive(status, 1, wire.answerTimeOut())) return noAnswer(wire, name(op), 0, answerSize + 1);
     if (uchar(status.at(0)) == CSerprog::nak) return refusedBy(wire, name(op));
@@ -139,6 +146,11 @@ TBridgeReply TBridgeSerprog::start(IBridgeWire& wire) {
         if (!(r = query(wire, op, 3, a)).ok()) return r;
         const int n = u24(a) == 0 ? CSerprog::lengthMax : u24(a);
         (op == CSerprog::qRdnMaxLen ? readMax : writeMax) = qMin(n, CSerprog::opMax);
+    }
+    if (offers(CSerprog::qSerBuf)) {
+        if (!(r = query(wire, CSerprog::qSerBuf, 2, a)).ok()) return r;
+        const int size = uchar(a.at(0)) | uchar(a.at(1)) << 8;
+        if (size > 0) serBuf = size;
     }
     QString pgm = QStringLiteral("(unknown)");
     if (offers(CSerprog::qPgmName)) {
@@ -199,12 +211,40 @@ TBridgeReply TBridgeSerprog::transaction(IBridgeWire& wire, const QByteArray& tx
     return command(wire, CSerprog::oSpiOp, spiOp(tx, readCount), readCount, rx);
 }
 
+// Operations go ahead of their answers as long as what is on its way stays below the firmware's serial
+// buffer, as flashrom streams them; a NAK does not end the group before its other answers are read,
+// so the line stays in step.
+TBridgeReply TBridgeSerprog::transactions(IBridgeWire& wire, const QList<TBridgeSpiFlash::Shift>& shifts,
+                                          QList<QByteArray>& rx) {
+    rx.clear();
+    TBridgeReply first = TBridgeReply::done();
+    for (int at = 0; at < shifts.size();) {
+        QByteArray ahead;
+        int n = 0;
+        do {
+            const TBridgeSpiFlash::Shift& s = shifts.at(at + n);
+            ahead += char(CSerprog::oSpiOp) + spiOp(s.tx, s.readCount);
+            ++n;
+        } while (at + n < shifts.size() && ahead.size() + 1 + spiOp(shifts.at(at + n).tx, 0).size() < serBuf);
+        if (!wire.send(ahead)) return noAnswer(wire, name(CSerprog::oSpiOp), 0, 1);
+        for (; n > 0; --n, ++at) {
+            rx.append(QByteArray());
+            const TBridgeReply r = answerOf(wire, CSerprog::oSpiOp, shifts.at(at).readCount, rx.last());
+            if (r.kind == TBridgeReply::Kind::Lost) return r;
+            if (first.ok()) first = r;
+        }
+    }
+    return first;
+}
+
 TBridgeReply TBridgeSerprog::read(IBridgeWire& wire, const QByteArray& data) {
     return TBridgeSpiFlash::read(data, readMax, writeMax, spi(wire));
 }
 
 TBridgeReply TBridgeSerprog::write(IBridgeWire& wire, const QByteArray& tx) {
-    return TBridgeSpiFlash::write(tx, writeMax, spi(wire));
+    return TBridgeSpiFlash::write(tx, writeMax, spi(wire), [this, &wire](const auto& shifts, auto& rx) {
+        return transactions(wire, shifts, rx);
+    });
 }
 
 TBridgeSpiFlash::Transaction TBridgeSerprog::spi(IBridgeWire& wire) {

@@ -32,7 +32,11 @@ private:
     // One command: op and its parameters out, ACK and answerSize bytes back.
     TBridgeReply command(IBridgeWire& wire, unsigned char op, const QByteArray& params, int answerSize,
                          QByteArray& answer);
+    // The ACK or NAK of op and its answer, once op has been sent.
+    TBridgeReply answerOf(IBridgeWire& wire, unsigned char op, int answerSize, QByteArray& answer);
     TBridgeReply transaction(IBridgeWire& wire, const QByteArray& tx, int readCount, QByteArray& rx);
+    TBridgeReply transactions(IBridgeWire& wire, const QList<TBridgeSpiFlash::Shift>& shifts,
+                              QList<QByteArray>& rx);
     TBridgeReply read(IBridgeWire& wire, const QByteArray& data);
     TBridgeReply write(IBridgeWire& wire, const QByteArray& tx);
     TBridgeSpiFlash::Transaction spi(IBridgeWire& wire);
@@ -44,4 +48,5 @@ private:
     QByteArray cmdMap;
     int readMax = CSerprog::opMax;
     int writeMax = CSerprog::opMax;
+    int serBuf = CSerprog::serBufDefault;
 };

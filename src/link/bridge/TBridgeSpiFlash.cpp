@@ -45,8 +45,22 @@ TBridgeReply TBridgeSpiFlash::read(const QByteArray& data, int readMax, int writ
     return TBridgeReply::done(all);
 }
 
-// A page program longer than the hardware takes goes as several programs.
-TBridgeReply TBridgeSpiFlash::write(const QByteArray& tx, int writeMax, const Transaction& spi) {
+TBridgeSpiFlash::Transactions TBridgeSpiFlash::oneByOne(const Transaction& spi) {
+    return [spi](const QList<Shift>& shifts, QList<QByteArray>& rx) {
+        rx.clear();
+        for (const Shift& s : shifts) {
+            rx.append(QByteArray());
+            TBridgeReply r = spi(s.tx, s.readCount, rx.last());
+            if (!r.ok()) return r;
+        }
+        return TBridgeReply::done();
+    };
+}
+
+// A page program longer than the hardware takes goes as several programs. Most writes are done by
+// the time the first status is read; only a busy one is polled further.
+TBridgeReply TBridgeSpiFlash::write(const QByteArray& tx, int writeMax, const Transaction& spi,
+                                    const Transactions& group) {
     if (tx.isEmpty()) return TBridgeReply::error(CProtocol::ErrLength);
     const bool cut = tx.size() > writeMax;
     if (cut &&
@@ -55,16 +69,19 @@ TBridgeReply TBridgeSpiFlash::write(const QByteArray& tx, int writeMax, const Tr
     const int piece = cut ? writeMax - header : tx.size();
     const int dataBytes = cut ? tx.size() - header : piece;
     const qint64 start = cut ? addressOf(tx) : 0;
-    QByteArray rx;
+    const Transactions shifts = group ? group : oneByOne(spi);
+    const QByteArray readStatus(1, char(CProtocol::Spi::OpReadStatus1));
+    QList<QByteArray> rx;
     for (int done = 0; done < dataBytes; done += piece) {
         QByteArray part = tx;
         if (cut) {
             part = tx.left(header) + tx.mid(header + done, piece);
             setAddress(part, start + done);
         }
-        TBridgeReply r = spi(QByteArray(1, char(CBridge::spiWriteEnable)), 0, rx);
-        if (r.ok()) r = spi(part, 0, rx);
-        if (r.ok()) r = waitReady(spi);
+        TBridgeReply r =
+            shifts({{QByteArray(1, char(CBridge::spiWriteEnable)), 0}, {part, 0}, {readStatus, 1}}, rx);
+        if (r.ok() && (rx.last().isEmpty() || uchar(rx.last().at(0)) & CBridge::spiStatusBusy))
+            r = waitReady(spi);
         if (!r.ok()) return r;
     }
     return TBridgeReply::done();

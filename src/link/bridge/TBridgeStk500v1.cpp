@@ -110,9 +110,15 @@ void TBridgeStk500v1::forget() {
 TBridgeReply TBridgeStk500v1::command(IBridgeWire& wire, const QByteArray& packet, int answerSize,
                                       QByteArray& answer, int timeOutMs) {
     const QString what = name(uchar(packet.at(0)));
-    const int wait = timeOutMs > 0 ? timeOutMs : wire.answerTimeOut();
     answer.clear();
     if (!wire.send(packet)) return noAnswer(wire, what, 0, answerSize + 2);
+    return answerOf(wire, what, answerSize, answer, timeOutMs);
+}
+
+TBridgeReply TBridgeStk500v1::answerOf(IBridgeWire& wire, const QString& what, int answerSize,
+                                       QByteArray& answer, int timeOutMs) {
+    const int wait = timeOutMs > 0 ? timeOutMs : wire.answerTimeOut();
+    answer.clear();
     QByteArray status;
     if (!wire.receive(status, 1, wait)) return noAnswer(wire, what, 0, answerSize + 2);
     if (uchar(status.at(0)) != CStk500v1::inSync) return unexpected(wire, what, uchar(status.at(0)));
@@ -123,6 +129,38 @@ TBridgeReply TBridgeStk500v1::command(IBridgeWire& wire, const QByteArray& packe
     if (uchar(status.at(0)) == CStk500v1::failed) return refusedBy(wire, what);
     if (uchar(status.at(0)) != CStk500v1::ok) return unexpected(wire, what, uchar(status.at(0)));
     return TBridgeReply::done();
+}
+
+// The sketch answers LOAD_ADDRESS and UNIVERSAL at once, so the page command can follow them without
+// waiting: nothing is sent while it writes a page. Every answer is read, so that a refusal leaves the
+// line in step. The part's extended address register holds word-address bits 23-16.
+TBridgeReply TBridgeStk500v1::addressed(IBridgeWire& wire, bool flash, qint64 byteAddress,
+                                        const QByteArray& pageCommand, int answerSize, QByteArray& answer) {
+    const int extended = int(byteAddress >> 17);
+    const bool setExtended = flash && extended != targetExt;
+    QByteArray ahead;
+    if (setExtended)
+        ahead += universalPacket(QByteArray(1, char(CProtocol::Avr::InExtendedAddress))
+                                     .append('\0')
+                                     .append(char(extended))
+                                     .append('\0'));
+    ahead += loadAddressPacket(int(byteAddress >> 1)) + pageCommand;
+    answer.clear();
+    if (!wire.send(ahead)) return noAnswer(wire, name(uchar(ahead.at(0))), 0, 2);
+    QByteArray ignored;
+    TBridgeReply first = TBridgeReply::done();
+    if (setExtended) {
+        first = answerOf(wire, name(CStk500v1::universal), 1, ignored, 0);
+        if (first.ok()) targetExt = extended;
+        if (first.kind == TBridgeReply::Kind::Lost) return first;
+    }
+    for (const bool page : {false, true}) {
+        const TBridgeReply r = answerOf(wire, name(uchar(page ? pageCommand.at(0) : CStk500v1::loadAddress)),
+                                        page ? answerSize : 0, page ? answer : ignored, 0);
+        if (r.kind == TBridgeReply::Kind::Lost) return r;
+        if (first.ok()) first = r;
+    }
+    return first;
 }
 
 // As avrdude: the board resets when the line opens; GET_SYNC until the sketch answers.
@@ -300,15 +338,6 @@ int TBridgeStk500v1::delayOf(unsigned char a, unsigned char b) const {
     return key ? value(part, key, defaultDelayMs) : defaultDelayMs;
 }
 
-// The part's extended address register holds word-address bits 23-16.
-TBridgeReply TBridgeStk500v1::targetExtended(IBridgeWire& wire, int wordBits) {
-    if (wordBits == targetExt) return TBridgeReply::done();
-    unsigned char ignored = 0;
-    TBridgeReply r = universal(wire, CProtocol::Avr::InExtendedAddress, 0, uchar(wordBits), 0, ignored);
-    if (r.ok()) targetExt = wordBits;
-    return r;
-}
-
 TBridgeReply TBridgeStk500v1::flushPage(IBridgeWire& wire) {
     if (pendingAt < 0) return TBridgeReply::done();
     const qint64 at = pendingAt;
@@ -321,11 +350,9 @@ TBridgeReply TBridgeStk500v1::flushPage(IBridgeWire& wire) {
         const qint64 byte = at + done;
         n = int(qMin<qint64>(data.size() - done, flashPage() - byte % flashPage()));
         const QByteArray piece = data.mid(done, n);
-        TBridgeReply r = targetExtended(wire, int(byte >> 17));
-        if (r.ok()) r = command(wire, loadAddressPacket(int(byte >> 1)), 0, a);
-        if (r.ok())
-            r = command(wire, pagePacket(CStk500v1::progPage, CStk500v1::memFlash, piece.size(), piece), 0,
-                        a);
+        const TBridgeReply r =
+            addressed(wire, true, byte,
+                      pagePacket(CStk500v1::progPage, CStk500v1::memFlash, piece.size(), piece), 0, a);
         if (!r.ok()) return r;
     }
     return TBridgeReply::done();
@@ -340,10 +367,8 @@ TBridgeReply TBridgeStk500v1::readMemory(IBridgeWire& wire, char memory, qint64 
     while (all.size() < total) {
         const qint64 at = start + all.size();
         const int n = qMin(CStk500v1::pageMax, total - all.size());
-        TBridgeReply r =
-            memory == CStk500v1::memFlash ? targetExtended(wire, int(at >> 17)) : TBridgeReply::done();
-        if (r.ok()) r = command(wire, loadAddressPacket(int(at >> 1)), 0, a);
-        if (r.ok()) r = command(wire, pagePacket(CStk500v1::readPage, memory, n, QByteArray()), n, a);
+        const TBridgeReply r = addressed(wire, memory == CStk500v1::memFlash, at,
+                                         pagePacket(CStk500v1::readPage, memory, n, QByteArray()), n, a);
         if (!r.ok()) return r;
         all += a;
     }
@@ -361,10 +386,9 @@ TBridgeReply TBridgeStk500v1::writeEeprom(IBridgeWire& wire, int byteAddress, QB
     QByteArray a;
     for (int done = 0; done < data.size(); done += CStk500v1::pageMax) {
         const QByteArray piece = data.mid(done, CStk500v1::pageMax);
-        TBridgeReply r = command(wire, loadAddressPacket((byteAddress + done) >> 1), 0, a);
-        if (r.ok())
-            r = command(wire, pagePacket(CStk500v1::progPage, CStk500v1::memEeprom, piece.size(), piece), 0,
-                        a);
+        const TBridgeReply r =
+            addressed(wire, false, byteAddress + done,
+                      pagePacket(CStk500v1::progPage, CStk500v1::memEeprom, piece.size(), piece), 0, a);
         if (!r.ok()) return r;
     }
     return TBridgeReply::done();

@@ -36,13 +36,18 @@ private:
     // Sends a command and reads INSYNC, answerSize bytes and OK.
     TBridgeReply command(IBridgeWire& wire, const QByteArray& packet, int answerSize, QByteArray& answer,
                          int timeOutMs = 0);
+    TBridgeReply answerOf(IBridgeWire& wire, const QString& what, int answerSize, QByteArray& answer,
+                          int timeOutMs);
+    // The address (and the extended address when it changes) sent with the page command that uses it,
+    // the answers read after: one round trip on the line instead of two or three.
+    TBridgeReply addressed(IBridgeWire& wire, bool flash, qint64 byteAddress, const QByteArray& pageCommand,
+                           int answerSize, QByteArray& answer);
     TBridgeReply instruction(IBridgeWire& wire, const QByteArray& data);
     TBridgeReply universal(IBridgeWire& wire, unsigned char a, unsigned char b, unsigned char c,
                            unsigned char d, unsigned char& result);
     TBridgeReply wait(IBridgeWire& wire, unsigned char waitByte, unsigned char a, unsigned char b);
     // The part's delay in ms for a write instruction beginning a, b.
     int delayOf(unsigned char a, unsigned char b) const;
-    TBridgeReply targetExtended(IBridgeWire& wire, int wordBits);
     TBridgeReply flushPage(IBridgeWire& wire);
     TBridgeReply readMemory(IBridgeWire& wire, char memory, qint64 byteAddress, int length);
     TBridgeReply writeEeprom(IBridgeWire& wire, int byteAddress, QByteArray data);
