@@ -36,10 +36,10 @@ def parse(column, text, nonstandard):
         else:
             raise ValueError("%s: letter %r" % (column, ch))
     for entry in nonstandard.split(";"):
-        col, _, spec = entry.partition(":")
+        col, _, overrides = entry.partition(":")
         if col.strip() != column:
             continue
-        for item in spec.split():
+        for item in overrides.split():
             m = re.fullmatch(r"bit(\d+)=([aio])(\d+)", item)
             tokens[31 - int(m.group(1))] = (m.group(2), int(m.group(3)))
     return tokens
