@@ -28,14 +28,16 @@ void TCmdFamily::getDefaultCmdParam(TData& p) {
     if (!row) return;
     qint64 begin, size;
     spaceRange(*row, begin, size);
-    if (!TCmdTable::defaults(*row, this, p, begin, size)) ownDefaults(*row, p);
+    const TCmdOwn& own = ownOf(*row);
+    if (!TCmdTable::defaults(*row, this, p, begin, size) && own.defaults) own.defaults(*this, *row, p);
 }
 
 QString TCmdFamily::getViewCmdParam(const TData& p, QWidget*) const {
     const TCmdRow* row = rowOf(p);
     QString text;
     if (!row || TCmdTable::view(*row, p, text)) return text;
-    return ownView(*row, p);
+    const TCmdOwn& own = ownOf(*row);
+    return own.view ? own.view(*this, *row, p) : QString();
 }
 
 QWidget* TCmdFamily::getFormCmdParam(const TData& p) const {
@@ -44,7 +46,8 @@ QWidget* TCmdFamily::getFormCmdParam(const TData& p) const {
     if (row) {
         qint64 begin, size;
         spaceRange(*row, begin, size);
-        if (!TCmdTable::form(*row, this, p, begin, size, form)) form = ownForm(*row, p);
+        const TCmdOwn& own = ownOf(*row);
+        if (!TCmdTable::form(*row, this, p, begin, size, form) && own.form) form = own.form(*this, *row, p);
     }
     return keepForm(form);
 }
@@ -56,7 +59,8 @@ bool TCmdFamily::checkCmdParam(const TData& p) {
     spaceRange(*row, begin, size);
     bool valid = false;
     if (TCmdTable::check(*row, p, begin, size, valid)) return valid;
-    return ownCheck(*row, p);
+    const TCmdOwn& own = ownOf(*row);
+    return !own.check || own.check(*this, *row, p);
 }
 
 void TCmdFamily::spaceRange(const TCmdRow& row, qint64& begin, qint64& size) const {
@@ -65,16 +69,7 @@ void TCmdFamily::spaceRange(const TCmdRow& row, qint64& begin, qint64& size) con
     size = keys.size ? devValue(keys.size) : 0;
 }
 
-void TCmdFamily::ownDefaults(const TCmdRow&, TData&) {}
-
-QString TCmdFamily::ownView(const TCmdRow&, const TData&) const {
-    return QString();
-}
-
-TFormCmd* TCmdFamily::ownForm(const TCmdRow&, const TData&) const {
-    return nullptr;
-}
-
-bool TCmdFamily::ownCheck(const TCmdRow&, const TData&) const {
-    return false;
+const TCmdOwn& TCmdFamily::ownOf(const TCmdRow& row) {
+    static const TCmdOwn none{nullptr, nullptr, nullptr, nullptr};
+    return row.kind == TCmdKind::Own && row.own ? *row.own : none;
 }

@@ -17,11 +17,12 @@ QStringList TCmdTable::codes(const TCmdRows& rows) {
     return out;
 }
 
-TCmdRows TCmdTable::ownRows(std::initializer_list<const char*> codes) {
+TCmdRows TCmdTable::ownRows(std::initializer_list<TCmdOwnRow> own) {
     TCmdRows rows;
-    for (const char* code : codes) {
-        const bool divider = QLatin1String(code) == QLatin1String(CTagCmdCode::separator);
-        rows.append({code, divider ? TCmdKind::Separator : TCmdKind::Own, TCmdOp::None, 0});
+    for (const TCmdOwnRow& r : own) {
+        const bool divider = QLatin1String(r.code) == QLatin1String(CTagCmdCode::separator);
+        const TCmdKind kind = divider ? TCmdKind::Separator : r.own ? TCmdKind::Own : TCmdKind::Plain;
+        rows.append({r.code, kind, TCmdOp::None, 0, r.own});
     }
     return rows;
 }

@@ -8,10 +8,12 @@
 #include <initializer_list>
 
 class IDevice;
+class TCmdFamily;
 class TFormCmd;
+struct TCmdRow;
 
 // What a command's parameters are. The shared kinds are defaulted, shown, edited and checked here, the
-// same way for every family; a family handles its own kind (Own) itself.
+// same way for every family; a row of the family's own kind (Own) names its own handling (TCmdOwn).
 enum class TCmdKind {
     Separator, // a divider in the offered list, not a command
     Plain,     // no parameters (identification, erase, empty test)
@@ -26,13 +28,31 @@ enum class TCmdKind {
 // What a read, write or verify command does with its range.
 enum class TCmdOp { None, Read, Write, Verify };
 
-// One row of a family's command table: the command code, its kind, what it does and the memory space it
-// works on (the family's own numbering; 0 is the main memory).
+// The handling of a command of a family's own kind, kept in the family's source beside its table. A
+// hook left nullptr means no defaults, an empty view, no form, or always valid. The row is passed so one
+// handling can serve the read, write and verify of the same parameters.
+struct TCmdOwn {
+    void (*defaults)(const TCmdFamily& dev, const TCmdRow& row, TData& p);
+    QString (*view)(const TCmdFamily& dev, const TCmdRow& row, const TData& p);
+    TFormCmd* (*form)(const TCmdFamily& dev, const TCmdRow& row, const TData& p);
+    bool (*check)(const TCmdFamily& dev, const TCmdRow& row, const TData& p);
+};
+
+// One row of a family's command table: the command code, its kind, what it does, the memory space it
+// works on (the family's own numbering; 0 is the main memory) and, for its own kind, its handling.
 struct TCmdRow {
     const char* code;
     TCmdKind kind;
     TCmdOp op;
     int space;
+    const TCmdOwn* own = nullptr;
+};
+
+// A row of a table whose commands have no memory space: the code and its handling (none: a command
+// without parameters).
+struct TCmdOwnRow {
+    const char* code;
+    const TCmdOwn* own;
 };
 using TCmdRows = QVector<TCmdRow>;
 
@@ -41,7 +61,7 @@ class TCmdTable {
 public:
     static QStringList codes(const TCmdRows& rows);
     // The table of a family whose commands are all of its own kind, in this order; "separator" divides.
-    static TCmdRows ownRows(std::initializer_list<const char*> codes);
+    static TCmdRows ownRows(std::initializer_list<TCmdOwnRow> rows);
     // nullptr for a code the table does not have and for the separator.
     static const TCmdRow* find(const TCmdRows& rows, const QString& code);
 

@@ -13,6 +13,27 @@
 
 using namespace CTagCmdCode;
 
+namespace {
+// set_addr, the family's one command of its own, has the set-device command's address pins.
+void setAddrDefaults(const TCmdFamily&, const TCmdRow&, TData& p) {
+    TDev24CDevParam::def(p);
+}
+
+QString setAddrView(const TCmdFamily& dev, const TCmdRow&, const TData& p) {
+    return static_cast<const TDev24&>(dev).getViewSetAddress(p);
+}
+
+TFormCmd* setAddrForm(const TCmdFamily& dev, const TCmdRow&, const TData& p) {
+    return TDev24CDevParam::form(&dev, p);
+}
+
+bool setAddrCheck(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return TDev24CDevParam::check(p);
+}
+
+const TCmdOwn setAddr{setAddrDefaults, setAddrView, setAddrForm, setAddrCheck};
+} // namespace
+
 // The address pins go out as the set-device payload's family byte.
 TDev24::TDev24(const QString& code, const TData& param) : TDevFamily(code, param, cmdTable()) {
     familyByteKey = TDev24CDevParam::addr;
@@ -22,7 +43,7 @@ const TCmdRows& TDev24::cmdTable() {
     using K = TCmdKind;
     using O = TCmdOp;
     static const TCmdRows rows{
-        {set_clk, K::Clock, O::None, 0},       {set_addr, K::Own, O::None, 0},
+        {set_clk, K::Clock, O::None, 0},       {set_addr, K::Own, O::None, 0, &setAddr},
         {separator, K::Separator, O::None, 0}, {erase, K::Plain, O::Write, 0},
         {test_empty, K::Plain, O::Verify, 0},  {char_write, K::Char, O::Write, 0},
         {char_verify, K::Char, O::Verify, 0},  {data_read, K::Data, O::Read, 0},
@@ -40,22 +61,6 @@ QString TDev24::getViewSetAddress(const TData& p) const {
     for (int bit = 2; bit >= 0; --bit)
         pins << (mask >> bit & 1 ? QString::number(addr >> bit & 1) : QStringLiteral("-"));
     return Lang.get(482).arg(pins.at(0), pins.at(1), pins.at(2));
-}
-
-void TDev24::ownDefaults(const TCmdRow&, TData& p) {
-    TDev24CDevParam::def(p);
-}
-
-QString TDev24::ownView(const TCmdRow&, const TData& p) const {
-    return getViewSetAddress(p);
-}
-
-TFormCmd* TDev24::ownForm(const TCmdRow&, const TData& p) const {
-    return TDev24CDevParam::form(this, p);
-}
-
-bool TDev24::ownCheck(const TCmdRow&, const TData& p) const {
-    return TDev24CDevParam::check(p);
 }
 
 bool TDev24::checkCmdSetDeviceParam(const TData& p) {

@@ -20,11 +20,4 @@ public:
     void getDefaultParamCmdSetDevice(TData& param) override;
     QWidget* getWgtCmdSetDeviceParam(const TData& param) override;
     IDeviceExec* createExecObject(const TData& param) override;
-
-protected:
-    // set_addr, the family's one command of its own.
-    void ownDefaults(const TCmdRow& row, TData& p) override;
-    QString ownView(const TCmdRow& row, const TData& p) const override;
-    TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
-    bool ownCheck(const TCmdRow& row, const TData& p) const override;
 };

@@ -20,6 +20,138 @@ const QString kData = QStringLiteral("data"), kSize = QStringLiteral("size"),
               kBegin = QStringLiteral("begin"), kCount = QStringLiteral("count");
 constexpr qint64 kBlockDefault = 65536;
 constexpr int kRegisterSize = 256;
+
+// ---- erase blocks and their empty test ----
+
+void eraseBlocksDefaults(const TCmdFamily& dev, const TCmdRow&, TData& p) {
+    p.insert(kSize, kBlockDefault);
+    p.insert(kBegin, 0);
+    p.insert(kCount, dev.devValue("size") / kBlockDefault);
+}
+
+QString eraseBlocksView(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return TDev25::cmdEraseBlocksView(p);
+}
+
+// Counted in blocks, so that no product of hostile values can wrap.
+bool eraseBlocksInside(const TData& p, qint64 deviceSize) {
+    const qint64 size = p.value(kSize).toLongLong();
+    const qint64 begin = p.value(kBegin).toLongLong();
+    const qint64 count = p.value(kCount).toLongLong();
+    return size > 0 && count > 0 && TMiscDev::isRangeInside(begin, count, 0, deviceSize / size);
+}
+
+bool eraseBlocksCheck(const TCmdFamily& dev, const TCmdRow&, const TData& p) {
+    return eraseBlocksInside(p, dev.devValue("size"));
+}
+
+// The block sizes the catalogue has opcodes for, and the command's own should it have none.
+void eraseBlockSizes(const TCmdFamily& dev, const TData& p, QVariantList& sizes, QStringList& texts) {
+    for (const QString& entry : dev.devItem("erase_blocks").toStringList())
+        sizes << entry.section(QLatin1Char('|'), 1).toLongLong();
+    sizes << p.value(kSize).toLongLong();
+    for (int i = 0; i < sizes.size(); ++i) {
+        if (sizes.indexOf(sizes.at(i)) < i || sizes.at(i).toLongLong() <= 0) {
+            sizes.removeAt(i--);
+            continue;
+        }
+        texts << TMiscDev::getViewDeviceSize(sizes.at(i).toLongLong());
+    }
+}
+
+TFormCmd* eraseBlocksForm(const TCmdFamily& dev, const TCmdRow&, const TData& p) {
+    auto* form = new TFormCmd(p);
+    QVariantList sizes;
+    QStringList texts;
+    eraseBlockSizes(dev, p, sizes, texts);
+    form->addChoice(kSize, Lang.get(585), texts, sizes)->setObjectName(kSize);
+    const qint64 size = dev.devValue("size");
+    form->addInt(kBegin, Lang.get(586), 0, size)->setObjectName(kBegin);
+    form->addInt(kCount, Lang.get(587), 1, size)->setObjectName(kCount);
+    auto* view = new QLabel(form);
+    QObject::connect(form, &TFormCmd::signalChanged, view,
+                     [form, view] { view->setText(TDev25::cmdEraseBlocksView(form->getParam())); });
+    form->addCompound(
+        Lang.get(568), view, [](TData&) {},
+        [form, size] {
+            return eraseBlocksInside(form->getParam(), size)
+                       ? QString()
+                       : Lang.get(569).arg(TMiscDev::getHexFromInt(qint64(0)),
+                                           TMiscDev::getHexFromInt(size - 1));
+        });
+    form->changed();
+    return form;
+}
+
+const TCmdOwn eraseBlocks{eraseBlocksDefaults, eraseBlocksView, eraseBlocksForm, eraseBlocksCheck};
+
+// ---- status registers ----
+
+void statusDefaults(const TCmdFamily& dev, const TCmdRow&, TData& p) {
+    p.insert(kData, dev.devItem("status_reg_def").toString());
+}
+
+QString dataView(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return p.value(kData).toString();
+}
+
+// A read shows what it read; a write or verify edits the bytes.
+TFormCmd* statusForm(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
+    auto* form = new TFormCmd(p);
+    TWgtRegisterForm::addToForm(form, kData, dev.devItem("status_reg_cfg").toStringList(),
+                                row.op == TCmdOp::Read);
+    return form;
+}
+
+// Exactly as many bytes as the part has.
+bool statusCheck(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
+    const int n = dev.devItem("status_reg_def").toString().size() / 2;
+    return row.op == TCmdOp::Read || TMiscDev::getByteArrayFromHex(p.value(kData).toString()).size() == n;
+}
+
+const TCmdOwn statusReg{statusDefaults, dataView, statusForm, statusCheck};
+
+// ---- security registers: erase and empty test take a mask of registers ----
+
+void securityDefaults(const TCmdFamily&, const TCmdRow&, TData& p) {
+    p.insert(kData, 255);
+}
+
+QString securityView(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return TDev25::cmdSecurityRegView(p);
+}
+
+TFormCmd* securityForm(const TCmdFamily& dev, const TCmdRow&, const TData& p) {
+    auto* form = new TFormCmd(p);
+    const int registers = int(dev.devValue("security_reg_size") / kRegisterSize) & 255;
+    TWgtRegisterForm::addToForm(form, kData, TDev25::getSecurityRegLines(registers), false, true);
+    return form;
+}
+
+bool securityCheck(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    bool ok = false;
+    p.value(kData).toUInt(&ok);
+    return ok;
+}
+
+const TCmdOwn securityMask{securityDefaults, securityView, securityForm, securityCheck};
+
+// ---- identification and unique ID ----
+
+QString identView(const TCmdFamily& dev, const TCmdRow&, const TData&) {
+    return Lang.get(473).arg(dev.devItem("signature").toString());
+}
+
+const TCmdOwn identity{nullptr, identView, nullptr, nullptr};
+
+TFormCmd* uniqueIdForm(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    auto* form = new TFormCmd(p);
+    TWgtRegisterForm::addToForm(form, kData, {QStringLiteral("edr|FFFFFFFFFFFFFFFF|ro|-1|") + Lang.get(592)},
+                                true);
+    return form;
+}
+
+const TCmdOwn uniqueId{nullptr, dataView, uniqueIdForm, nullptr};
 } // namespace
 
 // The register spaces are address ranges of their own, starting at 0.
@@ -34,11 +166,11 @@ const TCmdRows& TDev25::cmdTable() {
     const int flash = int(Region::Flash), security = int(Region::Security), sfdp = int(Region::SFDP);
     static const TCmdRows rows{
         {set_clk, K::Clock, O::None, flash},
-        {ident, K::Own, O::Read, flash},
+        {ident, K::Own, O::Read, flash, &identity},
         {erase, K::Plain, O::Write, flash},
         {test_empty, K::Plain, O::Verify, flash},
-        {erase_blocks, K::Own, O::Write, flash},
-        {test_empty_blocks, K::Own, O::Verify, flash},
+        {erase_blocks, K::Own, O::Write, flash, &eraseBlocks},
+        {test_empty_blocks, K::Own, O::Verify, flash, &eraseBlocks},
         {char_write, K::Char, O::Write, flash},
         {char_verify, K::Char, O::Verify, flash},
         {data_read, K::Data, O::Read, flash},
@@ -47,32 +179,19 @@ const TCmdRows& TDev25::cmdTable() {
         {file_read, K::File, O::Read, flash},
         {file_write, K::File, O::Write, flash},
         {file_verify, K::File, O::Verify, flash},
-        {status_reg_read, K::Own, O::Read, flash},
-        {status_reg_write, K::Own, O::Write, flash},
-        {status_reg_verify, K::Own, O::Verify, flash},
-        {security_reg_erase, K::Own, O::Write, security},
-        {security_reg_test_empty, K::Own, O::Verify, security},
+        {status_reg_read, K::Own, O::Read, flash, &statusReg},
+        {status_reg_write, K::Own, O::Write, flash, &statusReg},
+        {status_reg_verify, K::Own, O::Verify, flash, &statusReg},
+        {security_reg_erase, K::Own, O::Write, security, &securityMask},
+        {security_reg_test_empty, K::Own, O::Verify, security, &securityMask},
         {security_reg_read, K::File, O::Read, security},
         {security_reg_write, K::File, O::Write, security},
         {security_reg_verify, K::File, O::Verify, security},
-        {unique_id_read, K::Own, O::Read, flash},
+        {unique_id_read, K::Own, O::Read, flash, &uniqueId},
         {sfdp_reg_read, K::File, O::Read, sfdp},
         {leave, K::Leave, O::None, flash},
     };
     return rows;
-}
-
-void TDev25::ownDefaults(const TCmdRow& row, TData& p) {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) {
-        p.insert(kSize, kBlockDefault);
-        p.insert(kBegin, 0);
-        p.insert(kCount, devValue("size") / kBlockDefault);
-    } else if (TMiscDev::isOneOf(code, {security_reg_erase, security_reg_test_empty}))
-        p.insert(kData, 255);
-    else if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify}))
-        p.insert(kData, devParam.value(QStringLiteral("status_reg_def")).toString());
 }
 
 QString TDev25::cmdEraseBlocksView(const TData& p) {
@@ -94,16 +213,6 @@ QString TDev25::cmdSecurityRegView(const TData& p) {
     return Lang.get(474) + regs.join(QStringLiteral(", "));
 }
 
-QString TDev25::ownView(const TCmdRow& row, const TData& p) const {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    if (code == QLatin1String(ident))
-        return Lang.get(473).arg(devParam.value(QStringLiteral("signature")).toString());
-    if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) return cmdEraseBlocksView(p);
-    if (TMiscDev::isOneOf(code, {security_reg_erase, security_reg_test_empty})) return cmdSecurityRegView(p);
-    return p.value(kData).toString(); // status registers, unique ID
-}
-
 QStringList TDev25::getSecurityRegLines(int registers) {
     QStringList lines;
     for (int i = 0; i < registers; ++i) {
@@ -114,87 +223,6 @@ QStringList TDev25::getSecurityRegLines(int registers) {
                    Lang.get(591).arg(i + 1).arg(i * kRegisterSize, 0, 16).arg(i * kRegisterSize + 255, 0, 16);
     }
     return lines;
-}
-
-TFormCmd* TDev25::formEraseBlocks(const TData& p) const {
-    auto* form = new TFormCmd(p);
-    // The block sizes the catalogue has opcodes for, and the command's own should it have none.
-    QVariantList sizes;
-    for (const QString& entry : devParam.value(QStringLiteral("erase_blocks")).toStringList())
-        sizes << entry.section(QLatin1Char('|'), 1).toLongLong();
-    sizes << p.value(kSize).toLongLong();
-    QStringList texts;
-    for (int i = 0; i < sizes.size(); ++i) {
-        if (sizes.indexOf(sizes.at(i)) < i || sizes.at(i).toLongLong() <= 0) {
-            sizes.removeAt(i--);
-            continue;
-        }
-        texts << TMiscDev::getViewDeviceSize(sizes.at(i).toLongLong());
-    }
-    form->addChoice(kSize, Lang.get(585), texts, sizes)->setObjectName(kSize);
-    const qint64 size = devValue("size");
-    form->addInt(kBegin, Lang.get(586), 0, size)->setObjectName(kBegin);
-    form->addInt(kCount, Lang.get(587), 1, size)->setObjectName(kCount);
-    auto* view = new QLabel(form);
-    connect(form, &TFormCmd::signalChanged, view,
-            [form, view] { view->setText(cmdEraseBlocksView(form->getParam())); });
-    form->addCompound(
-        Lang.get(568), view, [](TData&) {},
-        [this, form, size] {
-            return checkEraseBlocks(form->getParam()) ? QString()
-                                                      : Lang.get(569).arg(TMiscDev::getHexFromInt(qint64(0)),
-                                                                          TMiscDev::getHexFromInt(size - 1));
-        });
-    form->changed();
-    return form;
-}
-
-TFormCmd* TDev25::ownForm(const TCmdRow& row, const TData& p) const {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    TFormCmd* form = nullptr;
-    if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) form = formEraseBlocks(p);
-    if (TMiscDev::isOneOf(code, {status_reg_read, status_reg_write, status_reg_verify})) {
-        form = new TFormCmd(p);
-        TWgtRegisterForm::addToForm(form, kData,
-                                    devParam.value(QStringLiteral("status_reg_cfg")).toStringList(),
-                                    code == QLatin1String(status_reg_read));
-    }
-    if (TMiscDev::isOneOf(code, {security_reg_erase, security_reg_test_empty})) {
-        form = new TFormCmd(p);
-        const int registers = int(devValue("security_reg_size") / kRegisterSize) & 255;
-        TWgtRegisterForm::addToForm(form, kData, getSecurityRegLines(registers), false, true);
-    }
-    if (code == QLatin1String(unique_id_read)) {
-        form = new TFormCmd(p);
-        TWgtRegisterForm::addToForm(form, kData,
-                                    {QStringLiteral("edr|FFFFFFFFFFFFFFFF|ro|-1|") + Lang.get(592)}, true);
-    }
-    return form;
-}
-
-bool TDev25::checkEraseBlocks(const TData& p) const {
-    const qint64 size = p.value(kSize).toLongLong();
-    const qint64 begin = p.value(kBegin).toLongLong();
-    const qint64 count = p.value(kCount).toLongLong();
-    // Counted in blocks, so that no product of hostile values can wrap.
-    return size > 0 && count > 0 && TMiscDev::isRangeInside(begin, count, 0, devValue("size") / size);
-}
-
-bool TDev25::checkStatusReg(const TData& p) const {
-    const int n = devParam.value(QStringLiteral("status_reg_def")).toString().size() / 2;
-    return TMiscDev::getByteArrayFromHex(p.value(kData).toString()).size() == n;
-}
-
-bool TDev25::ownCheck(const TCmdRow& row, const TData& p) const {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    if (TMiscDev::isOneOf(code, {ident, unique_id_read, status_reg_read})) return true;
-    if (TMiscDev::isOneOf(code, {erase_blocks, test_empty_blocks})) return checkEraseBlocks(p);
-    if (TMiscDev::isOneOf(code, {status_reg_write, status_reg_verify})) return checkStatusReg(p);
-    bool ok = false; // the security register mask
-    p.value(kData).toUInt(&ok);
-    return ok;
 }
 
 IDeviceExec* TDev25::createExecObject(const TData& param) {

@@ -2,8 +2,6 @@
 
 #include "devices/TDevFamily.h"
 
-class TFormCmd;
-
 // The editing side of the 25-series SPI flash family: its commands, their defaults, checks and
 // one-line views, and the set-device payload.
 class TDev25 : public TDevFamily {
@@ -21,17 +19,7 @@ public:
     // The check list of the security registers' form, one line per register.
     static QStringList getSecurityRegLines(int registers);
 
-protected:
-    // Identification, erase blocks, status, security and unique ID registers.
-    void ownDefaults(const TCmdRow& row, TData& p) override;
-    QString ownView(const TCmdRow& row, const TData& p) const override;
-    TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
-    bool ownCheck(const TCmdRow& row, const TData& p) const override;
-
 private:
     // The space numbers of the rows, in the order of the constructor's spaces.
     enum class Region { Flash, Security, SFDP };
-    bool checkEraseBlocks(const TData& p) const;
-    bool checkStatusReg(const TData& p) const;
-    TFormCmd* formEraseBlocks(const TData& p) const;
 };

@@ -14,10 +14,4 @@ public:
     static const TCmdRows& cmdTable();
 
     IDeviceExec* createExecObject(const TData& param) override;
-
-protected:
-    // The clock and the leave.
-    void ownDefaults(const TCmdRow& row, TData& p) override;
-    TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
-    bool ownCheck(const TCmdRow& row, const TData& p) const override;
 };

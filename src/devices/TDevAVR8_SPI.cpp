@@ -15,6 +15,64 @@
 
 namespace {
 const QString kData = QStringLiteral("data");
+
+// ---- fuses, lock bits and calibration: a group of bytes the catalogue describes ----
+
+// The catalogue key prefix of the byte group a command edits.
+QString bytesGroup(const TCmdRow& row) {
+    using namespace CTagCmdCode;
+    const QString code = QLatin1String(row.code);
+    if (TMiscDev::isOneOf(code, {fuse_read, fuse_write, fuse_verify})) return QStringLiteral("fuse");
+    if (TMiscDev::isOneOf(code, {lock_read, lock_write, lock_verify})) return QStringLiteral("lock");
+    return QStringLiteral("osccal");
+}
+
+QVariant bytesItem(const TCmdFamily& dev, const TCmdRow& row, const char* suffix) {
+    return dev.getDevParam().value(bytesGroup(row) + QLatin1String(suffix));
+}
+
+void bytesDefaults(const TCmdFamily& dev, const TCmdRow& row, TData& p) {
+    p.insert(kData, bytesItem(dev, row, "_def").toString());
+}
+
+QString bytesView(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
+    return bytesItem(dev, row, "_def").toString().isEmpty() ? QString() : p.value(kData).toString();
+}
+
+TFormCmd* bytesForm(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
+    auto* form = new TFormCmd(p);
+    // A read shows what it read; a write or verify starts from the factory bytes.
+    const bool read = row.op == TCmdOp::Read;
+    const QByteArray factory =
+        read ? QByteArray() : QByteArray::fromHex(bytesItem(dev, row, "_def").toString().toLatin1());
+    TWgtRegisterForm::addToForm(form, kData, bytesItem(dev, row, "_cfg").toStringList(), read, false,
+                                factory);
+    return form;
+}
+
+// Written or compared bytes must be exactly as many as the part has (hex text, two digits a byte), and
+// the bits the part's instruction does not carry stay 1: the instruction sends the byte as it is, so a
+// 0 there would change one of the instruction's own bits. Reads take no parameters.
+bool bytesCheck(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
+    if (row.op == TCmdOp::Read) return true;
+    const QString text = p.value(kData).toString();
+    const int n = bytesItem(dev, row, "_def").toString().size() / 2;
+    static const QRegularExpression hexDigits(QStringLiteral("^[0-9A-Fa-f]*$"));
+    if (n <= 0 || text.size() != 2 * n || !hexDigits.match(text).hasMatch()) return false;
+    const QByteArray bytes = QByteArray::fromHex(text.toLatin1());
+    const QByteArray mask = QByteArray::fromHex(bytesItem(dev, row, "_mask").toByteArray());
+    for (int i = 0; i < mask.size() && i < bytes.size(); ++i)
+        if ((bytes.at(i) | mask.at(i)) != char(0xFF)) return false;
+    return true;
+}
+
+const TCmdOwn bytes{bytesDefaults, bytesView, bytesForm, bytesCheck};
+
+QString identView(const TCmdFamily& dev, const TCmdRow&, const TData&) {
+    return Lang.get(485).arg(dev.devItem("signature").toString());
+}
+
+const TCmdOwn identity{nullptr, identView, nullptr, nullptr};
 } // namespace
 
 // The family byte of the set-device payload is the polarity the programmer drives the target's reset
@@ -33,7 +91,7 @@ const TCmdRows& TDevAVR8_SPI::cmdTable() {
     enum { Flash = 0, Eeprom = 1 };
     static const TCmdRows rows{
         {set_clk, K::Clock, O::None, Flash},
-        {ident, K::Own, O::Read, Flash},
+        {ident, K::Own, O::Read, Flash, &identity},
         {erase, K::Plain, O::Write, Flash},
         {test_empty_flash, K::Plain, O::Verify, Flash},
         {test_empty_eeprom, K::Plain, O::Verify, Eeprom},
@@ -53,13 +111,13 @@ const TCmdRows& TDevAVR8_SPI::cmdTable() {
         {eeprom_file_read, K::File, O::Read, Eeprom},
         {eeprom_file_write, K::File, O::Write, Eeprom},
         {eeprom_file_verify, K::File, O::Verify, Eeprom},
-        {fuse_read, K::Own, O::Read, Flash},
-        {fuse_write, K::Own, O::Write, Flash},
-        {fuse_verify, K::Own, O::Verify, Flash},
-        {lock_read, K::Own, O::Read, Flash},
-        {lock_write, K::Own, O::Write, Flash},
-        {lock_verify, K::Own, O::Verify, Flash},
-        {osccal_read, K::Own, O::Read, Flash},
+        {fuse_read, K::Own, O::Read, Flash, &bytes},
+        {fuse_write, K::Own, O::Write, Flash, &bytes},
+        {fuse_verify, K::Own, O::Verify, Flash, &bytes},
+        {lock_read, K::Own, O::Read, Flash, &bytes},
+        {lock_write, K::Own, O::Write, Flash, &bytes},
+        {lock_verify, K::Own, O::Verify, Flash, &bytes},
+        {osccal_read, K::Own, O::Read, Flash, &bytes},
         {leave, K::Leave, O::None, Flash},
     };
     return rows;
@@ -90,69 +148,6 @@ QStringList TDevAVR8_SPI::offeredCmdList(const TData& devParam) {
 QString TDevAVR8_SPI::getNotSupportedText(const QString& code) const {
     if (cmdList.contains(code) || !getCmdList().contains(code)) return QString();
     return Lang.get(1100).arg(CmdCode.getName(code), getDeviceCode());
-}
-
-// The catalogue key prefix of the byte group a command edits; empty for other commands.
-QString TDevAVR8_SPI::bytesGroup(const QString& code) {
-    using namespace CTagCmdCode;
-    if (TMiscDev::isOneOf(code, {fuse_read, fuse_write, fuse_verify})) return QStringLiteral("fuse");
-    if (TMiscDev::isOneOf(code, {lock_read, lock_write, lock_verify})) return QStringLiteral("lock");
-    if (code == QLatin1String(osccal_read)) return QStringLiteral("osccal");
-    return QString();
-}
-
-QString TDevAVR8_SPI::bytesDefault(const QString& code) const {
-    const QString group = bytesGroup(code);
-    return group.isEmpty() ? QString() : devParam.value(group + QStringLiteral("_def")).toString();
-}
-
-QString TDevAVR8_SPI::bytesConfig(const QString& code) {
-    return bytesGroup(code) + QStringLiteral("_cfg");
-}
-
-void TDevAVR8_SPI::ownDefaults(const TCmdRow& row, TData& p) {
-    if (!bytesGroup(row.code).isEmpty()) p.insert(kData, bytesDefault(row.code));
-}
-
-QString TDevAVR8_SPI::ownView(const TCmdRow& row, const TData& p) const {
-    if (row.code == QLatin1String(CTagCmdCode::ident))
-        return Lang.get(485).arg(devParam.value(QStringLiteral("signature")).toString());
-    return bytesDefault(row.code).isEmpty() ? QString()
-                                            : p.value(kData).toString(); // fuses, lock, calibration
-}
-
-TFormCmd* TDevAVR8_SPI::ownForm(const TCmdRow& row, const TData& p) const {
-    const QString code = QLatin1String(row.code);
-    if (bytesGroup(code).isEmpty()) return nullptr;
-    // Read commands show what they read; only writes and verifies are edited.
-    auto* form = new TFormCmd(p);
-    const bool read = row.op == TCmdOp::Read;
-    // A write or verify starts from the factory bytes; a read shows what it read.
-    const QByteArray factory = read ? QByteArray() : QByteArray::fromHex(bytesDefault(code).toLatin1());
-    TWgtRegisterForm::addToForm(form, kData, devParam.value(bytesConfig(code)).toStringList(), read, false,
-                                factory);
-    return form;
-}
-
-// Written or compared bytes must be exactly as many as the part has (hex text, two digits a byte), and
-// the bits the part's instruction does not carry stay 1: the instruction sends the byte as it is, so a
-// 0 there would change one of the instruction's own bits.
-bool TDevAVR8_SPI::checkBytes(const QString& code, const TData& p) const {
-    const QString text = p.value(kData).toString();
-    const int n = bytesDefault(code).size() / 2;
-    static const QRegularExpression hexDigits(QStringLiteral("^[0-9A-Fa-f]*$"));
-    if (n <= 0 || text.size() != 2 * n || !hexDigits.match(text).hasMatch()) return false;
-    const QByteArray bytes = QByteArray::fromHex(text.toLatin1());
-    const QByteArray mask =
-        QByteArray::fromHex(devParam.value(bytesGroup(code) + QStringLiteral("_mask")).toByteArray());
-    for (int i = 0; i < mask.size() && i < bytes.size(); ++i)
-        if ((bytes.at(i) | mask.at(i)) != char(0xFF)) return false;
-    return true;
-}
-
-// Identification and the reads of fuses, lock bits and calibration take no parameters.
-bool TDevAVR8_SPI::ownCheck(const TCmdRow& row, const TData& p) const {
-    return row.op == TCmdOp::Read || checkBytes(row.code, p);
 }
 
 IDeviceExec* TDevAVR8_SPI::createExecObject(const TData& param) {

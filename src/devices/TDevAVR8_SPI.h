@@ -17,23 +17,9 @@ public:
     IDeviceExec* createExecObject(const TData& param) override;
     QString getNotSupportedText(const QString& code) const override;
 
-protected:
-    // Identification, fuses, lock bits and calibration.
-    void ownDefaults(const TCmdRow& row, TData& p) override;
-    QString ownView(const TCmdRow& row, const TData& p) const override;
-    TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
-    bool ownCheck(const TCmdRow& row, const TData& p) const override;
-
 private:
     // The commands whose algorithm the part's description names; the catalogue leaves out an operation
     // whose serial programming instruction none of the family's algorithms sends correctly.
     static QStringList offeredCmdList(const TData& devParam);
     static QString algKey(const QString& code);
-    // The catalogue default of the byte group a command edits (fuses, lock bits, calibration); empty for
-    // other commands.
-    static QString bytesGroup(const QString& code);
-    QString bytesDefault(const QString& code) const;
-    // The key of the byte group's form description.
-    static QString bytesConfig(const QString& code);
-    bool checkBytes(const QString& code, const TData& p) const;
 };

@@ -43,12 +43,86 @@ QString voltCurrentView(const TData& p, const QString& vKey, const QString& iKey
 }
 } // namespace
 
+// The handling of a command whose ranges and defaults come from the programmer's description: the
+// record's command names the programmer (none without one).
+namespace {
+template <void (*F)(TProg*, TData&)> void progDefaults(const TCmdFamily&, const TCmdRow&, TData& p) {
+    F(TDevProg::progOf(p), p);
+}
+
+template <QString (*F)(const TData&)> QString viewOf(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return F(p);
+}
+
+template <TFormCmd* (*F)(TProg*, const TData&)>
+TFormCmd* progForm(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return F(TDevProg::progOf(p), p);
+}
+
+template <bool (*F)(TProg*, const TData&)> bool progCheck(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return F(TDevProg::progOf(p), p);
+}
+
+const TCmdOwn setVcc{progDefaults<TDevProg::cmdSetVCCDefault>, viewOf<TDevProg::cmdSetVCCView>,
+                     progForm<TDevProg::cmdSetVCCForm>, progCheck<TDevProg::cmdSetVCCCheck>};
+const TCmdOwn setVpp{progDefaults<TDevProg::cmdSetVPPDefault>, viewOf<TDevProg::cmdSetVPPView>,
+                     progForm<TDevProg::cmdSetVPPForm>, progCheck<TDevProg::cmdSetVPPCheck>};
+const TCmdOwn setVicc{progDefaults<TDevProg::cmdSetVICCDefault>, viewOf<TDevProg::cmdSetVICCView>,
+                      progForm<TDevProg::cmdSetVICCForm>, progCheck<TDevProg::cmdSetVICCCheck>};
+const TCmdOwn setVipp{progDefaults<TDevProg::cmdSetVIPPDefault>, viewOf<TDevProg::cmdSetVIPPView>,
+                      progForm<TDevProg::cmdSetVIPPForm>, progCheck<TDevProg::cmdSetVIPPCheck>};
+const TCmdOwn resetOwn{progDefaults<TDevProg::cmdResetDefault>, viewOf<TDevProg::cmdResetView>,
+                       progForm<TDevProg::cmdResetForm>, progCheck<TDevProg::cmdResetCheck>};
+const TCmdOwn generator{progDefaults<TDevProg::cmdGeneratorDefault>, viewOf<TDevProg::cmdGeneratorView>,
+                        progForm<TDevProg::cmdGeneratorForm>, progCheck<TDevProg::cmdGeneratorCheck>};
+
+// The pin states of set_io are those of a leave, without its duration.
+constexpr bool ioWithDuration = false;
+const TCmdOwn setIo{
+    [](const TCmdFamily&, const TCmdRow&, TData& p) { TNormCmdParam::cmdLeaveDef(p, ioWithDuration); },
+    [](const TCmdFamily&, const TCmdRow&, const TData& p) {
+        return TNormCmdParam::cmdLeaveView(p, ioWithDuration);
+    },
+    progForm<TDevProg::cmdSetIOForm>,
+    [](const TCmdFamily&, const TCmdRow&, const TData& p) {
+        return TNormCmdParam::cmdLeaveCheck(p, ioWithDuration);
+    }};
+
+QString deviceName(const TData& p) {
+    return p.value(CTagCmdProgSetDevice::device).toString();
+}
+
+const TCmdOwn setDevice{
+    [](const TCmdFamily&, const TCmdRow&, TData& p) {
+        p.insert(CTagCmdProgSetDevice::device, deviceName(p));
+        p.insert(CTagCmdProgSetDevice::file, p.value(CTagCmdProgSetDevice::file).toString());
+    },
+    viewOf<deviceName>,
+    [](const TCmdFamily&, const TCmdRow&, const TData& p) { return TDevProg::cmdSetDeviceForm(p); },
+    [](const TCmdFamily&, const TCmdRow&, const TData& p) { return !deviceName(p).isEmpty(); }};
+
+const TCmdOwn autoDetect{
+    [](const TCmdFamily&, const TCmdRow&, TData& p) { TDevProg::cmdAutoDetectDefault(p); },
+    viewOf<TDevProg::cmdAutoDetectView>,
+    [](const TCmdFamily&, const TCmdRow&, const TData& p) { return TDevProg::cmdAutoDetectForm(p); },
+    [](const TCmdFamily&, const TCmdRow&, const TData& p) { return TDevProg::cmdAutoDetectCheck(p); }};
+} // namespace
+
 TDevProg::TDevProg(const QString& code, const TData& param) : TCmdFamily(code, param, cmdTable()) {}
 
 const TCmdRows& TDevProg::cmdTable() {
     using namespace CTagCmdCode;
-    static const TCmdRows rows = TCmdTable::ownRows({set_device, auto_detect, separator, set_vcc, set_vpp,
-                                                     set_vicc, set_vipp, separator, set_io, reset, gen});
+    static const TCmdRows rows = TCmdTable::ownRows({{set_device, &setDevice},
+                                                     {auto_detect, &autoDetect},
+                                                     {separator, nullptr},
+                                                     {set_vcc, &setVcc},
+                                                     {set_vpp, &setVpp},
+                                                     {set_vicc, &setVicc},
+                                                     {set_vipp, &setVipp},
+                                                     {separator, nullptr},
+                                                     {set_io, &setIo},
+                                                     {reset, &resetOwn},
+                                                     {gen, &generator}});
     return rows;
 }
 
@@ -83,64 +157,6 @@ bool TDevProg::isTenthsInRange(const QVariant& v, double min, double max) {
 bool TDevProg::isResetInRange(int d, int min, int max) {
     const int a = std::abs(d);
     return a <= max && (d == 0 || a >= min);
-}
-
-void TDevProg::ownDefaults(const TCmdRow& row, TData& p) {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    TProg* prog = progOf(p);
-    if (code == set_vcc)
-        cmdSetVCCDefault(prog, p);
-    else if (code == set_vpp)
-        cmdSetVPPDefault(prog, p);
-    else if (code == set_vicc)
-        cmdSetVICCDefault(prog, p);
-    else if (code == set_vipp)
-        cmdSetVIPPDefault(prog, p);
-    else if (code == set_io)
-        TNormCmdParam::cmdLeaveDef(p, false);
-    else if (code == reset)
-        cmdResetDefault(prog, p);
-    else if (code == gen)
-        cmdGeneratorDefault(prog, p);
-    else if (code == auto_detect)
-        cmdAutoDetectDefault(p);
-    else if (code == set_device) {
-        p.insert(CTagCmdProgSetDevice::device, p.value(CTagCmdProgSetDevice::device).toString());
-        p.insert(CTagCmdProgSetDevice::file, p.value(CTagCmdProgSetDevice::file).toString());
-    }
-}
-
-QString TDevProg::ownView(const TCmdRow& row, const TData& p) const {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    if (code == set_vcc) return cmdSetVCCView(p);
-    if (code == set_vpp) return cmdSetVPPView(p);
-    if (code == set_vicc) return cmdSetVICCView(p);
-    if (code == set_vipp) return cmdSetVIPPView(p);
-    if (code == set_io) return TNormCmdParam::cmdLeaveView(p, false);
-    if (code == reset) return cmdResetView(p);
-    if (code == gen) return cmdGeneratorView(p);
-    if (code == set_device) return p.value(CTagCmdProgSetDevice::device).toString();
-    if (code == auto_detect) return cmdAutoDetectView(p);
-    return QString();
-}
-
-bool TDevProg::ownCheck(const TCmdRow& row, const TData& p) const {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    if (code == set_device || code == auto_detect)
-        return code == auto_detect ? cmdAutoDetectCheck(p)
-                                   : !p.value(CTagCmdProgSetDevice::device).toString().isEmpty();
-    if (code == set_io) return TNormCmdParam::cmdLeaveCheck(p, false);
-    TProg* prog = progOf(p);
-    if (code == set_vcc) return cmdSetVCCCheck(prog, p);
-    if (code == set_vpp) return cmdSetVPPCheck(prog, p);
-    if (code == set_vicc) return cmdSetVICCCheck(prog, p);
-    if (code == set_vipp) return cmdSetVIPPCheck(prog, p);
-    if (code == reset) return cmdResetCheck(prog, p);
-    if (code == gen) return cmdGeneratorCheck(prog, p);
-    return false;
 }
 
 IDeviceExec* TDevProg::createExecObject(const TData& param) {

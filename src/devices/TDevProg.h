@@ -96,10 +96,4 @@ public:
     static TProg* progOf(const TData& p);
     // The device object bound to that command (the one its configuration's set_device chose).
     static IDevice* deviceOf(const TData& p);
-
-protected:
-    void ownDefaults(const TCmdRow& row, TData& p) override;
-    QString ownView(const TCmdRow& row, const TData& p) const override;
-    TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
-    bool ownCheck(const TCmdRow& row, const TData& p) const override;
 };

@@ -87,32 +87,6 @@ QString linesToRoute(const QString& text, QString* reason) {
 }
 } // namespace
 
-TFormCmd* TDevProg::ownForm(const TCmdRow& row, const TData& p) const {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    TProg* prog = progOf(p);
-    TFormCmd* form = nullptr;
-    if (code == set_vcc)
-        form = cmdSetVCCForm(prog, p);
-    else if (code == set_vpp)
-        form = cmdSetVPPForm(prog, p);
-    else if (code == set_vicc)
-        form = cmdSetVICCForm(prog, p);
-    else if (code == set_vipp)
-        form = cmdSetVIPPForm(prog, p);
-    else if (code == set_io)
-        form = cmdSetIOForm(prog, p);
-    else if (code == reset)
-        form = cmdResetForm(prog, p);
-    else if (code == gen)
-        form = cmdGeneratorForm(prog, p);
-    else if (code == set_device)
-        form = cmdSetDeviceForm(p);
-    else if (code == auto_detect)
-        form = cmdAutoDetectForm(p);
-    return form;
-}
-
 TFormCmd* TDevProg::cmdSetVCCForm(TProg* prog, const TData& p) {
     double min = 0, max = 0;
     if (prog) prog->getVccRange(min, max);

@@ -58,10 +58,4 @@ public:
     static TFormCmd* cmdExecuteForm(const TData& p);
     static TFormCmd* cmdCalcCRCForm(const TData& p);
     static TFormCmd* cmdSetProgForm(const TData& p);
-
-protected:
-    void ownDefaults(const TCmdRow& row, TData& p) override;
-    QString ownView(const TCmdRow& row, const TData& p) const override;
-    TFormCmd* ownForm(const TCmdRow& row, const TData& p) const override;
-    bool ownCheck(const TCmdRow& row, const TData& p) const override;
 };

@@ -45,27 +45,6 @@ QString cmdTitle(int pos, TDataCmd* cmd) {
 }
 } // namespace
 
-TFormCmd* TDevTools::ownForm(const TCmdRow& row, const TData& p) const {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    TFormCmd* form = nullptr;
-    if (code == delay)
-        form = cmdDelayForm(p);
-    else if (code == counter)
-        form = cmdCounterForm(p);
-    else if (code == jamp)
-        form = cmdJampForm(p);
-    else if (code == process)
-        form = cmdProcessForm(p);
-    else if (code == execute)
-        form = cmdExecuteForm(p);
-    else if (code == calc_crc)
-        form = cmdCalcCRCForm(p);
-    else if (code == set_prog)
-        form = cmdSetProgForm(p);
-    return form;
-}
-
 TFormCmd* TDevTools::cmdDelayForm(const TData& p) {
     auto* form = new TFormCmd(p);
     form->addInt(CTagCmdToolsDelay::value, Lang.get(521), 0, int32Max,

@@ -3,6 +3,8 @@
 #include "devices/IDevice.h"
 #include "devices/TDev24.h"
 #include "devices/TDev25.h"
+#include "devices/TDev93C.h"
+#include "devices/TDevAVR8_SPI.h"
 #include "devices/TDevProg.h"
 #include "devices/TDevTools.h"
 #include "devices/TDeviceList.h"
@@ -144,6 +146,21 @@ private slots:
         QCOMPARE(TDialogSelectDevice::getFamilyView("Dev25"), Lang.get(549));
         QCOMPARE(TDialogSelectDevice::getFamilyView("DevAVR8_SPI"), Lang.get(550));
         QCOMPARE(TDialogSelectDevice::getFamilyView("Dev93"), Lang.get(554));
+    }
+
+    // A row of a family's own kind is handled only through what it names: one without would offer a
+    // command that has no defaults, no form and always passes its check.
+    void everyOwnRowNamesItsHandling() {
+        const QVector<const TCmdRows*> tables{&TDev24::cmdTable(),   &TDev25::cmdTable(),
+                                              &TDev93C::cmdTable(),  &TDevAVR8_SPI::cmdTable(),
+                                              &TDevProg::cmdTable(), &TDevTools::cmdTable()};
+        int own = 0;
+        for (const TCmdRows* rows : tables)
+            for (const TCmdRow& row : *rows) {
+                QVERIFY2((row.kind == TCmdKind::Own) == (row.own != nullptr), row.code);
+                own += row.own != nullptr;
+            }
+        QCOMPARE(own, 1 + 9 + 2 + 8 + 9 + 7);
     }
 };
 
