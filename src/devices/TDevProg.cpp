@@ -1,6 +1,7 @@
 #include "devices/TDevProg.h"
 
 #include "devices/TDevProgExec.h"
+#include "devices/TProgSupply.h"
 #include "devices/TSignature.h"
 #include "link/TProg.h"
 #include "misc/TNormCmdParam.h"
@@ -14,38 +15,13 @@
 #include <cmath>
 
 namespace {
-const QString kVcc = CTagCmdProgSetVICC::vcc, kVpp = CTagCmdProgSetVIPP::vpp, kIcc = CTagCmdProgSetVICC::icc,
-              kIpp = CTagCmdProgSetVIPP::ipp, kOcp = CTagCmdProgSetVICC::ocp,
-              kDuration = CTagCmdProgReset::duration, kFreq = CTagCmdProgGenerator::freq,
+const QString kDuration = CTagCmdProgReset::duration, kFreq = CTagCmdProgGenerator::freq,
               kDuty = CTagCmdProgGenerator::duty_cycle, kRoute = CTagCmdProgAutoDetect::route,
               kName = CTagCmdProgAutoDetect::name, kStop = CTagCmdProgAutoDetect::stop,
               kExecute = CTagCmdProgAutoDetect::execute;
 
-QString volts(const TData& p, const QString& key) {
-    return QString::number(p.value(key).toDouble(), 'f', 1);
-}
-
-// Supply and programming voltage with a current limit: both values within the programmer's ranges.
-template <class VoltRange, class CurrentRange>
-bool voltCurrentInRange(const TData& p, const QString& vKey, const QString& iKey, VoltRange vRange,
-                        CurrentRange iRange) {
-    double vmin = 0, vmax = 0, imin = 0, imax = 0;
-    vRange(vmin, vmax);
-    iRange(imin, imax);
-    return TDevProg::isTenthsInRange(p.value(vKey), vmin, vmax) &&
-           TDevProg::isTenthsInRange(p.value(iKey), imin, imax);
-}
-
-QString voltCurrentView(const TData& p, const QString& vKey, const QString& iKey) {
-    return QStringLiteral("%1 V, %2 mA%3")
-        .arg(volts(p, vKey), QString::number(p.value(iKey).toDouble(), 'f', 3),
-             p.value(kOcp).toBool() ? QStringLiteral(", OCP") : QString());
-}
-} // namespace
-
 // The handling of a command whose ranges and defaults come from the programmer's description: the
 // record's command names the programmer (none without one).
-namespace {
 template <void (*F)(TProg*, TData&)> void progDefaults(const TCmdFamily&, const TCmdRow&, TData& p) {
     F(TDevProg::progOf(p), p);
 }
@@ -63,14 +39,25 @@ template <bool (*F)(TProg*, const TData&)> bool progCheck(const TCmdFamily&, con
     return F(TDevProg::progOf(p), p);
 }
 
-const TCmdOwn setVcc{progDefaults<TDevProg::cmdSetVCCDefault>, viewOf<TDevProg::cmdSetVCCView>,
-                     progForm<TDevProg::cmdSetVCCForm>, progCheck<TDevProg::cmdSetVCCCheck>};
-const TCmdOwn setVpp{progDefaults<TDevProg::cmdSetVPPDefault>, viewOf<TDevProg::cmdSetVPPView>,
-                     progForm<TDevProg::cmdSetVPPForm>, progCheck<TDevProg::cmdSetVPPCheck>};
-const TCmdOwn setVicc{progDefaults<TDevProg::cmdSetVICCDefault>, viewOf<TDevProg::cmdSetVICCView>,
-                      progForm<TDevProg::cmdSetVICCForm>, progCheck<TDevProg::cmdSetVICCCheck>};
-const TCmdOwn setVipp{progDefaults<TDevProg::cmdSetVIPPDefault>, viewOf<TDevProg::cmdSetVIPPView>,
-                      progForm<TDevProg::cmdSetVIPPForm>, progCheck<TDevProg::cmdSetVIPPCheck>};
+// The four supply commands differ only in what TProgSupply describes.
+template <const TProgSupply& S> void supplyDefaults(const TCmdFamily&, const TCmdRow&, TData& p) {
+    S.defaults(TDevProg::progOf(p), p);
+}
+
+template <const TProgSupply& S> QString supplyView(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return S.view(p);
+}
+
+template <const TProgSupply& S> TFormCmd* supplyForm(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return S.form(TDevProg::progOf(p), p);
+}
+
+template <const TProgSupply& S> bool supplyCheck(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return S.check(TDevProg::progOf(p), p);
+}
+
+template <const TProgSupply& S>
+const TCmdOwn supply{supplyDefaults<S>, supplyView<S>, supplyForm<S>, supplyCheck<S>};
 const TCmdOwn resetOwn{progDefaults<TDevProg::cmdResetDefault>, viewOf<TDevProg::cmdResetView>,
                        progForm<TDevProg::cmdResetForm>, progCheck<TDevProg::cmdResetCheck>};
 const TCmdOwn generator{progDefaults<TDevProg::cmdGeneratorDefault>, viewOf<TDevProg::cmdGeneratorView>,
@@ -115,10 +102,10 @@ const TCmdRows& TDevProg::cmdTable() {
     static const TCmdRows rows = TCmdTable::ownRows({{set_device, &setDevice},
                                                      {auto_detect, &autoDetect},
                                                      {separator, nullptr},
-                                                     {set_vcc, &setVcc},
-                                                     {set_vpp, &setVpp},
-                                                     {set_vicc, &setVicc},
-                                                     {set_vipp, &setVipp},
+                                                     {set_vcc, &supply<TProgSupply::vcc>},
+                                                     {set_vpp, &supply<TProgSupply::vpp>},
+                                                     {set_vicc, &supply<TProgSupply::vicc>},
+                                                     {set_vipp, &supply<TProgSupply::vipp>},
                                                      {separator, nullptr},
                                                      {set_io, &setIo},
                                                      {reset, &resetOwn},
@@ -161,70 +148,6 @@ bool TDevProg::isResetInRange(int d, int min, int max) {
 
 IDeviceExec* TDevProg::createExecObject(const TData& param) {
     return new TDevProgExec(param);
-}
-
-// ---- supplies ----
-
-void TDevProg::cmdSetVCCDefault(TProg* prog, TData& p) {
-    p.insert(kVcc, prog ? prog->getVccDef() : 0.0);
-}
-
-bool TDevProg::cmdSetVCCCheck(TProg* prog, const TData& p) {
-    double min = 0, max = 0;
-    if (!prog) return false;
-    prog->getVccRange(min, max);
-    return isTenthsInRange(p.value(kVcc), min, max);
-}
-
-QString TDevProg::cmdSetVCCView(const TData& p) {
-    return QStringLiteral("%1 V").arg(volts(p, kVcc));
-}
-
-void TDevProg::cmdSetVPPDefault(TProg* prog, TData& p) {
-    p.insert(kVpp, prog ? prog->getVppDef() : 0.0);
-}
-
-bool TDevProg::cmdSetVPPCheck(TProg* prog, const TData& p) {
-    double min = 0, max = 0;
-    if (!prog) return false;
-    prog->getVppRange(min, max);
-    return isTenthsInRange(p.value(kVpp), min, max);
-}
-
-QString TDevProg::cmdSetVPPView(const TData& p) {
-    return QStringLiteral("%1 V").arg(volts(p, kVpp));
-}
-
-void TDevProg::cmdSetVICCDefault(TProg* prog, TData& p) {
-    p.insert(kVcc, prog ? prog->getVccDef() : 0.0);
-    p.insert(kIcc, prog ? prog->getIccDef() : 0.0);
-    p.insert(kOcp, false);
-}
-
-bool TDevProg::cmdSetVICCCheck(TProg* prog, const TData& p) {
-    return prog && voltCurrentInRange(
-                       p, kVcc, kIcc, [prog](double& a, double& b) { prog->getVccRange(a, b); },
-                       [prog](double& a, double& b) { prog->getIccRange(a, b); });
-}
-
-QString TDevProg::cmdSetVICCView(const TData& p) {
-    return voltCurrentView(p, kVcc, kIcc);
-}
-
-void TDevProg::cmdSetVIPPDefault(TProg* prog, TData& p) {
-    p.insert(kVpp, prog ? prog->getVppDef() : 0.0);
-    p.insert(kIpp, prog ? prog->getIppDef() : 0.0);
-    p.insert(kOcp, false);
-}
-
-bool TDevProg::cmdSetVIPPCheck(TProg* prog, const TData& p) {
-    return prog && voltCurrentInRange(
-                       p, kVpp, kIpp, [prog](double& a, double& b) { prog->getVppRange(a, b); },
-                       [prog](double& a, double& b) { prog->getIppRange(a, b); });
-}
-
-QString TDevProg::cmdSetVIPPView(const TData& p) {
-    return voltCurrentView(p, kVpp, kIpp);
 }
 
 // ---- reset and generator ----

@@ -53,18 +53,6 @@ public:
     static const TCmdRows& cmdTable();
     IDeviceExec* createExecObject(const TData& param) override;
 
-    static void cmdSetVCCDefault(TProg* prog, TData& p);
-    static bool cmdSetVCCCheck(TProg* prog, const TData& p);
-    static QString cmdSetVCCView(const TData& p);
-    static void cmdSetVPPDefault(TProg* prog, TData& p);
-    static bool cmdSetVPPCheck(TProg* prog, const TData& p);
-    static QString cmdSetVPPView(const TData& p);
-    static void cmdSetVICCDefault(TProg* prog, TData& p);
-    static bool cmdSetVICCCheck(TProg* prog, const TData& p);
-    static QString cmdSetVICCView(const TData& p);
-    static void cmdSetVIPPDefault(TProg* prog, TData& p);
-    static bool cmdSetVIPPCheck(TProg* prog, const TData& p);
-    static QString cmdSetVIPPView(const TData& p);
     static void cmdResetDefault(TProg* prog, TData& p);
     static bool cmdResetCheck(TProg* prog, const TData& p);
     static QString cmdResetView(const TData& p);
@@ -76,10 +64,6 @@ public:
     static QString cmdAutoDetectView(const TData& p);
 
     // Forms: ranges and defaults come from the programmer description (none without a programmer).
-    static TFormCmd* cmdSetVCCForm(TProg* prog, const TData& p);
-    static TFormCmd* cmdSetVPPForm(TProg* prog, const TData& p);
-    static TFormCmd* cmdSetVICCForm(TProg* prog, const TData& p);
-    static TFormCmd* cmdSetVIPPForm(TProg* prog, const TData& p);
     static TFormCmd* cmdSetIOForm(TProg* prog, const TData& p);
     static TFormCmd* cmdResetForm(TProg* prog, const TData& p);
     static TFormCmd* cmdGeneratorForm(TProg* prog, const TData& p);

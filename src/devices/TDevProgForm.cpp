@@ -21,39 +21,6 @@
 #include <QPlainTextEdit>
 
 namespace {
-QString rangeAndDefault(const QString& range, const QString& def) {
-    return range + QStringLiteral(", ") + def;
-}
-
-// A voltage or current judged the way the command's check judges it: by its rounded tenths.
-QLineEdit* addTenths(TFormCmd* form, const QString& key, const QString& caption, double min, double max,
-                     const QString& hint) {
-    auto* edit = new QLineEdit(QString::number(form->getOrigin().value(key).toDouble()), form);
-    edit->setObjectName(key);
-    QObject::connect(edit, &QLineEdit::textEdited, form, &TFormCmd::changed);
-    form->addField(
-        key, caption, TFormCmd::withHint(edit, hint, form),
-        [edit] { return QVariant(edit->text().trimmed().toDouble()); },
-        [edit, min, max] {
-            return TDevProg::isTenthsInRange(edit->text().trimmed(), min, max)
-                       ? QString()
-                       : Lang.get(490).arg(min).arg(max);
-        });
-    return edit;
-}
-
-// A supply with its current limit and over-current protection (set_vicc, set_vipp).
-TFormCmd* voltCurrentForm(const TData& p, const QString& vKey, const QString& vCaption, double vMin,
-                          double vMax, double vDef, const QString& iKey, const QString& iCaption, double iMin,
-                          double iMax, double iDef) {
-    auto* form = new TFormCmd(p);
-    addTenths(form, vKey, vCaption, vMin, vMax, Lang.get(502).arg(vDef));
-    addTenths(form, iKey, iCaption, iMin, iMax,
-              rangeAndDefault(Lang.get(503).arg(iMin).arg(iMax), Lang.get(504).arg(iDef)));
-    form->addCheck(CTagCmdProgSetVICC::ocp, Lang.get(511))->setObjectName(CTagCmdProgSetVICC::ocp);
-    return form;
-}
-
 // "W25Q80=SPI flash" lines from a route table whose targets are configuration ids.
 QString routeToLines(const QString& route) {
     QStringList lines;
@@ -86,46 +53,6 @@ QString linesToRoute(const QString& text, QString* reason) {
     return pairs.join('|');
 }
 } // namespace
-
-TFormCmd* TDevProg::cmdSetVCCForm(TProg* prog, const TData& p) {
-    double min = 0, max = 0;
-    if (prog) prog->getVccRange(min, max);
-    auto* form = new TFormCmd(p);
-    addTenths(form, CTagCmdProgSetVCC::vcc, Lang.get(509), min, max,
-              Lang.get(502).arg(prog ? prog->getVccDef() : 0.0));
-    return form;
-}
-
-TFormCmd* TDevProg::cmdSetVPPForm(TProg* prog, const TData& p) {
-    double min = 0, max = 0;
-    if (prog) prog->getVppRange(min, max);
-    auto* form = new TFormCmd(p);
-    addTenths(form, CTagCmdProgSetVPP::vpp, Lang.get(510), min, max,
-              Lang.get(502).arg(prog ? prog->getVppDef() : 0.0));
-    return form;
-}
-
-TFormCmd* TDevProg::cmdSetVICCForm(TProg* prog, const TData& p) {
-    double vMin = 0, vMax = 0, iMin = 0, iMax = 0;
-    if (prog) {
-        prog->getVccRange(vMin, vMax);
-        prog->getIccRange(iMin, iMax);
-    }
-    using namespace CTagCmdProgSetVICC;
-    return voltCurrentForm(p, vcc, Lang.get(509), vMin, vMax, prog ? prog->getVccDef() : 0.0, icc,
-                           Lang.get(507), iMin, iMax, prog ? prog->getIccDef() : 0.0);
-}
-
-TFormCmd* TDevProg::cmdSetVIPPForm(TProg* prog, const TData& p) {
-    double vMin = 0, vMax = 0, iMin = 0, iMax = 0;
-    if (prog) {
-        prog->getVppRange(vMin, vMax);
-        prog->getIppRange(iMin, iMax);
-    }
-    using namespace CTagCmdProgSetVIPP;
-    return voltCurrentForm(p, vpp, Lang.get(510), vMin, vMax, prog ? prog->getVppDef() : 0.0, ipp,
-                           Lang.get(508), iMin, iMax, prog ? prog->getIppDef() : 0.0);
-}
 
 // One pin-state choice per pin that the device's connection uses. A state the programmer does not offer
 // stays selected and is marked; an unedited form gives the record's state back as it was written.
@@ -191,7 +118,7 @@ TFormCmd* TDevProg::cmdResetForm(TProg* prog, const TData& p) {
     auto* edit = new QLineEdit(QString::number(p.value(key).toInt()), form);
     edit->setObjectName(key);
     QObject::connect(edit, &QLineEdit::textEdited, form, &TFormCmd::changed);
-    const QString hint = rangeAndDefault(Lang.get(500).arg(min).arg(max), Lang.get(501).arg(def));
+    const QString hint = TFormCmd::rangeAndDefault(Lang.get(500).arg(min).arg(max), Lang.get(501).arg(def));
     form->addField(
         key, Lang.get(506), TFormCmd::withHint(edit, hint, form),
         [edit] { return QVariant(edit->text().trimmed().toInt()); },

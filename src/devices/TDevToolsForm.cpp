@@ -25,11 +25,6 @@ constexpr qint64 int32Min = std::numeric_limits<qint32>::min();
 constexpr qint64 int32Max = std::numeric_limits<qint32>::max();
 constexpr qint64 int64Max = std::numeric_limits<qint64>::max();
 
-// A range hint followed by the default, as one line beside the editor.
-QString rangeAndDefault(const QString& range, const QString& def) {
-    return range + QStringLiteral(", ") + def;
-}
-
 // The configuration of a command record: its id_cfg, or the one its command belongs to.
 int cfgOf(const TData& p) {
     const int idCfg = p.value(CTagCmd::id_cfg, -1).toInt();
@@ -48,7 +43,7 @@ QString cmdTitle(int pos, TDataCmd* cmd) {
 TFormCmd* TDevTools::cmdDelayForm(const TData& p) {
     auto* form = new TFormCmd(p);
     form->addInt(CTagCmdToolsDelay::value, Lang.get(521), 0, int32Max,
-                 rangeAndDefault(Lang.get(500).arg(0).arg(int32Max), Lang.get(501).arg(delayDef)))
+                 TFormCmd::rangeAndDefault(Lang.get(500).arg(0).arg(int32Max), Lang.get(501).arg(delayDef)))
         ->setObjectName(CTagCmdToolsDelay::value);
     return form;
 }

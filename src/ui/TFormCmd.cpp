@@ -70,6 +70,10 @@ TFormCmd::TFormCmd(const TData& param, QWidget* parent) : QWidget(parent), origi
 
 TFormCmd::~TFormCmd() = default;
 
+QString TFormCmd::rangeAndDefault(const QString& range, const QString& def) {
+    return range + QStringLiteral(", ") + def;
+}
+
 QWidget* TFormCmd::withHint(QWidget* editor, const QString& hint, QWidget* parent) {
     if (hint.isEmpty()) return editor;
     auto* box = new QWidget(parent);

@@ -72,6 +72,8 @@ public:
 
     // An editor with its hint ("%1..%2 ms") to the right, as one row of a form.
     static QWidget* withHint(QWidget* editor, const QString& hint, QWidget* parent);
+    // A range hint followed by the default, as one hint.
+    static QString rangeAndDefault(const QString& range, const QString& def);
 
     // The record's value in the type of the original: a number stays a number, a text a text.
     static QVariant typed(const QVariant& origin, const QVariant& value);

@@ -3,6 +3,7 @@
 #include "devices/TDevProgExec.h"
 #include "devices/TDevTools.h"
 #include "devices/TDevToolsExec.h"
+#include "devices/TProgSupply.h"
 #include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "project/TDataCmd.h"
@@ -80,7 +81,7 @@ private slots:
         QVERIFY(valid("gen", {{"freq", 100000}, {"duty_cycle", 50}}));
         QVERIFY(!valid("gen", {{"freq", 100000}, {"duty_cycle", 60}}));
         QVERIFY(!valid("gen", {{"freq", 0}, {"duty_cycle", 50}}));
-        QCOMPARE(TDevProg::cmdSetVIPPView({{"vpp", 12}, {"ipp", 0.05}, {"ocp", false}}),
+        QCOMPARE(TProgSupply::vipp.view({{"vpp", 12}, {"ipp", 0.05}, {"ocp", false}}),
                  QString("12.0 V, 0.050 mA"));
     }
 
