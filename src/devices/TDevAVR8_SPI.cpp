@@ -18,55 +18,49 @@ const QString kData = QStringLiteral("data");
 
 // ---- fuses, lock bits and calibration: a group of bytes the catalogue describes ----
 
-// The catalogue key prefix of the byte group a command edits.
-QString bytesGroup(const TCmdRow& row) {
-    using namespace CTagCmdCode;
-    const QString code = QLatin1String(row.code);
-    if (TMiscDev::isOneOf(code, {fuse_read, fuse_write, fuse_verify})) return QStringLiteral("fuse");
-    if (TMiscDev::isOneOf(code, {lock_read, lock_write, lock_verify})) return QStringLiteral("lock");
-    return QStringLiteral("osccal");
+// The catalogue keys of a group are its name with "_def" (the factory bytes), "_cfg" (the form's
+// description) and "_mask" (the bits the instruction does not carry).
+constexpr char fuseGroup[] = "fuse", lockGroup[] = "lock", osccalGroup[] = "osccal";
+
+template <const char* G> QVariant bytesItem(const TCmdFamily& dev, const char* suffix) {
+    return dev.getDevParam().value(QLatin1String(G) + QLatin1String(suffix));
 }
 
-QVariant bytesItem(const TCmdFamily& dev, const TCmdRow& row, const char* suffix) {
-    return dev.getDevParam().value(bytesGroup(row) + QLatin1String(suffix));
+template <const char* G> void bytesDefaults(const TCmdFamily& dev, const TCmdRow&, TData& p) {
+    p.insert(kData, bytesItem<G>(dev, "_def").toString());
 }
 
-void bytesDefaults(const TCmdFamily& dev, const TCmdRow& row, TData& p) {
-    p.insert(kData, bytesItem(dev, row, "_def").toString());
+template <const char* G> QString bytesView(const TCmdFamily& dev, const TCmdRow&, const TData& p) {
+    return bytesItem<G>(dev, "_def").toString().isEmpty() ? QString() : p.value(kData).toString();
 }
 
-QString bytesView(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
-    return bytesItem(dev, row, "_def").toString().isEmpty() ? QString() : p.value(kData).toString();
-}
-
-TFormCmd* bytesForm(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
+template <const char* G> TFormCmd* bytesForm(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
     auto* form = new TFormCmd(p);
     // A read shows what it read; a write or verify starts from the factory bytes.
     const bool read = row.op == TCmdOp::Read;
     const QByteArray factory =
-        read ? QByteArray() : QByteArray::fromHex(bytesItem(dev, row, "_def").toString().toLatin1());
-    TWgtRegisterForm::addToForm(form, kData, bytesItem(dev, row, "_cfg").toStringList(), read, false,
-                                factory);
+        read ? QByteArray() : QByteArray::fromHex(bytesItem<G>(dev, "_def").toString().toLatin1());
+    TWgtRegisterForm::addToForm(form, kData, bytesItem<G>(dev, "_cfg").toStringList(), read, false, factory);
     return form;
 }
 
 // Written or compared bytes must be exactly as many as the part has (hex text, two digits a byte), and
 // the bits the part's instruction does not carry stay 1: the instruction sends the byte as it is, so a
 // 0 there would change one of the instruction's own bits. Reads take no parameters.
-bool bytesCheck(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
+template <const char* G> bool bytesCheck(const TCmdFamily& dev, const TCmdRow& row, const TData& p) {
     if (row.op == TCmdOp::Read) return true;
     const QString text = p.value(kData).toString();
-    const int n = bytesItem(dev, row, "_def").toString().size() / 2;
+    const int n = bytesItem<G>(dev, "_def").toString().size() / 2;
     static const QRegularExpression hexDigits(QStringLiteral("^[0-9A-Fa-f]*$"));
     if (n <= 0 || text.size() != 2 * n || !hexDigits.match(text).hasMatch()) return false;
     const QByteArray bytes = QByteArray::fromHex(text.toLatin1());
-    const QByteArray mask = QByteArray::fromHex(bytesItem(dev, row, "_mask").toByteArray());
+    const QByteArray mask = QByteArray::fromHex(bytesItem<G>(dev, "_mask").toByteArray());
     for (int i = 0; i < mask.size() && i < bytes.size(); ++i)
         if ((bytes.at(i) | mask.at(i)) != char(0xFF)) return false;
     return true;
 }
 
-const TCmdOwn bytes{bytesDefaults, bytesView, bytesForm, bytesCheck};
+template <const char* G> const TCmdOwn bytes{bytesDefaults<G>, bytesView<G>, bytesForm<G>, bytesCheck<G>};
 
 QString identView(const TCmdFamily& dev, const TCmdRow&, const TData&) {
     return Lang.get(485).arg(dev.devItem("signature").toString());
@@ -111,13 +105,13 @@ const TCmdRows& TDevAVR8_SPI::cmdTable() {
         {eeprom_file_read, K::File, O::Read, Eeprom},
         {eeprom_file_write, K::File, O::Write, Eeprom},
         {eeprom_file_verify, K::File, O::Verify, Eeprom},
-        {fuse_read, K::Own, O::Read, Flash, &bytes},
-        {fuse_write, K::Own, O::Write, Flash, &bytes},
-        {fuse_verify, K::Own, O::Verify, Flash, &bytes},
-        {lock_read, K::Own, O::Read, Flash, &bytes},
-        {lock_write, K::Own, O::Write, Flash, &bytes},
-        {lock_verify, K::Own, O::Verify, Flash, &bytes},
-        {osccal_read, K::Own, O::Read, Flash, &bytes},
+        {fuse_read, K::Own, O::Read, Flash, &bytes<fuseGroup>},
+        {fuse_write, K::Own, O::Write, Flash, &bytes<fuseGroup>},
+        {fuse_verify, K::Own, O::Verify, Flash, &bytes<fuseGroup>},
+        {lock_read, K::Own, O::Read, Flash, &bytes<lockGroup>},
+        {lock_write, K::Own, O::Write, Flash, &bytes<lockGroup>},
+        {lock_verify, K::Own, O::Verify, Flash, &bytes<lockGroup>},
+        {osccal_read, K::Own, O::Read, Flash, &bytes<osccalGroup>},
         {leave, K::Leave, O::None, Flash},
     };
     return rows;
