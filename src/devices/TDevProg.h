@@ -1,39 +1,8 @@
 #pragma once
 
 #include "devices/TCmdFamily.h"
+#include "project/CTagCmdParam.h"
 #include "project/CTagPrj.h"
-
-// Parameter keys of the programmer commands.
-namespace CTagCmdProgSetVCC {
-inline constexpr const char* vcc = "vcc";
-}
-namespace CTagCmdProgSetVPP {
-inline constexpr const char* vpp = "vpp";
-}
-namespace CTagCmdProgSetVICC {
-inline constexpr const char* vcc = "vcc";
-inline constexpr const char* icc = "icc";
-inline constexpr const char* ocp = "ocp";
-} // namespace CTagCmdProgSetVICC
-namespace CTagCmdProgSetVIPP {
-inline constexpr const char* vpp = "vpp";
-inline constexpr const char* ipp = "ipp";
-inline constexpr const char* ocp = "ocp";
-} // namespace CTagCmdProgSetVIPP
-namespace CTagCmdProgSetIO {
-inline constexpr const char* state = "state";
-}
-namespace CTagCmdProgReset {
-inline constexpr const char* duration = "duration";
-}
-namespace CTagCmdProgGenerator {
-inline constexpr const char* freq = "freq";
-inline constexpr const char* duty_cycle = "duty_cycle";
-} // namespace CTagCmdProgGenerator
-namespace CTagCmdProgAutoDetect {
-inline constexpr const char* stop = "stop";
-inline constexpr const char* execute = "execute";
-} // namespace CTagCmdProgAutoDetect
 
 class TFormCmd;
 class TProg;

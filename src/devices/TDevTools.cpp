@@ -32,32 +32,34 @@ template <TFormCmd* (*F)(const TData&)> TFormCmd* formOf(Dev, Row, const TData& 
 }
 
 // ---- delay ----
-const TCmdOwn delayOwn{
-    [](Dev, Row, TData& p) { p.insert("value", TDevTools::delayDef); },
-    [](Dev, Row, const TData& p) { return QStringLiteral("%1 ms").arg(p.value("value").toLongLong()); },
-    formOf<TDevTools::cmdDelayForm>,
-    [](Dev, Row, const TData& p) {
-        bool ok = false;
-        const qint64 v = p.value("value").toLongLong(&ok);
-        return ok && v >= 0 && v < (qint64(1) << 31);
-    }};
+const TCmdOwn delayOwn{[](Dev, Row, TData& p) { p.insert(CTagCmdToolsDelay::value, TDevTools::delayDef); },
+                       [](Dev, Row, const TData& p) {
+                           return QStringLiteral("%1 ms").arg(p.value(CTagCmdToolsDelay::value).toLongLong());
+                       },
+                       formOf<TDevTools::cmdDelayForm>,
+                       [](Dev, Row, const TData& p) {
+                           bool ok = false;
+                           const qint64 v = p.value(CTagCmdToolsDelay::value).toLongLong(&ok);
+                           return ok && v >= 0 && v < (qint64(1) << 31);
+                       }};
 
 // ---- counter ----
 void counterDefaults(Dev, Row, TData& p) {
-    p.insert("value", 0);
-    p.insert("limit", 0);
-    p.insert("delta", 1);
+    p.insert(CTagCmdToolsCounter::value, 0);
+    p.insert(CTagCmdToolsCounter::limit, 0);
+    p.insert(CTagCmdToolsCounter::delta, 1);
 }
 
 QString counterView(Dev, Row, const TData& p) {
     return QStringLiteral("Value: %1, Limit: %2, Delta: %3")
-        .arg(p.value("value").toLongLong())
-        .arg(p.value("limit").toLongLong())
-        .arg(p.value("delta").toLongLong());
+        .arg(p.value(CTagCmdToolsCounter::value).toLongLong())
+        .arg(p.value(CTagCmdToolsCounter::limit).toLongLong())
+        .arg(p.value(CTagCmdToolsCounter::delta).toLongLong());
 }
 
 bool counterCheck(Dev, Row, const TData& p) {
-    return fitsInt32(p.value("value")) && fitsInt32(p.value("limit")) && fitsInt32(p.value("delta"));
+    return fitsInt32(p.value(CTagCmdToolsCounter::value)) && fitsInt32(p.value(CTagCmdToolsCounter::limit)) &&
+           fitsInt32(p.value(CTagCmdToolsCounter::delta));
 }
 
 const TCmdOwn counterOwn{counterDefaults, counterView, formOf<TDevTools::cmdCounterForm>, counterCheck};
@@ -65,7 +67,7 @@ const TCmdOwn counterOwn{counterDefaults, counterView, formOf<TDevTools::cmdCoun
 // ---- jump to a command ----
 QString jampView(Dev, Row, const TData& p) {
     TLocker lock(ProjectData.getMutex());
-    const int target = p.value("to_cmd", -1).toInt();
+    const int target = p.value(CTagCmdToolsJamp::to_cmd, -1).toInt();
     const int apos = ProjectData.getAPosCmdFromIdCmd(target);
     if (apos < 0) return QStringLiteral("?");
     const TData t = ProjectData.getCmdData(target);
@@ -76,48 +78,57 @@ QString jampView(Dev, Row, const TData& p) {
 }
 
 bool jampCheck(Dev, Row, const TData& p) {
-    const int target = p.value("to_cmd", -1).toInt();
+    const int target = p.value(CTagCmdToolsJamp::to_cmd, -1).toInt();
     return target >= 0 && ProjectData.getAPosCmdFromIdCmd(target) >= 0;
 }
 
-const TCmdOwn jampOwn{[](Dev, Row, TData& p) { p.insert("to_cmd", TDevTools::cmdJampDefault(p)); }, jampView,
-                      formOf<TDevTools::cmdJampForm>, jampCheck};
+const TCmdOwn jampOwn{
+    [](Dev, Row, TData& p) { p.insert(CTagCmdToolsJamp::to_cmd, TDevTools::cmdJampDefault(p)); }, jampView,
+    formOf<TDevTools::cmdJampForm>, jampCheck};
 
 // ---- external process and another configuration ----
 const TCmdOwn processOwn{
-    [](Dev, Row, TData& p) { p.insert("file", QString()); },
-    [](Dev, Row, const TData& p) { return p.value("file").toString(); }, formOf<TDevTools::cmdProcessForm>,
-    [](Dev, Row, const TData& p) { return !p.value("file").toString().trimmed().isEmpty(); }};
+    [](Dev, Row, TData& p) { p.insert(CTagCmdToolsProcess::file, QString()); },
+    [](Dev, Row, const TData& p) { return p.value(CTagCmdToolsProcess::file).toString(); },
+    formOf<TDevTools::cmdProcessForm>,
+    [](Dev, Row, const TData& p) {
+        return !p.value(CTagCmdToolsProcess::file).toString().trimmed().isEmpty();
+    }};
 
 const TCmdOwn executeOwn{
-    [](Dev, Row, TData& p) { p.insert("cfg", -1); },
-    [](Dev, Row, const TData& p) { return ProjectData.getNameCfgFromIdCfg(p.value("cfg", -1).toInt()); },
+    [](Dev, Row, TData& p) { p.insert(CTagCmdToolsExecute::cfg, -1); },
+    [](Dev, Row, const TData& p) {
+        return ProjectData.getNameCfgFromIdCfg(p.value(CTagCmdToolsExecute::cfg, -1).toInt());
+    },
     formOf<TDevTools::cmdExecuteForm>,
-    [](Dev, Row, const TData& p) { return ProjectData.getPosCfgFromIdCfg(p.value("cfg", -1).toInt()) >= 0; }};
+    [](Dev, Row, const TData& p) {
+        return ProjectData.getPosCfgFromIdCfg(p.value(CTagCmdToolsExecute::cfg, -1).toInt()) >= 0;
+    }};
 
 // ---- CRC of a file ----
 void calcCrcDefaults(Dev, Row, TData& p) {
-    p.insert("crc_name", TCRC::getCRCNameDef());
-    p.insert("file", QString());
-    p.insert("format", TCRC::getFormatDef());
-    p.insert("addr", 0);
-    p.insert("count", 0);
-    p.insert("fill", 255);
+    p.insert(CTagCmdToolsCalcCRC::crc_name, TCRC::getCRCNameDef());
+    p.insert(CTagCmdToolsCalcCRC::file, QString());
+    p.insert(CTagCmdToolsCalcCRC::format, TCRC::getFormatDef());
+    p.insert(CTagCmdToolsCalcCRC::addr, 0);
+    p.insert(CTagCmdToolsCalcCRC::count, 0);
+    p.insert(CTagCmdToolsCalcCRC::fill, 255);
 }
 
 QString calcCrcView(Dev, Row, const TData& p) {
     return QStringLiteral("%1: %2 (%3)")
-        .arg(p.value("crc_name").toString(), p.value("file").toString(),
-             TFormat::getViewFormat(p.value("format").toString()));
+        .arg(p.value(CTagCmdToolsCalcCRC::crc_name).toString(), p.value(CTagCmdToolsCalcCRC::file).toString(),
+             TFormat::getViewFormat(p.value(CTagCmdToolsCalcCRC::format).toString()));
 }
 
 bool calcCrcCheck(Dev, Row, const TData& p) {
-    std::unique_ptr<ICRC> crc(TCRC::createCRCObject(p.value("crc_name").toString()));
+    std::unique_ptr<ICRC> crc(TCRC::createCRCObject(p.value(CTagCmdToolsCalcCRC::crc_name).toString()));
     bool okA = false, okC = false, okF = false;
-    const qint64 addr = p.value("addr").toLongLong(&okA), count = p.value("count").toLongLong(&okC);
-    const int fill = p.value("fill").toInt(&okF);
+    const qint64 addr = p.value(CTagCmdToolsCalcCRC::addr).toLongLong(&okA),
+                 count = p.value(CTagCmdToolsCalcCRC::count).toLongLong(&okC);
+    const int fill = p.value(CTagCmdToolsCalcCRC::fill).toInt(&okF);
     // The range may lie anywhere in a file, but its end must stay within 64 bits.
-    return crc && !p.value("file").toString().isEmpty() && okA && okC && okF &&
+    return crc && !p.value(CTagCmdToolsCalcCRC::file).toString().isEmpty() && okA && okC && okF &&
            TMiscDev::isRangeInside(addr, count, 0, LLONG_MAX) && fill >= 0 && fill <= 255;
 }
 
@@ -125,15 +136,16 @@ const TCmdOwn calcCrcOwn{calcCrcDefaults, calcCrcView, formOf<TDevTools::cmdCalc
 
 // ---- choice of the programmer ----
 void setProgDefaults(Dev, Row, TData& p) {
-    p.insert("prog", AppData.progName.getNameFromIndex(AppData.progDefault));
-    p.insert("alt_enabled", false);
-    p.insert("alt_port", QString());
+    p.insert(CTagCmdToolsSetProg::prog, AppData.progName.getNameFromIndex(AppData.progDefault));
+    p.insert(CTagCmdToolsSetProg::alt_enabled, false);
+    p.insert(CTagCmdToolsSetProg::alt_port, QString());
 }
 
 QString setProgView(Dev, Row, const TData& p) {
-    QString view = p.value("prog").toString();
-    if (p.value("alt_enabled").toBool())
-        view += QStringLiteral(", Port %1: %2").arg(QStringLiteral("alt"), p.value("alt_port").toString());
+    QString view = p.value(CTagCmdToolsSetProg::prog).toString();
+    if (p.value(CTagCmdToolsSetProg::alt_enabled).toBool())
+        view += QStringLiteral(", Port %1: %2")
+                    .arg(QStringLiteral("alt"), p.value(CTagCmdToolsSetProg::alt_port).toString());
     return view;
 }
 

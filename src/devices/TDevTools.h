@@ -1,37 +1,13 @@
 #pragma once
 
 #include "devices/TCmdFamily.h"
+#include "project/CTagCmdParam.h"
 #include "project/CTagPrj.h"
 
 #include <QVariantList>
 
 class QComboBox;
 class TFormCmd;
-
-// Parameter keys of the tools commands.
-namespace CTagCmdToolsDelay {
-inline constexpr const char* value = "value";
-}
-namespace CTagCmdToolsCounter {
-inline constexpr const char* value = "value";
-inline constexpr const char* limit = "limit";
-inline constexpr const char* delta = "delta";
-} // namespace CTagCmdToolsCounter
-namespace CTagCmdToolsProcess {
-inline constexpr const char* file = "file";
-}
-namespace CTagCmdToolsCalcCRC {
-inline constexpr const char* crc_name = "crc_name";
-inline constexpr const char* file = "file";
-inline constexpr const char* format = "format";
-inline constexpr const char* addr = "addr";
-inline constexpr const char* count = "count";
-inline constexpr const char* fill = "fill";
-} // namespace CTagCmdToolsCalcCRC
-namespace CTagCmdToolsSetProg {
-inline constexpr const char* alt_enabled = "alt_enabled";
-inline constexpr const char* alt_port = "alt_port";
-} // namespace CTagCmdToolsSetProg
 
 // Commands that steer a run rather than a chip: delay, pause, stop, counter, jump, external process,
 // running another configuration, CRC calculation and the choice of the programmer.

@@ -1,26 +1,9 @@
 #pragma once
 
 #include "app/TTypes.h"
+#include "project/CTagCmdParam.h"
 
 #include <QByteArray>
-
-// Keys of the commands the shared handling serves.
-namespace CTagCmdRWV {
-inline constexpr const char* addr_device = "addr_device";
-inline constexpr const char* count = "count";
-inline constexpr const char* fill_char = "fill_char";
-inline constexpr const char* data = "data";
-inline constexpr const char* file = "file";
-inline constexpr const char* addr_file = "addr_file";
-inline constexpr const char* format = "format";
-} // namespace CTagCmdRWV
-namespace CTagCmdLeave {
-inline constexpr const char* state = "state";
-inline constexpr const char* duration = "duration";
-} // namespace CTagCmdLeave
-namespace CTagCmdSetCLK {
-inline constexpr const char* clk = "clk";
-}
 
 class IDevice;
 class TDataCmd;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "project/CTagCmdParam.h"
+
 // Keys of the project file and of the model's own records.
 namespace CTagPrj {
 inline constexpr const char* version = "version";
@@ -25,22 +27,3 @@ inline constexpr const char* valid_dev = "valid_dev";
 inline constexpr const char* valid_param = "valid_param";
 inline constexpr const char* pos = "pos";
 } // namespace CTagCmd
-
-// Parameters of the commands the model itself interprets.
-namespace CTagCmdToolsSetProg {
-inline constexpr const char* prog = "prog";
-}
-namespace CTagCmdProgSetDevice {
-inline constexpr const char* device = "device";
-inline constexpr const char* file = "file";
-} // namespace CTagCmdProgSetDevice
-namespace CTagCmdProgAutoDetect {
-inline constexpr const char* name = "name";
-inline constexpr const char* route = "route";
-} // namespace CTagCmdProgAutoDetect
-namespace CTagCmdToolsJamp {
-inline constexpr const char* to_cmd = "to_cmd";
-}
-namespace CTagCmdToolsExecute {
-inline constexpr const char* cfg = "cfg";
-}
