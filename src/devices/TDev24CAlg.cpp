@@ -1,5 +1,6 @@
 #include "devices/TDev24CAlg.h"
 
+#include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 
 namespace {
@@ -25,19 +26,19 @@ bool TDev24CAlg::send(TSerialPort& port, unsigned char cmd, QByteArray& data, QS
 
 bool TDev24CAlg::setAddress(TSerialPort& port, unsigned char addr, QString& err) {
     QByteArray data(1, char(addr));
-    return send(port, CmdAddr, data, err);
+    return send(port, CProtocol::I2c::SetAddr, data, err);
 }
 
 bool TDev24CAlg::setClk(TSerialPort& port, unsigned int hz, QString& err) {
     QByteArray data;
     for (int i = 0; i < 4; ++i)
         data.append(char(hz >> (8 * i) & 0xFF));
-    return send(port, CmdClk, data, err);
+    return send(port, CProtocol::Family::SetClk, data, err);
 }
 
 bool TDev24CAlg::leave(TSerialPort& port, const QByteArray& payload, QString& err) {
     QByteArray data = payload;
-    return send(port, CmdLeave, data, err);
+    return send(port, CProtocol::Family::Leave, data, err);
 }
 
 bool TDev24CAlg::read(int alg, TSerialPort& port, qint64 addr, unsigned char addrSize, unsigned short count,
@@ -57,11 +58,11 @@ bool TDev24CAlg::readAlg_0(TSerialPort& port, qint64 addr, unsigned char addrSiz
     out.clear();
     out.append(char(count & 0xFF)).append(char(count >> 8));
     out.append(selectAndAddress(addr, addrSize));
-    return send(port, CmdRead, out, err);
+    return send(port, CProtocol::I2c::Read, out, err);
 }
 
 bool TDev24CAlg::writeAlg_0(TSerialPort& port, qint64 addr, unsigned char addrSize, const QByteArray& data,
                             QString& err) {
     QByteArray packet = selectAndAddress(addr, addrSize) + data;
-    return send(port, CmdWrite, packet, err);
+    return send(port, CProtocol::I2c::Write, packet, err);
 }

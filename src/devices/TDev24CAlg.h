@@ -1,7 +1,5 @@
 #pragma once
 
-#include "link/CProtocol.h"
-
 #include <QByteArray>
 #include <QString>
 
@@ -11,14 +9,6 @@ class TSerialPort;
 // algorithm number the family does not have fails without sending anything.
 class TDev24CAlg {
 public:
-    enum Cmd : unsigned char {
-        CmdLeave = CProtocol::Family::Leave,
-        CmdClk = CProtocol::Family::SetClk,
-        CmdAddr = CProtocol::I2c::SetAddr,
-        CmdWrite = CProtocol::I2c::Write,
-        CmdRead = CProtocol::I2c::Read
-    };
-
     // Device-select byte with the address bits above the address bytes in its block-select bits, then
     // the address bytes (high first). Middle bytes of an address wider than two bytes are not sent.
     static QByteArray selectAndAddress(qint64 addr, unsigned char addrSize);

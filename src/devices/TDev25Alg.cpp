@@ -1,5 +1,6 @@
 #include "devices/TDev25Alg.h"
 
+#include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 
 namespace S = CProtocol::Spi;
@@ -118,34 +119,34 @@ bool TDev25Alg::send(TSerialPort& port, unsigned char cmd, QByteArray& data, QSt
 bool TDev25Alg::ident(unsigned alg, TSerialPort& port, QByteArray& out, QString& err) {
     if (alg != 0) return false;
     out = payloadIdent();
-    return send(port, CmdRead, out, err);
+    return send(port, S::Read, out, err);
 }
 
 bool TDev25Alg::read(unsigned alg, TSerialPort& port, qint64 addr, quint16 len, QByteArray& out,
                      QString& err) {
     if (alg != 0) return false;
     out = payloadRead(addr, len);
-    return send(port, CmdRead, out, err);
+    return send(port, S::Read, out, err);
 }
 
 bool TDev25Alg::write(unsigned alg, TSerialPort& port, qint64 addr, const QByteArray& data, QString& err) {
     if (alg != 0) return false;
     QByteArray packet = payloadWrite(addr, data);
-    return send(port, CmdWrite, packet, err);
+    return send(port, S::Write, packet, err);
 }
 
 bool TDev25Alg::erase_blocks(unsigned alg, TSerialPort& port, unsigned char opcode, qint64 addr,
                              QString& err) {
     if (alg != 0) return false;
     QByteArray packet = payloadErase(opcode, addr);
-    return send(port, CmdWrite, packet, err);
+    return send(port, S::Write, packet, err);
 }
 
 bool TDev25Alg::readStatusReg(unsigned alg, TSerialPort& port, QByteArray& out, QString& err) {
     if (alg != 0) return false;
     out.clear();
     for (QByteArray packet : payloadReadStatusReg()) {
-        if (!send(port, CmdRead, packet, err)) return false;
+        if (!send(port, S::Read, packet, err)) return false;
         if (!packet.isEmpty()) out.append(packet.at(0));
     }
     return true;
@@ -156,7 +157,7 @@ bool TDev25Alg::writeStatusReg(unsigned alg, TSerialPort& port, const QByteArray
     const QList<QByteArray> packets = payloadWriteStatusReg(data);
     if (packets.isEmpty()) return false;
     for (QByteArray packet : packets)
-        if (!send(port, CmdWrite, packet, err)) return false;
+        if (!send(port, S::Write, packet, err)) return false;
     return true;
 }
 
@@ -164,43 +165,43 @@ bool TDev25Alg::readSFDPReg(unsigned alg, TSerialPort& port, qint64 addr, quint1
                             QString& err) {
     if (alg != 0) return false;
     out = payloadReadSFDPReg(addr, len);
-    return send(port, CmdRead, out, err);
+    return send(port, S::Read, out, err);
 }
 
 bool TDev25Alg::eraseSecurityReg(unsigned alg, TSerialPort& port, int n, QString& err) {
     if (alg != 0) return false;
     QByteArray packet = payloadEraseSecurityReg(n);
-    return send(port, CmdWrite, packet, err);
+    return send(port, S::Write, packet, err);
 }
 
 bool TDev25Alg::readSecurityReg(unsigned alg, TSerialPort& port, qint64 addr, quint16 len, QByteArray& out,
                                 QString& err) {
     if (alg != 0) return false;
     out = payloadReadSecurityReg(addr, len);
-    return send(port, CmdRead, out, err);
+    return send(port, S::Read, out, err);
 }
 
 bool TDev25Alg::writeSecurityReg(unsigned alg, TSerialPort& port, qint64 addr, const QByteArray& data,
                                  QString& err) {
     if (alg != 0) return false;
     QByteArray packet = payloadWriteSecurityReg(addr, data);
-    return send(port, CmdWrite, packet, err);
+    return send(port, S::Write, packet, err);
 }
 
 bool TDev25Alg::readUniqueID(unsigned alg, TSerialPort& port, QByteArray& out, QString& err) {
     if (alg != 0) return false;
     out = payloadReadUniqueID();
-    return send(port, CmdRead, out, err);
+    return send(port, S::Read, out, err);
 }
 
 bool TDev25Alg::setClk(unsigned alg, TSerialPort& port, unsigned int value, QString& err) {
     if (alg != 0) return false;
     QByteArray packet = payloadSetClk(value);
-    return send(port, CmdSetClk, packet, err);
+    return send(port, CProtocol::Family::SetClk, packet, err);
 }
 
 bool TDev25Alg::leave(unsigned alg, TSerialPort& port, const QByteArray& payload, QString& err) {
     if (alg != 0) return false;
     QByteArray packet = payload;
-    return send(port, CmdLeave, packet, err);
+    return send(port, CProtocol::Family::Leave, packet, err);
 }

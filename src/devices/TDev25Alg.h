@@ -1,7 +1,5 @@
 #pragma once
 
-#include "link/CProtocol.h"
-
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -17,13 +15,6 @@ class TSerialPort;
 // from the port so that each byte can be checked without a programmer.
 class TDev25Alg {
 public:
-    enum : unsigned char {
-        CmdLeave = CProtocol::Family::Leave,
-        CmdSetClk = CProtocol::Family::SetClk,
-        CmdRead = CProtocol::Spi::Read,
-        CmdWrite = CProtocol::Spi::Write
-    };
-
     static QByteArray payloadIdent();
     static QByteArray payloadRead(qint64 addr, quint16 len);
     static QByteArray payloadWrite(qint64 addr, const QByteArray& data);

@@ -1,6 +1,7 @@
 #include "devices/TDevAVR8Alg.h"
 
 #include "app/TLang.h"
+#include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 
 namespace A = CProtocol::Avr;
@@ -118,7 +119,7 @@ bool TDevAVR8Alg::send(TSerialPort& port, unsigned char cmd, QByteArray& data, Q
 bool TDevAVR8Alg::instr(TSerialPort& port, const QByteArray& payload, QByteArray& reply, QString& err, int r1,
                         int r2, int r3) {
     reply = payload;
-    if (!send(port, CmdInstr, reply, err)) return false;
+    if (!send(port, A::Instr, reply, err)) return false;
     const int expected[3] = {r1, r2, r3};
     bool ok = reply.size() == 4;
     for (int i = 0; ok && i < 3; ++i)
@@ -161,7 +162,7 @@ bool TDevAVR8Alg::readFlash(int alg, TSerialPort& port, FlashState& st, qint64 a
     if (alg == 1 && addr == 0) st.extended = -1;
     if (alg == 1 && !extendedAddress(port, st, addr, err)) return false;
     out = payloadRead(addr, len);
-    return send(port, CmdReadFlash, out, err);
+    return send(port, A::ReadFlash, out, err);
 }
 
 bool TDevAVR8Alg::writeFlash(int alg, TSerialPort& port, FlashState& st, unsigned char wait, qint64 addr,
@@ -172,7 +173,7 @@ bool TDevAVR8Alg::writeFlash(int alg, TSerialPort& port, FlashState& st, unsigne
     if (alg == 2 && !extendedAddress(port, st, addr, err)) return false;
     QByteArray packet = payloadWrite(addr, payload);
     taken = packet.size() - 2;
-    if (!send(port, CmdWriteFlash, packet, err)) return false;
+    if (!send(port, A::WriteFlash, packet, err)) return false;
     if (alg == 0) return true;
     QByteArray r;
     return instr(port, payloadPageCommit(wait, addr), r, err);
@@ -182,13 +183,13 @@ bool TDevAVR8Alg::readEeprom(int alg, TSerialPort& port, qint64 addr, int len, Q
                              QString& err) {
     if (alg != 0) return false;
     out = payloadRead(addr, len);
-    return send(port, CmdReadEeprom, out, err);
+    return send(port, A::ReadEeprom, out, err);
 }
 
 bool TDevAVR8Alg::writeEeprom(int alg, TSerialPort& port, qint64 addr, const QByteArray& data, QString& err) {
     if (alg != 0) return false;
     QByteArray packet = payloadWrite(addr, data);
-    return send(port, CmdWriteEeprom, packet, err);
+    return send(port, A::WriteEeprom, packet, err);
 }
 
 bool TDevAVR8Alg::readFuseBits(int alg, TSerialPort& port, int count, QByteArray& out, QString& err) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "link/CProtocol.h"
-
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -14,18 +12,6 @@ class TSerialPort;
 // have fails without sending anything.
 class TDevAVR8Alg {
 public:
-    enum Cmd : unsigned char {
-        CmdLeave = CProtocol::Family::Leave,
-        CmdClk = CProtocol::Family::SetClk,
-        CmdReadFlash = CProtocol::Avr::ReadFlash,
-        CmdWriteFlash = CProtocol::Avr::WriteFlash,
-        CmdReadEeprom = CProtocol::Avr::ReadEeprom,
-        CmdWriteEeprom = CProtocol::Avr::WriteEeprom,
-        CmdInstr = CProtocol::Avr::Instr
-    };
-    // 0xFF asks the programmer to poll the part until it is ready; other values are a fixed delay.
-    static constexpr unsigned char waitPoll = CProtocol::Avr::WaitPoll;
-
     // Upper address bits last sent with the extended address instruction; -1: none yet.
     struct FlashState {
         int extended = -1;

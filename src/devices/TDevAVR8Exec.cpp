@@ -3,6 +3,7 @@
 #include "app/TApp.h"
 #include "app/TLang.h"
 #include "devices/TDevAVR8_SPI.h"
+#include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 #include "misc/TLockOut.h"
 #include "misc/TNormCmdParam.h"
@@ -66,7 +67,7 @@ int TDevAVR8Exec::alg(const char* key) const {
 }
 
 unsigned char TDevAVR8Exec::waitByte(const TData& dev, const QString& prefix) {
-    if (dev.value(prefix + QStringLiteral("_polling")).toBool()) return TDevAVR8Alg::waitPoll;
+    if (dev.value(prefix + QStringLiteral("_polling")).toBool()) return CProtocol::Avr::WaitPoll;
     return static_cast<unsigned char>(dev.value(prefix + QStringLiteral("_delay")).toUInt() & 0xFF);
 }
 
@@ -128,13 +129,13 @@ bool TDevAVR8Exec::setCLK(TSerialPort& port) {
     if (!prepare(port)) return false;
     QByteArray payload;
     TMiscDev::appendLE(payload, TMiscDev::getCLK(param), 4);
-    return sendPackage(port, TDevAVR8Alg::CmdClk, payload);
+    return sendPackage(port, CProtocol::Family::SetClk, payload);
 }
 
 bool TDevAVR8Exec::leave(TSerialPort& port) {
     if (!prepare(port)) return false;
     QByteArray payload = TNormCmdParam::cmdLeaveExec(TAPP_PARAM(param, CTagCmd::id_cmd).toInt(), true);
-    return sendPackage(port, TDevAVR8Alg::CmdLeave, payload);
+    return sendPackage(port, CProtocol::Family::Leave, payload);
 }
 
 bool TDevAVR8Exec::erase(TSerialPort& port) {

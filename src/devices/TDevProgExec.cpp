@@ -4,6 +4,7 @@
 #include "app/TLang.h"
 #include "devices/IDevice.h"
 #include "devices/TSignature.h"
+#include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
 #include "misc/dev_misc.h"
@@ -73,35 +74,37 @@ bool TDevProgExec::send(TSerialPort& port, unsigned char cmd, QByteArray payload
 }
 
 bool TDevProgExec::showLED(TSerialPort& port, unsigned char state) {
-    return send(port, CmdLED, QByteArray(1, char(state)));
+    return send(port, CProtocol::Prog::LED, QByteArray(1, char(state)));
 }
 
 bool TDevProgExec::reset(TSerialPort& port, int duration) {
-    return send(port, CmdReset, payloadReset(duration));
+    return send(port, CProtocol::Prog::Reset, payloadReset(duration));
 }
 
 bool TDevProgExec::leave(TSerialPort& port) {
-    return send(port, CmdLeave, QByteArray());
+    return send(port, CProtocol::Prog::Leave, QByteArray());
 }
 
 bool TDevProgExec::execute(TSerialPort& port, bool& finish, int&, int&) {
     using namespace CTagCmdCode;
     const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
     auto num = [this](const char* key) { return TAPP_PARAM(param, key).toDouble(); };
-    if (code == set_vcc) return send(port, CmdSetVcc, payloadVolt(num("vcc")));
-    if (code == set_vpp) return send(port, CmdSetVpp, payloadVolt(num("vpp")));
+    if (code == set_vcc) return send(port, CProtocol::Prog::SetVcc, payloadVolt(num("vcc")));
+    if (code == set_vpp) return send(port, CProtocol::Prog::SetVpp, payloadVolt(num("vpp")));
     if (code == set_vicc)
-        return send(port, CmdSetVIcc, payloadVIcc(num("vcc"), num("icc"), TAPP_PARAM(param, "ocp").toBool()));
+        return send(port, CProtocol::Prog::SetVIcc,
+                    payloadVIcc(num("vcc"), num("icc"), TAPP_PARAM(param, "ocp").toBool()));
     if (code == set_vipp)
-        return send(port, CmdSetVIpp, payloadVIpp(num("vpp"), num("ipp"), TAPP_PARAM(param, "ocp").toBool()));
+        return send(port, CProtocol::Prog::SetVIpp,
+                    payloadVIpp(num("vpp"), num("ipp"), TAPP_PARAM(param, "ocp").toBool()));
     if (code == set_io)
-        return send(port, CmdSetIO,
+        return send(port, CProtocol::Prog::SetIO,
                     TNormCmdParam::cmdLeaveExec(TAPP_PARAM(param, CTagCmd::id_cmd).toInt(), false));
     if (code == CTagCmdCode::reset)
-        return send(port, CmdReset, payloadReset(TAPP_PARAM(param, "duration").toInt()));
+        return send(port, CProtocol::Prog::Reset, payloadReset(TAPP_PARAM(param, "duration").toInt()));
     if (code == gen)
         return send(
-            port, CmdGenerator,
+            port, CProtocol::Prog::Generator,
             payloadGenerator(TAPP_PARAM(param, "freq").toUInt(), TAPP_PARAM(param, "duty_cycle").toUInt()));
     if (code == set_device) return execSetDevice(port);
     if (code == auto_detect) return execAutoDetect(port, finish);
@@ -116,7 +119,7 @@ bool TDevProgExec::execSetDevice(TSerialPort& port) {
         return false;
     }
     port.describeTarget(dev->getDevParam());
-    return send(port, CmdSetDevice, dev->getCmdSetDeviceExec(param));
+    return send(port, CProtocol::Prog::SetDevice, dev->getCmdSetDeviceExec(param));
 }
 
 bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {

@@ -1,32 +1,11 @@
 #pragma once
 
 #include "devices/IDeviceExec.h"
-#include "link/CProtocol.h"
 
 // Runs one programmer command: one packet to the programmer (auto-detection: a short dialogue).
 class TDevProgExec : public IDeviceExec {
     Q_OBJECT
 public:
-    // Packet command bytes of the programmer.
-    enum : unsigned char {
-        CmdLED = CProtocol::Prog::LED,
-        CmdSetDevice = CProtocol::Prog::SetDevice,
-        CmdLeave = CProtocol::Prog::Leave,
-        CmdReset = CProtocol::Prog::Reset,
-        CmdGenerator = CProtocol::Prog::Generator,
-        CmdSetIO = CProtocol::Prog::SetIO,
-        CmdSetVcc = CProtocol::Prog::SetVcc,
-        CmdSetVpp = CProtocol::Prog::SetVpp,
-        CmdSetVIcc = CProtocol::Prog::SetVIcc,
-        CmdSetVIpp = CProtocol::Prog::SetVIpp,
-    };
-    // LED states.
-    enum : unsigned char {
-        LedIdle = CProtocol::Prog::LedIdle,
-        LedSelected = CProtocol::Prog::LedSelected,
-        LedError = CProtocol::Prog::LedError
-    };
-
     explicit TDevProgExec(const TData& param, QObject* parent = nullptr);
 
     bool execute(TSerialPort& port, bool& finish, int& idCfg, int& idCmd) override;

@@ -7,6 +7,7 @@
 #include "devices/TDevProgExec.h"
 #include "exec/TRunCheck.h"
 #include "exec/TThreadSync.h"
+#include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 #include "project/CTagCmdCode.h"
 #include "project/CTagPrj.h"
@@ -78,7 +79,7 @@ void TExec::connectExec(IDeviceExec* exec, const QString& code) {
 
 bool TExec::leaveProgrammer(TSerialPort& port) {
     TDevProgExec prog{TData()};
-    const bool ok = prog.leave(port) && prog.showLED(port, TDevProgExec::LedIdle);
+    const bool ok = prog.leave(port) && prog.showLED(port, CProtocol::Prog::LedIdle);
     port.close();
     return ok;
 }
@@ -138,7 +139,7 @@ bool TExec::runLoop(TSerialPort& port, IDeviceExec*& exec, bool& isLeave, QStrin
         processEvents();
         if (code == CTagCmdCode::set_prog && port.isOpen() && ok) {
             TDevProgExec led{TData()};
-            if (!led.showLED(port, TDevProgExec::LedSelected)) {
+            if (!led.showLED(port, CProtocol::Prog::LedSelected)) {
                 error = led.getErrorText();
                 ok = false;
             }
@@ -177,10 +178,10 @@ void TExec::slotStart() {
     }
     TDevProgExec led{TData()};
     if (!verdict) {
-        if (!timeout && port.isOpen()) led.showLED(port, TDevProgExec::LedError);
+        if (!timeout && port.isOpen()) led.showLED(port, CProtocol::Prog::LedError);
         relayEventText(ExecFailed, error, QString());
     } else {
-        if (port.isOpen()) led.showLED(port, TDevProgExec::LedIdle);
+        if (port.isOpen()) led.showLED(port, CProtocol::Prog::LedIdle);
         stoppedEnd = stop;
         relayEventText(ExecSuccess, Lang.get(stoppedEnd ? 390 : 391), QString());
     }

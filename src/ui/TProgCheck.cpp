@@ -47,7 +47,7 @@ bool TProgCheck::reset(const QString& name, QString& text) {
     int duration = 0;
     if (!open(port, name, &duration, text)) return false;
     QByteArray data = TDevProgExec::payloadReset(duration);
-    const bool ok = port.sendPackage(TDevProgExec::CmdReset, data);
+    const bool ok = port.sendPackage(CProtocol::Prog::Reset, data);
     text = ok ? QString() : port.getErrorText();
     port.close();
     return ok;
