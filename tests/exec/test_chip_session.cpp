@@ -22,15 +22,6 @@ class TestChipSession : public QObject {
 
     SimFixture sim;
 
-    bool startSim(const QString& chip, const QByteArray& image) {
-        sim.stop(); // a running simulator writes its chip back to the image as it ends
-        QFile f(sim.path("image.bin"));
-        if (!f.open(QIODevice::WriteOnly) || f.write(image) != image.size()) return false;
-        f.close();
-        return sim.start(
-            {"--chip", chip, "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()});
-    }
-
     // Runs one action to its end; its outcome.
     static bool runAction(TChipSession& s, TChipSession::Action a, const QString& memory,
                           const QByteArray& data = QByteArray(), const QString& value = QString()) {
@@ -105,7 +96,7 @@ private slots:
 
     // A part that answers alone becomes the chip (the panel's test lists several).
     void detectionTakesAUniquePart() {
-        QVERIFY(startSim("ATtiny85", QByteArray()));
+        QVERIFY(sim.startChip("ATtiny85", QByteArray()));
         WorkerFixture w;
         w.addProgrammer("Sim", sim);
         TRunControl control;
@@ -118,7 +109,7 @@ private slots:
 
     // Registers go by value; the actions done become a configuration with the user's data file.
     void registersAndSaveAsConfiguration() {
-        QVERIFY(startSim("ATmega328P", QByteArray()));
+        QVERIFY(sim.startChip("ATmega328P", QByteArray()));
         WorkerFixture w;
         w.addProgrammer("Sim", sim);
         ProjectData.clrPrj();

@@ -35,22 +35,6 @@ class TestCliQuick : public QObject {
                 QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
     }
 
-    bool startSim(const QString& chip, const QByteArray& image) {
-        QFile f(sim.path("image.bin"));
-        if (!f.open(QIODevice::WriteOnly) || f.write(image) != image.size()) return false;
-        f.close();
-        return sim.start(
-            {"--chip", chip, "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()});
-    }
-
-    // Stops the simulator, which writes the chip's contents back to its image.
-    QByteArray chipImage() {
-        sim.stop();
-        QFile f(sim.path("image.bin"));
-        f.open(QIODevice::ReadOnly);
-        return f.readAll();
-    }
-
     void writeFile(const QString& name, const QByteArray& bytes) {
         TestFiles::writeFile(dir.filePath(name), bytes);
     }
@@ -88,7 +72,7 @@ private slots:
 
     void spiFlashEraseWriteVerifyAndRead() {
         const int size = 1 << 20;
-        QVERIFY(startSim("W25Q80RV", QByteArray(size, 0)));
+        QVERIFY(sim.startChip("W25Q80RV", QByteArray(size, 0)));
         const QByteArray data = pattern(20, 3);
         writeFile("f.hex",
                   hexRecord(0x100, data.left(16)) + hexRecord(0x110, data.mid(16)) + ":00000001FF\n");
@@ -111,11 +95,11 @@ private slots:
         QByteArray expected(size, char(0xFF));
         expected.replace(0x100, data.size(), data);
         QCOMPARE(read.readAll(), expected);
-        QCOMPARE(chipImage(), expected);
+        QCOMPARE(sim.chipImage(), expected);
     }
 
     void autoDetectReportsEveryMatchingPart() {
-        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        QVERIFY(sim.startChip("W25Q80RV", QByteArray()));
         Result r = run({"--chip", "auto"});
         QCOMPARE(r.status, 0);
         for (const char* name : {"W25Q80BV", "W25Q80DV", "W25Q80RV"})
@@ -127,7 +111,7 @@ private slots:
         QVERIFY(!QFile::exists(dir.filePath("x.bin")));
 
         // The SPI flash family fails on an AVR; its try is not shown once the AVR family finds the part.
-        QVERIFY(startSim("ATmega328P", QByteArray()));
+        QVERIFY(sim.startChip("ATmega328P", QByteArray()));
         r = run({"--chip", "auto"});
         QCOMPARE(r.status, 0);
         QVERIFY2(r.out.contains(Lang.get(401).arg("ATmega328P (1E950F)")), qPrintable(r.out));
@@ -140,7 +124,7 @@ private slots:
 
     void avrEepromAndFuses() {
         const int flash = 32768, eeprom = 1024;
-        QVERIFY(startSim("ATmega328P", QByteArray()));
+        QVERIFY(sim.startChip("ATmega328P", QByteArray()));
         const QByteArray data = pattern(300, 11);
         writeFile("e.bin", data);
         Result r = run({"--chip", "ATmega328P", "--memory", "eeprom", "--write", "e.bin", "--verify", "e.bin",
@@ -152,7 +136,7 @@ private slots:
                                             " (BIN))\nFuse Bits Write (E2D9FE)\nFuse Bits Verify (E2D9FE)\n"
                                             "Lock Bits Write (FC)\nLock Bits Verify (FC)\n" +
                                             end());
-        const QByteArray image = chipImage();
+        const QByteArray image = sim.chipImage();
         QCOMPARE(image.size(), flash + eeprom + 4);
         QCOMPARE(image.left(flash), QByteArray(flash, char(0xFF)));
         QCOMPARE(image.mid(flash, data.size()), data);
@@ -162,7 +146,7 @@ private slots:
     }
 
     void wrongOptionsNameTheProblemAndExitWithTwo() {
-        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        QVERIFY(sim.startChip("W25Q80RV", QByteArray()));
         Result r = run({"--chip", "W25Q99", "--erase"});
         QCOMPARE(r.status, 2);
         QCOMPARE(r.err, Lang.get(1700).arg("W25Q99") + "\n");
@@ -185,7 +169,7 @@ private slots:
         r = run({"--chip", "W25Q80RV", "--read"});
         QCOMPARE(r.status, 2);
         // Nothing of these reached the chip.
-        const QByteArray image = chipImage();
+        const QByteArray image = sim.chipImage();
         QCOMPARE(image.size(), 1 << 20);
         QCOMPARE(image.count(char(0xFF)), 1 << 20);
     }
@@ -196,7 +180,7 @@ private slots:
         auto block = [&](const QStringList& lines) {
             return Lang.get(386) + "\n" + rule + "\n" + lines.join('\n') + "\n" + rule + "\n";
         };
-        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        QVERIFY(sim.startChip("W25Q80RV", QByteArray()));
         writeFile("zeros.bin", QByteArray(16, 0));
         Result r = run({"--chip", "W25Q80RV", "--verify", "zeros.bin"});
         QCOMPARE(r.status, 1);
@@ -219,7 +203,7 @@ private slots:
 
     // The log folder of a production line: one JSON line per run, whose CRC zlib agrees with.
     void logFolderKeepsEveryRun() {
-        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        QVERIFY(sim.startChip("W25Q80RV", QByteArray()));
         const QByteArray data = pattern(5000, 7);
         writeFile("fw.bin", data);
         Result r = run({"--log-dir", "logs", "--chip", "W25Q80RV", "--erase", "--write", "fw.bin", "--verify",

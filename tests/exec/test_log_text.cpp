@@ -39,7 +39,8 @@ private slots:
                  (QList<P>{{P::Cmd, "File Write"}, {P::Param, " (a\\nb\\x1B[31m\\tc)"}}));
         QCOMPARE(log.event(0, "x\ry", "", at), (QList<P>{{P::Cmd, "x\\ry"}}));
         // A message keeps its own line breaks and nothing else.
-        QCOMPARE(log.event(2, QString("one\ntwo\r\x07") + QChar(0x9B), "", at), (QList<P>{{P::Text, "one\ntwo\\r\\x07\\x9B"}}));
+        QCOMPARE(log.event(2, QString("one\ntwo\r\x07") + QChar(0x9B), "", at),
+                 (QList<P>{{P::Text, "one\ntwo\\r\\x07\\x9B"}}));
         QCOMPARE(TLogText::escape(QString("a") + QChar(0x2028) + "b\n"), QString("a\\x2028b\\n"));
         QCOMPARE(TLogText::escape("caf\u00e9 \\ ok"), QString("caf\u00e9 \\ ok"));
     }

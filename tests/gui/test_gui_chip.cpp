@@ -6,6 +6,8 @@
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 #include "support/SimFixture.h"
+#include "support/TestFiles.h"
+#include "support/WindowTest.h"
 #include "ui/TDockChip.h"
 #include "ui/TMainWindow.h"
 #include "ui/TWgtHexEdit.h"
@@ -46,25 +48,6 @@ class TestGuiChip : public QObject {
     QString prj;
     SimFixture sim;
 
-    bool startSim(const QString& chip, const QByteArray& image) {
-        sim.stop(); // a running simulator writes its chip back to the image as it ends
-        QFile f(sim.path("image.bin"));
-        if (!f.open(QIODevice::WriteOnly) || f.write(image) != image.size()) return false;
-        f.close();
-        if (!sim.start({"--chip", chip, "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()}))
-            return false;
-        AppData.progName.clear();
-        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
-        return true;
-    }
-
-    QByteArray chipImage() {
-        sim.stop();
-        QFile f(sim.path("image.bin"));
-        f.open(QIODevice::ReadOnly);
-        return f.readAll();
-    }
-
     // Clicks an action's button and waits for its end; the panel's status line.
     static QString click(TDockChip* panel, TChipSession::Action action) {
         QPushButton* b = panel->button(action);
@@ -83,26 +66,13 @@ class TestGuiChip : public QObject {
         return b;
     }
 
-    static QByteArray readFile(const QString& name) {
-        QFile f(name);
-        f.open(QIODevice::ReadOnly);
-        return f.readAll();
-    }
-
 private slots:
     void initTestCase() {
-        qRegisterMetaType<TCodeView>("TCodeView");
-        qRegisterMetaType<TData>("TData");
-        TSettings::setFileNameIniOverride(dir.filePath("t.ini"));
-        AppData.loadData();
-        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
-        AppData.pathProgs = QStringLiteral(TARVELIX_DATA_DIR "/progs");
-        AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
-        AppData.confirmQuit = false;
+        WindowTest::setUp(dir);
+        WindowTest::useShippedData();
+        WindowTest::useSimulator(sim); // its link stays the same over restarts
         AppData.confirmSavePrj = false;
-        AppData.openLastPrj = false;
         AppData.logShowTime = false;
-        AppData.selectPrjListFile = dir.filePath("sp.lpl");
         for (const char* name : {"demo.prj", "demo.hex"})
             QVERIFY(QFile::copy(QStringLiteral(TARVELIX_DATA_DIR "/projects/") + name, dir.filePath(name)));
         prj = dir.filePath("demo.prj");
@@ -110,7 +80,7 @@ private slots:
 
     // Detection proposes every part that answers; the user chooses among them.
     void detectProposesTheParts() {
-        QVERIFY(startSim("W25Q80RV", QByteArray()));
+        QVERIFY(sim.startChip("W25Q80RV", QByteArray()));
         ChipWindow w;
         TDockChip* panel = w.chipPanel();
         panel->loadProgs();
@@ -128,7 +98,7 @@ private slots:
     void readEditWriteVerify() {
         const int size = 128 * 1024;
         const QByteArray image = pattern(size);
-        QVERIFY(startSim("W25X10", image));
+        QVERIFY(sim.startChip("W25X10", image));
         ChipWindow w;
         QVERIFY(w.openProject(prj));
         const int tabs = w.cfgTabWidget()->count();
@@ -164,7 +134,7 @@ private slots:
         QCOMPARE(w.cfgTabWidget()->count(), tabs);
         QVERIFY(!ProjectData.isChange());
         QVERIFY(w.errors.isEmpty());
-        QCOMPARE(chipImage(), edited);
+        QCOMPARE(sim.chipImage(), edited);
     }
 
     // Whether the panel is shown is kept with the window's settings.
@@ -186,7 +156,7 @@ private slots:
 
     // A failing verify is a failed action with the address in its log and the status line.
     void verifyOfAnotherChipFails() {
-        QVERIFY(startSim("W25Q80RV", QByteArray(1 << 20, char(0xFF))));
+        QVERIFY(sim.startChip("W25Q80RV", QByteArray(1 << 20, char(0xFF))));
         ChipWindow w;
         TDockChip* panel = w.chipPanel();
         panel->loadProgs();
@@ -209,7 +179,7 @@ private slots:
     // The actions done become a configuration of the project, with the buffer in the named file; undo
     // takes it back. The runs go to the log folder like any other.
     void saveAsConfigurationAndLogFolder() {
-        QVERIFY(startSim("ATmega328P", QByteArray()));
+        QVERIFY(sim.startChip("ATmega328P", QByteArray()));
         QTemporaryDir logs;
         AppData.logDir = logs.path();
         ChipWindow w;
@@ -229,7 +199,7 @@ private slots:
         QDir(dir.path()).mkpath("data");
         const int id = w.saveChipAsCfg();
         QVERIFY2(id >= 0, qPrintable(w.errors.join('\n')));
-        QCOMPARE(readFile(w.dataFile), data);
+        QCOMPARE(TestFiles::readFile(w.dataFile), data);
         QStringList cmds;
         for (TDataCmd* c : ProjectData.getCmdListCfg(id))
             for (const char* key : {"prog", "device", "file", "data"})
@@ -247,10 +217,11 @@ private slots:
         QCOMPARE(ProjectData.getCfgList().size(), cfgs);
         AppData.logDir.clear();
         // One text block and one JSON line per run.
-        const QString text = QString::fromUtf8(readFile(QDir(logs.path()).filePath(TRunJournal::textFile)));
+        const QString text =
+            QString::fromUtf8(TestFiles::readFile(QDir(logs.path()).filePath(TRunJournal::textFile)));
         QVERIFY2(text.contains(Lang.get(1873).arg(Lang.get(1860))), qPrintable(text));
         const QList<QByteArray> lines =
-            readFile(QDir(logs.path()).filePath(TRunJournal::jsonFile)).trimmed().split('\n');
+            TestFiles::readFile(QDir(logs.path()).filePath(TRunJournal::jsonFile)).trimmed().split('\n');
         QCOMPARE(lines.size(), 2);
         const QJsonObject first = QJsonDocument::fromJson(lines.first()).object();
         QCOMPARE(first.value("configuration").toString(), Lang.get(1873).arg(Lang.get(1860)));

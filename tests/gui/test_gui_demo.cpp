@@ -32,8 +32,7 @@ class TestGuiDemo : public QObject {
             chip.isEmpty() ? QStringList{"--bus", "i2c"}
                            : QStringList{"--chip", chip, "--devices", TARVELIX_DATA_DIR "/devices"};
         if (!sim.start(socket + QStringList{"--trace", sim.path("t.txt")} + more)) return false;
-        AppData.progName.clear();
-        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        WindowTest::useSimulator(sim);
         return true;
     }
 

@@ -72,8 +72,7 @@ private slots:
         SimFixture sim;
         QVERIFY(sim.start(
             {"--chip", "ATtiny85", "--devices", TARVELIX_DATA_DIR "/devices", "--trace", sim.path("t.txt")}));
-        AppData.progName.clear();
-        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        WindowTest::useSimulator(sim);
         AskingWindow w;
         QVERIFY(w.openProject(write("fuses.prj", fuseProject(CLink::simProgName))));
         const int id = ProjectData.getIdCfgFromNameCfg("Fuses");

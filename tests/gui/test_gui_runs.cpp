@@ -3,6 +3,8 @@
 #include "app/TSettings.h"
 #include "exec/TRunJournal.h"
 #include "project/TDataPrj.h"
+#include "support/TestFiles.h"
+#include "support/WindowTest.h"
 #include "ui/TMainWindow.h"
 
 #include <QJsonDocument>
@@ -17,12 +19,6 @@ class TestGuiRuns : public QObject {
     Q_OBJECT
     QTemporaryDir dir;
 
-    static QByteArray readFile(const QString& name) {
-        QFile f(name);
-        f.open(QIODevice::ReadOnly);
-        return f.readAll();
-    }
-
     static bool runToEnd(TMainWindow& w, const QString& cfg) {
         return w.runThread(ProjectData.getIdCfgFromNameCfg(cfg)) &&
                QTest::qWaitFor([&] { return w.runCount() == 0; }, 20000);
@@ -32,16 +28,9 @@ class TestGuiRuns : public QObject {
 
 private slots:
     void initTestCase() {
-        qRegisterMetaType<TCodeView>("TCodeView");
-        qRegisterMetaType<TData>("TData");
-        TSettings::setFileNameIniOverride(dir.filePath("t.ini"));
-        AppData.loadData();
-        Lang.loadData(QStringLiteral(TARVELIX_DATA_DIR "/language/eng.lng"));
-        AppData.confirmQuit = false;
+        WindowTest::setUp(dir);
         AppData.confirmSavePrj = false;
-        AppData.openLastPrj = false;
         AppData.logShowTime = false;
-        AppData.selectPrjListFile = dir.filePath("sp.lpl");
     }
 
     void logFolderAndCountsOutliveTheSession() {
@@ -71,11 +60,12 @@ private slots:
         QVERIFY(runToEnd(w, "Main"));
         QCOMPARE(tab(w, 0), Lang.get(1307).arg("Main").arg(3).arg(0));
         // Three runs while the log folder was set: three blocks of text, three JSON lines.
-        const QString text = QString::fromUtf8(readFile(QDir(logs.path()).filePath(TRunJournal::textFile)));
+        const QString text =
+            QString::fromUtf8(TestFiles::readFile(QDir(logs.path()).filePath(TRunJournal::textFile)));
         QCOMPARE(text.count(QStringLiteral("==== ")), 3);
         QVERIFY2(text.contains(QStringLiteral(" %1 [Main]\nDelay (1 ms)\n").arg(prj)), qPrintable(text));
         const QList<QByteArray> lines =
-            readFile(QDir(logs.path()).filePath(TRunJournal::jsonFile)).trimmed().split('\n');
+            TestFiles::readFile(QDir(logs.path()).filePath(TRunJournal::jsonFile)).trimmed().split('\n');
         QCOMPARE(lines.size(), 3);
         const QStringList results = {"ok", "ok", "failed"}, names = {"Main", "Main", "Ends"};
         for (int i = 0; i < 3; ++i) {

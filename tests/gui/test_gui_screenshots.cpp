@@ -3,10 +3,10 @@
 #include "app/TSettings.h"
 #include "devices/IDevice.h"
 #include "link/CLink.h"
+#include "misc/THexBuffer.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
 #include "project/TPrjList.h"
-#include "misc/THexBuffer.h"
 #include "support/SimFixture.h"
 #include "support/WindowTest.h"
 #include "ui/TDialogCmdParam.h"
@@ -23,8 +23,8 @@
 #include <QAction>
 #include <QScrollBar>
 #include <QTabWidget>
-#include <QVBoxLayout>
 #include <QTemporaryDir>
+#include <QVBoxLayout>
 #include <QtTest>
 
 // Pictures of the window for the README, at 1280x800 with the large icon set. They go to the folder
@@ -33,6 +33,8 @@ class TestGuiScreenshots : public QObject {
     Q_OBJECT
     QTemporaryDir dir;
     QString out;
+
+    const QSize windowSize{1280, 800};
 
     void save(QWidget& w, const QString& name, const QSize& size) {
         const QImage image = w.grab().toImage();
@@ -65,6 +67,34 @@ class TestGuiScreenshots : public QObject {
             if (e.name == name) return ProjectData.createDevice(e.name, e.file);
         }
         return nullptr;
+    }
+
+    // The demo project in a window of the screenshots' size; the chip panel shows only when asked for.
+    void showDemo(TMainWindow& w, bool chipPanel = false) {
+        w.resize(windowSize);
+        if (!chipPanel) w.chipPanel()->hide();
+        w.show();
+        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+    }
+
+    // Runs a configuration of the demo project (stopped at its pause if asked), checks how it ended and
+    // saves the window with its log.
+    void saveEndedRun(const QString& cfgName, bool stopAtPause, TCodeCfgStatus status, const QString& shot) {
+        TMainWindow w;
+        showDemo(w);
+        const int id = ProjectData.getIdCfgFromNameCfg(cfgName);
+        QVERIFY(id >= 0);
+        QVERIFY(w.runThread(id));
+        if (stopAtPause) {
+            QTRY_VERIFY_WITH_TIMEOUT(w.isPaused(id), 10000);
+            w.stopRun(id);
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 60000);
+        QCOMPARE(ProjectData.getCfgStatus(id), status);
+        w.cfgTabWidget()->setCurrentWidget(w.cfgView(id));
+        w.cfgView(id)->showLog();
+        save(w, shot, windowSize);
+        w.closeProject();
     }
 
 private slots:
@@ -112,19 +142,16 @@ private slots:
 
     void mainWindow() {
         TMainWindow w;
-        w.resize(1280, 800);
-        w.chipPanel()->hide();
-        w.show();
-        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        showDemo(w);
         const int timing = ProjectData.getIdCfgFromNameCfg("Timing");
         QVERIFY(timing >= 0);
         QVERIFY(w.runThread(timing));
         QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
         w.cfgTabWidget()->setCurrentWidget(w.cfgView(timing));
-        save(w, "main_window_log", QSize(1280, 800));
+        save(w, "main_window_log", windowSize);
         w.cfgView(timing)->setCurrentIndex(0);
         w.cfgTabWidget()->setCurrentIndex(0);
-        save(w, "main_window", QSize(1280, 800));
+        save(w, "main_window", windowSize);
         w.closeProject();
     }
 
@@ -142,12 +169,9 @@ private slots:
         f.close();
         QVERIFY(sim.start(
             {"--chip", "W25Q80RV", "--devices", TARVELIX_DATA_DIR "/devices", "--image", f.fileName()}));
-        AppData.progName.clear();
-        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
+        WindowTest::useSimulator(sim);
         TMainWindow w;
-        w.resize(1280, 800);
-        w.show();
-        QVERIFY(w.openProject(dir.filePath("demo.prj")));
+        showDemo(w, true);
         TDockChip* panel = w.chipPanel();
         w.resizeDocks({panel}, {620}, Qt::Horizontal);
         panel->loadProgs();
@@ -155,7 +179,7 @@ private slots:
         QVERIFY(panel->start(TChipSession::Read));
         QTRY_VERIFY_WITH_TIMEOUT(!panel->isBusy(), 20000);
         QCOMPARE(panel->buffer(), image.left(1 << 20));
-        save(w, "chip_panel", QSize(1280, 800));
+        save(w, "chip_panel", windowSize);
         // Bytes typed into the editor, then compared with the chip: changed bytes and the run found.
         panel->hexEditor()->goTo(0x24);
         QTest::keyClicks(panel->hexEditor(), "DEADBEEF");
@@ -171,46 +195,16 @@ private slots:
     void failedRun() {
         SimFixture sim;
         QVERIFY(sim.start({"--bus", "i2c"}));
-        AppData.progName.clear();
-        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
-        TMainWindow w;
-        w.resize(1280, 800);
-        w.chipPanel()->hide();
-        w.show();
-        QVERIFY(w.openProject(dir.filePath("demo.prj")));
-        const int eeprom = ProjectData.getIdCfgFromNameCfg("24C256 EEPROM");
-        QVERIFY(eeprom >= 0);
-        QVERIFY(w.runThread(eeprom));
-        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 60000);
-        QCOMPARE(ProjectData.getCfgStatus(eeprom), CfgStatusError);
-        w.cfgTabWidget()->setCurrentWidget(w.cfgView(eeprom));
-        w.cfgView(eeprom)->showLog();
-        save(w, "main_window_failed", QSize(1280, 800));
-        w.closeProject();
+        WindowTest::useSimulator(sim);
+        saveEndedRun("24C256 EEPROM", false, CfgStatusError, "main_window_failed");
     }
 
     // The programmer check stopped at its pause: the stopped run's tab and status line.
     void stoppedRun() {
         SimFixture sim;
         QVERIFY(sim.start());
-        AppData.progName.clear();
-        AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
-        TMainWindow w;
-        w.resize(1280, 800);
-        w.chipPanel()->hide();
-        w.show();
-        QVERIFY(w.openProject(dir.filePath("demo.prj")));
-        const int check = ProjectData.getIdCfgFromNameCfg("Programmer check");
-        QVERIFY(check >= 0);
-        QVERIFY(w.runThread(check));
-        QTRY_VERIFY_WITH_TIMEOUT(w.isPaused(check), 10000);
-        w.stopRun(check);
-        QTRY_COMPARE_WITH_TIMEOUT(w.runCount(), 0, 10000);
-        QCOMPARE(ProjectData.getCfgStatus(check), CfgStatusStopped);
-        w.cfgTabWidget()->setCurrentWidget(w.cfgView(check));
-        w.cfgView(check)->showLog();
-        save(w, "main_window_stopped", QSize(1280, 800));
-        w.closeProject();
+        WindowTest::useSimulator(sim);
+        saveEndedRun("Programmer check", true, CfgStatusStopped, "main_window_stopped");
     }
 
     void settingsPages() {

@@ -4,6 +4,7 @@
 // Header-only, so that every test area can use it with "support/SimFixture.h".
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStringList>
@@ -34,6 +35,28 @@ public:
         }
         return true;
     }
+
+    // A part of the shipped catalogue in the socket with the given memory image (empty: the part's
+    // erased state). A running simulator is stopped first, which writes its chip back to the image.
+    bool startChip(const QString& chip, const QByteArray& image, const QStringList& more = QStringList()) {
+        stop();
+        QFile f(imagePath());
+        if (!f.open(QIODevice::WriteOnly) || f.write(image) != image.size()) return false;
+        f.close();
+        return start(
+            QStringList{"--chip", chip, "--devices", TARVELIX_DATA_DIR "/devices", "--image", imagePath()} +
+            more);
+    }
+
+    // Stops the simulator, which writes the chip's contents back to its image, and reads the image.
+    QByteArray chipImage() {
+        stop();
+        QFile f(imagePath());
+        f.open(QIODevice::ReadOnly);
+        return f.readAll();
+    }
+
+    QString imagePath() const { return path("image.bin"); }
 
     // Sends SIGTERM (the simulator saves its image and removes its link) and waits for the end.
     void stop() {

@@ -8,6 +8,8 @@
 #include "app/TLang.h"
 #include "app/TSettings.h"
 #include "app/TTypes.h"
+#include "link/CLink.h"
+#include "support/SimFixture.h"
 
 #include <QTemporaryDir>
 
@@ -31,6 +33,12 @@ inline QString setUp(const QTemporaryDir& dir) {
 inline void useShippedData() {
     AppData.pathProgs = QStringLiteral(TARVELIX_DATA_DIR "/progs");
     AppData.pathDevices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
+}
+
+// The simulator as the one programmer the window knows.
+inline void useSimulator(const SimFixture& sim) {
+    AppData.progName.clear();
+    AppData.progName.append(false, CLink::simProgName, sim.link(), CLink::simTypeName);
 }
 
 } // namespace WindowTest
