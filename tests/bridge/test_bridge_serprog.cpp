@@ -42,6 +42,13 @@ void start(ScriptWire& w, const char* rdnMax = "000100", const char* serBuf = nu
     if (serBuf) w.expect("04", QByteArray("06").append(serBuf).constData());
     w.expect("03", QByteArray("06").append(pgmName).constData());
 }
+
+// A start, then what the set-device of an SPI flash at 4 MHz sends: the clock, and the drivers on.
+void startAt4MHz(ScriptWire& w, const char* rdnMax = "000100", const char* serBuf = nullptr) {
+    start(w, rdnMax, serBuf);
+    w.expect("1400093d00", "0600093d00");
+    w.expect("1501", "06");
+}
 } // namespace
 
 class TestBridgeSerprog : public QObject {
@@ -84,9 +91,7 @@ private slots:
     void setDeviceSetsClockAndDrivers() {
         TBridgeSerprog b;
         ScriptWire w;
-        start(w);
-        w.expect("1400093d00", "0600093d00");
-        w.expect("1501", "06");
+        startAt4MHz(w);
         w.expect("1500", "06");
         QVERIFY(send(b, w, 0x84, setDevice(2, 4000000)).ok());
         QVERIFY(send(b, w, 0x85).ok());
@@ -96,9 +101,7 @@ private slots:
     void writeEnablesFirstAndWaitsWhileBusy() {
         TBridgeSerprog b;
         ScriptWire w;
-        start(w);
-        w.expect("1400093d00", "0600093d00");
-        w.expect("1501", "06");
+        startAt4MHz(w);
         w.expect("1301000000000006", "06");
         w.expect("1306000000000002000100aabb", "06");
         w.expect("13010000010000"
@@ -121,9 +124,7 @@ private slots:
         for (const char* serBuf : {"1e00", "1d00"}) {
             TBridgeSerprog b;
             ScriptWire w;
-            start(w, "000100", serBuf);
-            w.expect("1400093d00", "0600093d00");
-            w.expect("1501", "06");
+            startAt4MHz(w, "000100", serBuf);
             QVERIFY(send(b, w, 0x84, setDevice(2, 4000000)).ok());
             const int before = w.sends.size();
             w.expect("1301000000000006", "06");
@@ -139,9 +140,7 @@ private slots:
         }
         TBridgeSerprog b;
         ScriptWire w;
-        start(w, "000100", "0010");
-        w.expect("1400093d00", "0600093d00");
-        w.expect("1501", "06");
+        startAt4MHz(w, "000100", "0010");
         QVERIFY(send(b, w, 0x84, setDevice(2, 4000000)).ok());
         w.expect("1301000000000006", "06");
         w.expect("1306000000000002000100aabb", "15");
@@ -157,9 +156,7 @@ private slots:
     void longReadIsCutAtTheFirmwareLimit() {
         TBridgeSerprog b;
         ScriptWire w;
-        start(w, "040000");
-        w.expect("1400093d00", "0600093d00");
-        w.expect("1501", "06");
+        startAt4MHz(w, "040000");
         w.expect("13050000040000"
                  "0b00100000",
                  "0611223344");

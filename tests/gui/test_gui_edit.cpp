@@ -6,6 +6,7 @@
 #include "project/TCtrlProject.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "support/CmdText.h"
 #include "support/TestFiles.h"
 #include "support/WindowTest.h"
 #include "ui/TDialogCfg.h"
@@ -44,24 +45,12 @@ protected:
 };
 
 namespace {
-QString cmd(const QString& code, const QString& params = QString()) {
-    return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})")
-        .arg(code, params.isEmpty() ? "" : ", " + params);
-}
 QString delay(int ms) {
     return cmd("delay", QStringLiteral(R"("value": "%1")").arg(ms));
 }
 const QString setProg = cmd("set_prog", R"("alt_enabled": "false", "alt_port": "", "prog": "Sim")");
 const QString setDevice =
     cmd("set_device", R"("addr": "0", "clk": "1", "device": "24C256", "file": "i2c/24C256.dev")");
-
-QByteArray project(const QList<QPair<QString, QStringList>>& cfgs) {
-    QStringList parts;
-    for (const auto& c : cfgs)
-        parts << QStringLiteral(R"({"name": "%1", "description": "", "commands": [%2]})")
-                     .arg(c.first, c.second.join(", "));
-    return QStringLiteral(R"({"version": 1, "configurations": [%1]})").arg(parts.join(", ")).toUtf8();
-}
 
 QByteArray bytes() {
     return TCtrlProject::project_to_data(&ProjectData);

@@ -27,10 +27,6 @@ protected:
     }
 };
 
-QString cmd(const QString& code, const QString& params) {
-    return QStringLiteral(R"({"status": "1", "cmd": "%1", %2})").arg(code, params);
-}
-
 // The high fuse DF with SPIEN (bit 5) unprogrammed.
 const QString spienOff = "62FFFF";
 

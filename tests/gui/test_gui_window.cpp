@@ -5,6 +5,7 @@
 #include "exec/TRunControl.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
+#include "support/CmdText.h"
 #include "support/TestFiles.h"
 #include "support/WindowTest.h"
 #include "ui/TMainWindow.h"
@@ -35,18 +36,6 @@ protected:
 };
 
 namespace {
-QString cmd(const QString& code, const QString& params = QString()) {
-    return QStringLiteral(R"({"status": "1", "cmd": "%1"%2})")
-        .arg(code, params.isEmpty() ? "" : ", " + params);
-}
-
-QByteArray project(const QList<QPair<QString, QStringList>>& cfgs) {
-    QStringList parts;
-    for (const auto& c : cfgs)
-        parts << QStringLiteral(R"({"name": "%1", "description": "", "commands": [%2]})")
-                     .arg(c.first, c.second.join(", "));
-    return QStringLiteral(R"({"version": 1, "configurations": [%1]})").arg(parts.join(", ")).toUtf8();
-}
 
 QByteArray readFile(const QString& name) {
     QFile f(name);

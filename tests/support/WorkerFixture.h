@@ -6,6 +6,7 @@
 #include "devices/TDevTools.h"
 #include "exec/TRunner.h"
 #include "project/TDataPrj.h"
+#include "support/CmdText.h"
 #include "support/SimFixture.h"
 
 #include <QFile>
@@ -80,15 +81,3 @@ private:
         return QString::fromUtf8(bytes);
     }
 };
-
-// A project file with one configuration per (name, command lines) pair.
-inline QByteArray project(const QList<QPair<QString, QStringList>>& cfgs) {
-    QByteArray out = "{\"version\": 1, \"configurations\": [";
-    for (int i = 0; i < cfgs.size(); ++i) {
-        out +=
-            (i ? "," : "") + QStringLiteral("{\"name\": \"%1\", \"description\": \"\", \"commands\": [%2]}")
-                                 .arg(cfgs.at(i).first, cfgs.at(i).second.join(','))
-                                 .toUtf8();
-    }
-    return out + "]}";
-}
