@@ -27,7 +27,7 @@ class TestContract93 : public FamilyContract {
     // The description as the catalogue would read it, served by the family directly.
     void offerFamily() override {
         QStringList lines;
-        for (const QByteArray& line : readBytes(devices + "/" + space().description).split('\n'))
+        for (const QByteArray& line : TestFiles::readFile(devices + "/" + space().description).split('\n'))
             if (!line.isEmpty() && !line.startsWith('#')) lines << QString::fromUtf8(line);
         ChipKit::useFamily({{space().chip, TDeviceList::getParamData(lines)}}, TCmdFamily::create<TDev93C>);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "formats/TFormat.h"
+#include "misc/dev_misc.h"
 #include "support/TestFiles.h"
 
 #include <QFile>
@@ -63,4 +64,18 @@ inline QList<TPiece> readPieces(TFormat& format, qint64 addr, bool* ok = nullptr
     }
     if (ok) *ok = true;
     return pieces;
+}
+
+// Writes segments the way executors do: chunk by chunk, each at its file address.
+inline bool writeThrough(const char* formatName, const QString& file, qint64 first, qint64 last,
+                         const TSegments& segments) {
+    TFormat format(formatName, file, first, first, last, 256);
+    if (!format.open(FormatModeWrite)) return false;
+    for (auto it = segments.begin(); it != segments.end(); ++it)
+        for (qint64 a = it.key(); a < it.key() + it.value().size();) {
+            const qint64 n = TMiscDev::getSize(a, it.key() + it.value().size() - 1, 256);
+            if (!format.write(a, it.value().mid(int(a - it.key()), int(n)))) return false;
+            a += n;
+        }
+    return format.close();
 }

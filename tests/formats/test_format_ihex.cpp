@@ -47,18 +47,6 @@ class TestFormatIHEX : public QObject {
         return got.firstKey() == -1 ? QString::fromUtf8(got.first()) : QString("no error");
     }
 
-    bool writeThrough(const QString& file, qint64 first, qint64 last, const TSegments& segments) {
-        TFormat format("ihex", file, first, first, last, 256);
-        if (!format.open(FormatModeWrite)) return false;
-        for (auto it = segments.begin(); it != segments.end(); ++it)
-            for (qint64 a = it.key(); a < it.key() + it.value().size();) {
-                const qint64 n = TMiscDev::getSize(a, it.key() + it.value().size() - 1, 256);
-                if (!format.write(a, it.value().mid(int(a - it.key()), int(n)))) return false;
-                a += n;
-            }
-        return format.close();
-    }
-
 private slots:
     void initTestCase() {
         Lang.loadData(QString(TARVELIX_DATA_DIR) + "/language/eng.lng");
@@ -112,12 +100,12 @@ private slots:
     // Type 04 only when an address above 0xFFFF occurs, 16-byte records on 16-byte boundaries, CRLF,
     // one end record.
     void writesLinearRecordsOnly() {
-        QVERIFY(writeThrough(path("w.hex"), 0xFFF8, 0x10013,
+        QVERIFY(writeThrough("ihex", path("w.hex"), 0xFFF8, 0x10013,
                              {{0xFFF8, QByteArray::fromHex("0001020304050607") +
                                            QByteArray::fromHex("08090A0B0C0D0E0F1011121314")}}));
         QCOMPARE(readFile(path("w.hex")), lines({":08FFF8000001020304050607E5", ":020000040001F9",
                                                  ":0D00000008090A0B0C0D0E0F10111213143D", ":00000001FF"}));
-        QVERIFY(writeThrough(path("low.hex"), 0, 0xFF, {{0x0E, "\x01\x02\x03"}}));
+        QVERIFY(writeThrough("ihex", path("low.hex"), 0, 0xFF, {{0x0E, "\x01\x02\x03"}}));
         QCOMPARE(readFile(path("low.hex")), lines({":02000E000102ED", ":0100100003EC", ":00000001FF"}));
     }
 
@@ -159,7 +147,7 @@ private slots:
              {0xFFFFF0, randomBytes(16, 8)}}};
         for (const TSegments& segments : cases) {
             const qint64 first = segments.firstKey(), last = segments.lastKey() + segments.last().size() - 1;
-            QVERIFY(writeThrough(path("tw.hex"), first, last, segments));
+            QVERIFY(writeThrough("ihex", path("tw.hex"), first, last, segments));
             QCOMPARE(readAll(path("tw.hex")), segments);
             const QByteArray want = image(segments, first, last);
             QCOMPARE(run("srec_cat", {path("tw.hex"), "-intel", "-offset", "-" + QString::number(first), "-o",

@@ -64,19 +64,6 @@ TSegments readThrough(const QString& file, qint64 last, qint64 chunk) {
     }
     return segments;
 }
-
-// Writes segments the way executors do: chunk by chunk, each at its file address.
-bool writeThrough(const QString& file, qint64 first, qint64 last, const TSegments& segments) {
-    TFormat format("hex", file, first, first, last, 256);
-    if (!format.open(FormatModeWrite)) return false;
-    for (auto it = segments.begin(); it != segments.end(); ++it)
-        for (qint64 a = it.key(); a < it.key() + it.value().size();) {
-            const qint64 n = TMiscDev::getSize(a, it.key() + it.value().size() - 1, 256);
-            if (!format.write(a, it.value().mid(int(a - it.key()), int(n)))) return false;
-            a += n;
-        }
-    return format.close();
-}
 } // namespace
 
 class TestFormatInterop : public QObject {
@@ -128,7 +115,7 @@ private slots:
         for (const TSegments& segments : {low, high}) {
             const QString file = dir.filePath("tf.hex");
             const qint64 first = segments.firstKey(), last = segments.lastKey() + segments.last().size() - 1;
-            QVERIFY(writeThrough(file, first, last, segments));
+            QVERIFY(writeThrough("hex", file, first, last, segments));
             QCOMPARE(parseDump(python(dumpScript, {file})), segments);
             const QString bin = dir.filePath("tf.bin");
             QCOMPARE(run("srec_cat",

@@ -1,6 +1,7 @@
 #include "app/TLang.h"
 #include "formats/TSaveAside.h"
 #include "misc/TRangeReport.h"
+#include "support/TestFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,15 +12,6 @@
 class TestRangeReport : public QObject {
     Q_OBJECT
 
-    static void put(const QString& name, const QByteArray& bytes) {
-        QFile f(name);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    static QByteArray get(const QString& name) {
-        QFile f(name);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-    }
     static QStringList asides(const QTemporaryDir& dir) {
         return QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).filter(".part");
     }
@@ -58,23 +50,24 @@ private slots:
     void asideReplacesTheTargetOnlyOnCommit() {
         QTemporaryDir dir;
         const QString target = dir.filePath("out.bin");
-        put(target, "previous");
+        TestFiles::writeFile(target, "previous");
         {
             TSaveAside aside(target);
             QVERIFY(aside.begin(false));
             QVERIFY(aside.targetExisted());
-            put(aside.path(), "half");
-            QCOMPARE(get(target), QByteArray("previous"));
+            TestFiles::writeFile(aside.path(), "half");
+            QCOMPARE(TestFiles::readFile(target), QByteArray("previous"));
         }
-        QCOMPARE(get(target), QByteArray("previous"));
+        QCOMPARE(TestFiles::readFile(target), QByteArray("previous"));
         QCOMPARE(asides(dir), QStringList());
 
         TSaveAside aside(target);
         QVERIFY(aside.begin(true));
-        QCOMPARE(get(aside.path()), QByteArray("previous")); // "bin+" starts from the file as it is
-        put(aside.path(), "new");
+        QCOMPARE(TestFiles::readFile(aside.path()),
+                 QByteArray("previous")); // "bin+" starts from the file as it is
+        TestFiles::writeFile(aside.path(), "new");
         QVERIFY(aside.commit());
-        QCOMPARE(get(target), QByteArray("new"));
+        QCOMPARE(TestFiles::readFile(target), QByteArray("new"));
         QCOMPARE(asides(dir), QStringList());
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/TestFiles.h"
 #include "support/WorkerFixture.h"
 
 #include "misc/dev_misc.h"
@@ -49,7 +50,7 @@ protected:
         WorkerFixture w;
         SimFixture sim;
         const QString imageFile = sim.path("image.bin");
-        writeBytes(imageFile, image);
+        TestFiles::writeFile(imageFile, image);
         Run r;
         if (!sim.start(QStringList{"--chip", s.chip, "--devices", devices, "--trace", sim.path("trace.txt"),
                                    "--image", imageFile} +
@@ -79,7 +80,7 @@ protected:
         }
         sim.stop();
         r.frames = WorkerFixture::requests(sim.path("trace.txt"));
-        r.image = readBytes(imageFile);
+        r.image = TestFiles::readFile(imageFile);
         return r;
     }
 
@@ -108,15 +109,6 @@ protected:
         return cmd("set_device",
                    QStringLiteral(R"("device": "%1", "file": "%2")").arg(space().chip, space().description));
     }
-    static void writeBytes(const QString& name, const QByteArray& bytes) {
-        QFile f(name);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    static QByteArray readBytes(const QString& name) {
-        QFile f(name);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
     static QString cmdByte(const QString& frame) { return frame.section(' ', 1, 1); }
     // The last two requests of a failed run: the programmer's leave and the error LED.
     static QStringList failedEnd(const Run& r) { return r.frames.mid(r.frames.size() - 2); }
@@ -131,10 +123,10 @@ protected:
         QDir().mkpath(copy + "/" + QFileInfo(s.description).path());
         QFile::remove(copy + "/types.lst");
         QFile::copy(base + "types.lst", copy + "/types.lst");
-        writeBytes(copy + "/devices.lst", (s.chip + "=" + s.description + "\n").toUtf8());
-        QByteArray desc = readBytes(base + s.description);
+        TestFiles::writeFile(copy + "/devices.lst", (s.chip + "=" + s.description + "\n").toUtf8());
+        QByteArray desc = TestFiles::readFile(base + s.description);
         if (!desc.contains(from)) return false;
-        writeBytes(copy + "/" + s.description, desc.replace(from, to));
+        TestFiles::writeFile(copy + "/" + s.description, desc.replace(from, to));
         devices = copy;
         return true;
     }
@@ -160,14 +152,14 @@ private slots:
         const int count = cut ? 3 * s.writeChunk + 10 : int(s.size) - 16;
         const QByteArray data = pattern(count, 5);
         const QString in = scratch.filePath("in.bin"), out = scratch.filePath("out.bin");
-        writeBytes(in, data);
+        TestFiles::writeFile(in, data);
         QStringList cmds;
         if (!s.erase.isEmpty()) cmds << cmd(s.erase);
         cmds << fileCmd(s.writeFile, in, "bin", addr, count) << fileCmd(s.verifyFile, in, "bin", addr, count)
              << fileCmd(s.readFile, out, "bin", addr, count);
         const Run r = run(cmds, blankImage());
         QVERIFY2(r.status == 0, qPrintable(r.output));
-        QCOMPARE(readBytes(out), data);
+        QCOMPARE(TestFiles::readFile(out), data);
         QCOMPARE(r.image.mid(int(s.imageOffset + addr - s.begin), count), data);
 
         QList<int> cuts;
@@ -201,7 +193,7 @@ private slots:
         const qint64 bad = s.begin + 37;
         image[int(s.imageOffset + 37)] = char(0x5A);
         const QString in = scratch.filePath("blank.bin");
-        writeBytes(in, QByteArray(64, char(0xFF)));
+        TestFiles::writeFile(in, QByteArray(64, char(0xFF)));
         const Run r = run({fileCmd(s.verifyFile, in, "bin", s.begin, 64)}, image);
         QCOMPARE(r.status, 1);
         QVERIFY2(r.output.contains(TMiscDev::getMsgVerifyError(bad, 0xFF, 0x5A)), qPrintable(r.output));
@@ -213,7 +205,7 @@ private slots:
         const Space s = space();
         const int count = int(qMin<qint64>(s.size, 4 * qint64(s.writeChunk)));
         const QString in = scratch.filePath("in.bin");
-        writeBytes(in, pattern(count, 1));
+        TestFiles::writeFile(in, pattern(count, 1));
         // Silent after the set-up and one piece, or from the only piece on.
         const int after = count > s.writeChunk ? 5 : 4;
         const Run r = run({fileCmd(s.writeFile, in, "bin", s.begin, count)}, blankImage(),
@@ -228,7 +220,7 @@ private slots:
         const Space s = space();
         const int count = int(qMin<qint64>(s.size, 4 * qint64(s.writeChunk)));
         const QString in = scratch.filePath("in.bin");
-        writeBytes(in, pattern(count, 2));
+        TestFiles::writeFile(in, pattern(count, 2));
         const Run r =
             run({fileCmd(s.writeFile, in, "bin", s.begin, count)}, blankImage(), {"--corrupt", "5"});
         QCOMPARE(r.status, 1);
@@ -243,7 +235,7 @@ private slots:
         const int count = int(qMin<qint64>(s.size, 64 * qint64(s.writeChunk)));
         if (count < 8 * s.writeChunk) QSKIP("the space is written in one or a few pieces");
         const QString in = scratch.filePath("in.bin");
-        writeBytes(in, pattern(count, 3));
+        TestFiles::writeFile(in, pattern(count, 3));
         const Run r =
             run({fileCmd(s.writeFile, in, "bin", s.begin, count)}, blankImage(), {"--delay-ms", "20"}, 300);
         QVERIFY2(r.output.contains(Lang.get(390)), qPrintable(r.output));
@@ -258,7 +250,7 @@ private slots:
         QVERIFY(patchDescription("\n" + s.algWrite.toUtf8() + "=u|0", "\n" + s.algWrite.toUtf8() + "=u|9"));
         const QString in = scratch.filePath("in.bin");
         const int count = int(qMin<qint64>(s.size, s.writeChunk));
-        writeBytes(in, pattern(count, 4));
+        TestFiles::writeFile(in, pattern(count, 4));
         const Run r = run({fileCmd(s.writeFile, in, "bin", s.begin, count)}, blankImage());
         devices = QStringLiteral(TARVELIX_DATA_DIR "/devices");
         QCOMPARE(r.status, 1);
@@ -288,7 +280,7 @@ private slots:
         const Space s = space();
         const QString out = scratch.filePath("keep.bin");
         const QByteArray previous = pattern(3000, 9);
-        writeBytes(out, previous);
+        TestFiles::writeFile(out, previous);
         // Unplugged after the set-up and the first piece of the read, or before the read when it is one
         // piece.
         const int count = int(qMin<qint64>(s.size, 3 * 4096));
@@ -296,13 +288,13 @@ private slots:
         const Run r =
             run({fileCmd(s.readFile, out, "bin", s.begin, count)}, blankImage(), {"--unplug-after", after});
         QCOMPARE(r.status, 1);
-        QCOMPARE(readBytes(out), previous);
+        QCOMPARE(TestFiles::readFile(out), previous);
         QVERIFY2(r.output.contains(Lang.get(1213).arg("keep.bin")), qPrintable(r.output));
         QCOMPARE(QDir(scratch.path()).entryList(QDir::Hidden | QDir::Files).filter(".part"), QStringList());
 
         const Run plus = run({fileCmd(s.readFile, out, "bin+", s.begin, 16)}, blankImage());
         QVERIFY2(plus.status == 0, qPrintable(plus.output));
-        QCOMPARE(readBytes(out), QByteArray(16, char(0xFF)) + previous.mid(16));
+        QCOMPARE(TestFiles::readFile(out), QByteArray(16, char(0xFF)) + previous.mid(16));
     }
 
     // A reply that brings fewer bytes than asked, in a well-formed frame, fails a verify and a read with
@@ -312,7 +304,7 @@ private slots:
         const Space s = space();
         const int count = 8, cut = 3;
         const QString in = scratch.filePath("blank8.bin"), out = scratch.filePath("short.bin");
-        writeBytes(in, QByteArray(count, char(0xFF)));
+        TestFiles::writeFile(in, QByteArray(count, char(0xFF)));
         for (const QString& c : {fileCmd(s.verifyFile, in, "bin", s.begin, count),
                                  fileCmd(s.readFile, out, "bin", s.begin, count)}) {
             const Run r = run({c}, blankImage(), {"--short", QString::number(cut)});
