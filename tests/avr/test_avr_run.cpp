@@ -261,9 +261,9 @@ private slots:
     void autoDetectRoutesThePart() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--chip", "ATmega2560", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
-                           "--trace", sim.path("trace.txt")}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(w.startSim(sim,
+                           {"--chip", "ATmega2560", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
+                            "--trace", sim.path("trace.txt")}));
         const QString prog = R"({"status": "1", "cmd": "set_prog", "prog": "Sim", "alt_enabled": "false", )"
                              R"("alt_port": ""})";
         const QString detect = cmd("auto_detect", R"("name": "DevAVR8_SPI", "route": "ATmega2560=1", )"

@@ -39,8 +39,7 @@ private slots:
     void handshakeSuppliesResetAndFinalLeave() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--trace", sim.path("trace.txt")}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(w.startSim(sim, {"--trace", sim.path("trace.txt")}));
         const QString file = w.writeProject(
             project({{"Main",
                       {setProg, cmd("set_vcc", R"("vcc": "3.3")"),
@@ -59,8 +58,7 @@ private slots:
     void interfaceMismatchFailsAndLeaves() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--trace", sim.path("trace.txt"), "--interface", "7"}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(w.startSim(sim, {"--trace", sim.path("trace.txt"), "--interface", "7"}));
         QCOMPARE(
             w.run(options(w.writeProject(project({{"Main", {setProg, cmd("set_vcc", R"("vcc": "3.3")")}}})))),
             1);
@@ -73,8 +71,7 @@ private slots:
     void silentProgrammerEndsWithoutFinalLeave() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--trace", sim.path("trace.txt"), "--silent-after", "2"}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(w.startSim(sim, {"--trace", sim.path("trace.txt"), "--silent-after", "2"}));
         QElapsedTimer t;
         t.start();
         QCOMPARE(
@@ -89,8 +86,7 @@ private slots:
     void unpluggedPortEndsWithAClearText() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--unplug-after", "3"}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(w.startSim(sim, {"--unplug-after", "3"}));
         QCOMPARE(
             w.run(options(w.writeProject(project({{"Main", {setProg, cmd("set_vcc", R"("vcc": "3.3")")}}})))),
             1);
@@ -108,8 +104,7 @@ private slots:
     void invalidCommandsStopTheRunBeforeTheyRun() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--trace", sim.path("trace.txt")}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(w.startSim(sim, {"--trace", sim.path("trace.txt")}));
         // 9.9 V is beyond the simulator's supply range. Checked before running, nothing is sent at all;
         // without the check the run opens the programmer and fails when it reaches the command.
         const QString prj = w.writeProject(project({{"Main", {setProg, cmd("set_vcc", R"("vcc": "9.9")")}}}));
@@ -139,8 +134,7 @@ private slots:
     void aRefusedFinalLeaveFailsTheRun() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--error", "133:1"}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(w.startSim(sim, {"--error", "133:1"}));
         const QString file =
             w.writeProject(project({{"Main", {setProg, cmd("set_vcc", R"("vcc": "3.3")")}}}));
         QCOMPARE(w.run(options(file)), int(TRunner::ExitFailed));

@@ -79,3 +79,22 @@ inline bool writeThrough(const char* formatName, const QString& file, qint64 fir
         }
     return format.close();
 }
+
+// A whole file read through the format as pieces joined where they touch, the way executors read;
+// an error as {-1, text}, a piece that crosses a chunk boundary as {-2, ...}.
+inline TSegments readThrough(const char* formatName, const QString& file, qint64 last, qint64 chunk) {
+    TFormat format(formatName, file, 0, 0, last, chunk);
+    if (!format.open(FormatModeRead)) return {{-1, format.getErrorText().toUtf8()}};
+    TSegments segments;
+    qint64 end = -1;
+    for (const TPiece& p : readPieces(format, 0)) {
+        if (p.second.size() > chunk || p.first / chunk != (p.first + p.second.size() - 1) / chunk)
+            return {{-2, "piece crosses the chunk"}};
+        if (p.first == end)
+            segments.last() += p.second;
+        else
+            segments.insert(p.first, p.second);
+        end = p.first + p.second.size();
+    }
+    return segments;
+}

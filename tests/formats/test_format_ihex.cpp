@@ -23,22 +23,9 @@ class TestFormatIHEX : public QObject {
     QTemporaryDir dir;
     QString path(const QString& name) const { return dir.filePath(name); }
 
-    // A whole file read through "ihex" as pieces joined where they touch; an error as {-1, text}.
-    TSegments readAll(const QString& file, qint64 last = 0x7FFFFFFF, qint64 chunk = 4096) {
-        TFormat format("ihex", file, 0, 0, last, chunk);
-        if (!format.open(FormatModeRead)) return {{-1, format.getErrorText().toUtf8()}};
-        TSegments segments;
-        qint64 end = -1;
-        for (const TPiece& p : readPieces(format, 0)) {
-            if (p.second.size() > chunk || p.first / chunk != (p.first + p.second.size() - 1) / chunk)
-                return {{-2, "piece crosses the chunk"}};
-            if (p.first == end)
-                segments.last() += p.second;
-            else
-                segments.insert(p.first, p.second);
-            end = p.first + p.second.size();
-        }
-        return segments;
+    // A whole file read through "ihex"; an error as {-1, text}.
+    static TSegments readAll(const QString& file, qint64 last = 0x7FFFFFFF, qint64 chunk = 4096) {
+        return readThrough("ihex", file, last, chunk);
     }
 
     QString errorOf(const QByteArray& content) {

@@ -48,22 +48,6 @@ TSegments parseDump(const QByteArray& dump) {
     }
     return segments;
 }
-
-// Reads a whole HEX file through TFormat, joining pieces that touch into segments.
-TSegments readThrough(const QString& file, qint64 last, qint64 chunk) {
-    TFormat format("hex", file, 0, 0, last, chunk);
-    if (!format.open(FormatModeRead)) return {{-1, format.getErrorText().toUtf8()}};
-    TSegments segments;
-    qint64 end = -1;
-    for (const TPiece& p : readPieces(format, 0)) {
-        if (p.first == end)
-            segments.last() += p.second;
-        else
-            segments.insert(p.first, p.second);
-        end = p.first + p.second.size();
-    }
-    return segments;
-}
 } // namespace
 
 class TestFormatInterop : public QObject {
@@ -89,9 +73,9 @@ private slots:
                 QCOMPARE(python(writeScript, {file, QString::number(record), segmentsArg(segments)}),
                          QByteArray());
                 const qint64 last = segments.lastKey() + segments.last().size() - 1;
-                QCOMPARE(readThrough(file, last, 256), segments);
+                QCOMPARE(readThrough("hex", file, last, 256), segments);
                 writeFile(file, readFile(file).toLower());
-                QCOMPARE(readThrough(file, last, 64), segments);
+                QCOMPARE(readThrough("hex", file, last, 64), segments);
             }
     }
 
@@ -105,7 +89,7 @@ private slots:
                                                     dir.filePath("b.bin"), "-binary", "-offset", "0x300000",
                                                     "-o", file, "-intel", "-obs=" + QString(block)});
             QCOMPARE(out, QByteArray());
-            QCOMPARE(readThrough(file, 0x300000 + 76, 4096), TSegments({{0x1FF00, a}, {0x300000, b}}));
+            QCOMPARE(readThrough("hex", file, 0x300000 + 76, 4096), TSegments({{0x1FF00, a}, {0x300000, b}}));
         }
     }
 

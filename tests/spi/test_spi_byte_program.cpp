@@ -28,9 +28,9 @@ private slots:
         in.close();
 
         SimFixture sim;
-        QVERIFY(sim.start({"--chip", "SST25VF016B", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
-                           "--trace", sim.path("trace.txt")}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(w.startSim(sim,
+                           {"--chip", "SST25VF016B", "--devices",
+                            QStringLiteral(TARVELIX_DATA_DIR "/devices"), "--trace", sim.path("trace.txt")}));
         TRunner::Options o;
         o.project = w.writeProject(project(
             {{"Main",

@@ -210,9 +210,9 @@ private slots:
     void autoDetectWithAndWithoutRoute() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--chip", "W25Q80RV", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
-                           "--trace", sim.path("trace.txt")}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(
+            w.startSim(sim, {"--chip", "W25Q80RV", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
+                             "--trace", sim.path("trace.txt")}));
         const QString detect =
             cmd("auto_detect", R"("name": "Dev25", "route": "%1", "stop": "%2", "execute": "true")");
         TRunner::Options o;
@@ -232,8 +232,7 @@ private slots:
     void autoDetectWithoutMatch() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--bus", "spi"}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(w.startSim(sim, {"--bus", "spi"}));
         const QString detect =
             cmd("auto_detect", R"("name": "Dev25", "route": "", "stop": "%1", "execute": "true")");
         TRunner::Options o;
@@ -249,9 +248,9 @@ private slots:
     void stopDuringALongWrite() {
         WorkerFixture w;
         SimFixture sim;
-        QVERIFY(sim.start({"--chip", "W25Q80RV", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
-                           "--trace", sim.path("trace.txt"), "--timing", "on"}));
-        w.addProgrammer("Sim", sim);
+        QVERIFY(
+            w.startSim(sim, {"--chip", "W25Q80RV", "--devices", QStringLiteral(TARVELIX_DATA_DIR "/devices"),
+                             "--trace", sim.path("trace.txt"), "--timing", "on"}));
         TRunner::Options o;
         o.project = w.writeProject(
             project({{"Main",

@@ -33,6 +33,12 @@ public:
         AppData.progName.append(false, name, sim.link(), "Simulator");
     }
 
+    // Starts the simulator with the options as the programmer "Sim".
+    bool startSim(SimFixture& sim, const QStringList& options = QStringList()) {
+        addProgrammer("Sim", sim);
+        return sim.start(options);
+    }
+
     QString writeProject(const QByteArray& json) {
         const QString file = dir.filePath("test.prj");
         QFile f(file);
