@@ -4,6 +4,10 @@
 #include "link/CProtocol.h"
 #include "link/bridge/CBridge.h"
 
+IBridge::IBridge(const char* protocol, unsigned short interfaceCode,
+                 std::initializer_list<unsigned short> deviceTypes)
+    : name(protocol), code(interfaceCode), served(deviceTypes) {}
+
 IBridge::~IBridge() = default;
 
 void IBridge::restart() {

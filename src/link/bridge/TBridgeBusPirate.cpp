@@ -15,13 +15,8 @@ unsigned int clockOf(const QByteArray& d, int at) {
 }
 } // namespace
 
-QString TBridgeBusPirate::protocol() const {
-    return QStringLiteral("buspirate");
-}
-
-unsigned short TBridgeBusPirate::interfaceCode() const {
-    return interface;
-}
+TBridgeBusPirate::TBridgeBusPirate()
+    : IBridge("buspirate", interface, {CBridge::typeSpiFlash, CBridge::typeI2c}) {}
 
 QString TBridgeBusPirate::name(unsigned char cmd) {
     return QStringLiteral("0x%1").arg(cmd, 2, 16, QChar('0')).toUpper().replace("0X", "0x");
@@ -86,10 +81,6 @@ TBridgeReply TBridgeBusPirate::toBinary(IBridgeWire& wire) {
     if (mode == 0) return TBridgeReply::done();
     mode = 0;
     return expect(wire, QByteArray(1, char(CBusPirate::reset)), CBusPirate::bbio, name(CBusPirate::reset));
-}
-
-bool TBridgeBusPirate::serves(unsigned short deviceType) const {
-    return deviceType == CBridge::typeSpiFlash || deviceType == CBridge::typeI2c;
 }
 
 TBridgeReply TBridgeBusPirate::selectDevice(IBridgeWire& wire, unsigned short type,

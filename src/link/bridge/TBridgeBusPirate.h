@@ -7,8 +7,7 @@
 // (start, bulk writes with their acknowledge bits, byte reads, stop) for the 24 series.
 class TBridgeBusPirate : public IBridge {
 public:
-    QString protocol() const override;
-    unsigned short interfaceCode() const override;
+    TBridgeBusPirate();
 
     static constexpr unsigned short interface = 0x0B03;
     static constexpr int enterQuietMs = 20;
@@ -20,7 +19,6 @@ public:
 
 protected:
     TBridgeReply start(IBridgeWire& wire) override;
-    bool serves(unsigned short deviceType) const override;
     TBridgeReply selectDevice(IBridgeWire& wire, unsigned short type, const QByteArray& payload) override;
     TBridgeReply family(IBridgeWire& wire, unsigned char cmd, const QByteArray& data) override;
     TBridgeReply leave(IBridgeWire& wire) override;

@@ -22,13 +22,7 @@ int u24(const QByteArray& d) {
 
 } // namespace
 
-QString TBridgeSerprog::protocol() const {
-    return QStringLiteral("serprog");
-}
-
-unsigned short TBridgeSerprog::interfaceCode() const {
-    return interface;
-}
+TBridgeSerprog::TBridgeSerprog() : IBridge("serprog", interface, {CBridge::typeSpiFlash}) {}
 
 QByteArray TBridgeSerprog::length24(int n) {
     QByteArray b;
@@ -158,10 +152,6 @@ TBridgeReply TBridgeSerprog::start(IBridgeWire& wire) {
         pgm = QString::fromLatin1(a.left(a.indexOf('\0') < 0 ? a.size() : a.indexOf('\0')));
     }
     return TBridgeReply::done(QStringLiteral("serprog: %1").arg(pgm).toLatin1());
-}
-
-bool TBridgeSerprog::serves(unsigned short deviceType) const {
-    return deviceType == CBridge::typeSpiFlash;
 }
 
 TBridgeReply TBridgeSerprog::selectDevice(IBridgeWire& wire, unsigned short, const QByteArray& payload) {

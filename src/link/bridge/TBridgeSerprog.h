@@ -8,8 +8,7 @@
 // transactions with O_SPIOP, as the native programmer does, write enable and busy wait included.
 class TBridgeSerprog : public IBridge {
 public:
-    QString protocol() const override;
-    unsigned short interfaceCode() const override;
+    TBridgeSerprog();
 
     static constexpr unsigned short interface = 0x0B01;
 
@@ -20,7 +19,6 @@ public:
 
 protected:
     TBridgeReply start(IBridgeWire& wire) override;
-    bool serves(unsigned short deviceType) const override;
     TBridgeReply selectDevice(IBridgeWire& wire, unsigned short type, const QByteArray& payload) override;
     TBridgeReply family(IBridgeWire& wire, unsigned char cmd, const QByteArray& data) override;
     TBridgeReply leave(IBridgeWire& wire) override;

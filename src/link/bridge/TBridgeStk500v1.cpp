@@ -31,13 +31,7 @@ int le16(const QByteArray& d, int at) {
 }
 } // namespace
 
-QString TBridgeStk500v1::protocol() const {
-    return QStringLiteral("stk500v1");
-}
-
-unsigned short TBridgeStk500v1::interfaceCode() const {
-    return interface;
-}
+TBridgeStk500v1::TBridgeStk500v1() : IBridge("stk500v1", interface, {CBridge::typeAvr}) {}
 
 void TBridgeStk500v1::describeTarget(const TData& params) {
     part = params;
@@ -194,10 +188,6 @@ TBridgeReply TBridgeStk500v1::start(IBridgeWire& wire) {
     return TBridgeReply::done(QStringLiteral("ArduinoISP (STK500 v1), hardware %1, firmware %2")
                                   .arg(v.value(0), v.value(1))
                                   .toLatin1());
-}
-
-bool TBridgeStk500v1::serves(unsigned short deviceType) const {
-    return deviceType == CBridge::typeAvr;
 }
 
 // SET_DEVICE and SET_DEVICE_EXT from the part, then programming mode; the sketch has one fixed clock.

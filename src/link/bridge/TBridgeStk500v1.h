@@ -7,8 +7,7 @@
 // until the family commits the page, then go as one PROG_PAGE, which the sketch commits itself.
 class TBridgeStk500v1 : public IBridge {
 public:
-    QString protocol() const override;
-    unsigned short interfaceCode() const override;
+    TBridgeStk500v1();
     void describeTarget(const TData& params) override;
 
     static constexpr unsigned short interface = 0x0B02;
@@ -26,7 +25,6 @@ public:
 
 protected:
     TBridgeReply start(IBridgeWire& wire) override;
-    bool serves(unsigned short deviceType) const override;
     TBridgeReply selectDevice(IBridgeWire& wire, unsigned short type, const QByteArray& payload) override;
     TBridgeReply family(IBridgeWire& wire, unsigned char cmd, const QByteArray& data) override;
     TBridgeReply leave(IBridgeWire& wire) override;

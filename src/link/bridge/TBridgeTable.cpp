@@ -4,27 +4,21 @@
 #include "link/bridge/TBridgeSerprog.h"
 #include "link/bridge/TBridgeStk500v1.h"
 
-#include <functional>
-
 namespace {
-struct Entry {
-    const char* name;
-    std::function<std::unique_ptr<IBridge>()> make;
-};
-
-const Entry table[] = {
-    {"serprog", [] { return std::make_unique<TBridgeSerprog>(); }},
-    {"stk500v1", [] { return std::make_unique<TBridgeStk500v1>(); }},
-    {"buspirate", [] { return std::make_unique<TBridgeBusPirate>(); }},
-};
+// Each bridge names its own protocol; making one does nothing on any port.
+using Make = std::unique_ptr<IBridge> (*)();
+template <class B> std::unique_ptr<IBridge> make() {
+    return std::make_unique<B>();
+}
+const Make table[] = {make<TBridgeSerprog>, make<TBridgeStk500v1>, make<TBridgeBusPirate>};
 } // namespace
 
 const char* const TBridgeTable::native = "native";
 
 QStringList TBridgeTable::names() {
     QStringList list{native};
-    for (const Entry& e : table)
-        list << e.name;
+    for (Make m : table)
+        list << m()->protocol();
     return list;
 }
 
@@ -33,7 +27,9 @@ bool TBridgeTable::contains(const QString& protocol) {
 }
 
 std::unique_ptr<IBridge> TBridgeTable::create(const QString& protocol) {
-    for (const Entry& e : table)
-        if (protocol == e.name) return e.make();
+    for (Make m : table) {
+        std::unique_ptr<IBridge> bridge = m();
+        if (bridge->protocol() == protocol) return bridge;
+    }
     return nullptr;
 }
