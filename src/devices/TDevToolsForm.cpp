@@ -38,6 +38,19 @@ QString cmdTitle(int pos, TDataCmd* cmd) {
     const QString view = group ? group->getViewCmdParam(cmd->getData(), nullptr) : QString();
     return view.isEmpty() ? title : QStringLiteral("%1 (%2)").arg(title, view);
 }
+
+// A choice among items of the project, listed by fill under the project's lock.
+template <class Fill> TFormCmd* projectChoice(const TData& p, const char* key, int caption, Fill fill) {
+    auto* form = new TFormCmd(p);
+    QStringList texts;
+    QVariantList values;
+    {
+        TLocker lock(ProjectData.getMutex());
+        fill(texts, values);
+    }
+    form->addChoice(key, Lang.get(caption), texts, values);
+    return form;
+}
 } // namespace
 
 TFormCmd* TDevTools::cmdDelayForm(const TData& p) {
@@ -58,18 +71,12 @@ TFormCmd* TDevTools::cmdCounterForm(const TData& p) {
 }
 
 TFormCmd* TDevTools::cmdJampForm(const TData& p) {
-    auto* form = new TFormCmd(p);
-    QStringList texts;
-    QVariantList values;
-    {
-        TLocker lock(ProjectData.getMutex());
+    return projectChoice(p, CTagCmdToolsJamp::to_cmd, 525, [&p](QStringList& texts, QVariantList& values) {
         for (TDataCmd* cmd : ProjectData.getCmdListCfg(cfgOf(p))) {
             texts.append(cmdTitle(texts.size(), cmd));
             values.append(cmd->getUIN());
         }
-    }
-    form->addChoice(CTagCmdToolsJamp::to_cmd, Lang.get(525), texts, values);
-    return form;
+    });
 }
 
 TFormCmd* TDevTools::cmdProcessForm(const TData& p) {
@@ -80,18 +87,12 @@ TFormCmd* TDevTools::cmdProcessForm(const TData& p) {
 }
 
 TFormCmd* TDevTools::cmdExecuteForm(const TData& p) {
-    auto* form = new TFormCmd(p);
-    QStringList texts;
-    QVariantList values;
-    {
-        TLocker lock(ProjectData.getMutex());
+    return projectChoice(p, CTagCmdToolsExecute::cfg, 527, [](QStringList& texts, QVariantList& values) {
         for (TDataCfg* cfg : ProjectData.getCfgList()) {
             texts.append(cfg->getName());
             values.append(cfg->getUIN());
         }
-    }
-    form->addChoice(CTagCmdToolsExecute::cfg, Lang.get(527), texts, values);
-    return form;
+    });
 }
 
 TFormCmd* TDevTools::cmdCalcCRCForm(const TData& p) {
