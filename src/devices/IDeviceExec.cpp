@@ -9,6 +9,7 @@
 #include "link/TProg.h"
 #include "link/TSerialPort.h"
 #include "misc/dev_misc.h"
+#include "project/CTagCmdParam.h"
 #include "project/CTagPrj.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
@@ -161,7 +162,7 @@ bool IDeviceExec::identify(TSerialPort& port) {
 
 void IDeviceExec::setFileError(const TFormat& data) {
     const QString file =
-        TApp::getAbsoluteFile(ProjectData.getPrjWorkPath(), TAPP_PARAM(param, "file").toString());
+        TApp::getAbsoluteFile(ProjectData.getPrjWorkPath(), TAPP_PARAM(param, CTagCmdRWV::file).toString());
     setErrorText(data.getErrorText() + QLatin1Char('\n') + Lang.get(TextFile).arg(file));
 }
 

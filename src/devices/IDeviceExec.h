@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <functional>
+#include <initializer_list>
 
 class TFormat;
 class TRangeReport;
@@ -97,6 +98,34 @@ protected:
     // becomes the error text; each returns false to end the loop.
     using FilePiece = std::function<bool(qint64 addr, const QByteArray& piece)>;
     bool forEachFilePiece(TFormat& data, qint64 addr, const FilePiece& each);
+
+    // ---- the command table ----
+    // One of the family's own commands: its code and the member of executor E that runs it.
+    template <class E> struct OwnOp {
+        const char* code;
+        bool (E::*run)(TSerialPort&);
+    };
+    // Runs the record's command by the family's table: a read, write or verify of a range through
+    // range(space, cmd) with the row's memory space, any other command through its member in own. A
+    // command abandoned on the user's request is no failure: the worker sees its stop flag next and ends
+    // the run as stopped.
+    template <class E, class Range>
+    bool runByTable(E& self, TSerialPort& port, const TCmdRows& rows, std::initializer_list<OwnOp<E>> own,
+                    Range range) {
+        QString code;
+        const TCmdRow* row = commandRow(rows, code);
+        if (!row) return false;
+        bool ok = false;
+        RangeCmd cmd;
+        if (rangeCmdOf(*row, cmd))
+            ok = range(row->space, cmd);
+        else
+            for (const OwnOp<E>& op : own)
+                if (code == QLatin1String(op.code)) ok = (self.*op.run)(port);
+        return ok || isStop();
+    }
+    // The row of the record's command (its code in code); nullptr when the table has none.
+    const TCmdRow* commandRow(const TCmdRows& rows, QString& code) const;
 
     // ---- the range engine ----
     // The range command of a row of a family's command table; false for the kinds that are none.

@@ -2,6 +2,8 @@
 // literal data and files, over the memory spaces the families describe.
 #include "devices/IDeviceExec.h"
 
+#include "project/CTagPrj.h"
+
 #include "app/TLang.h"
 #include "formats/TFormat.h"
 #include "formats/TSaveAside.h"
@@ -71,6 +73,11 @@ bool IDeviceExec::readRange(const TMemorySpace& space, qint64 addr, qint64 end, 
 
 bool IDeviceExec::testEmptyRange(const TMemorySpace& space, qint64 begin, qint64 end) {
     return verifyRange(space, begin, end, blank);
+}
+
+const TCmdRow* IDeviceExec::commandRow(const TCmdRows& rows, QString& code) const {
+    code = param.value(QLatin1String(CTagCmd::cmd)).toString();
+    return TCmdTable::find(rows, code);
 }
 
 bool IDeviceExec::rangeCmdOf(const TCmdRow& row, RangeCmd& cmd) {
@@ -208,8 +215,7 @@ bool IDeviceExec::readFile(const TMemorySpace& space) {
     const qint64 start = addr;
     bool ok = openFile(data, FormatModeWrite) &&
               readRange(space, addr, end, [&](qint64 at, const QByteArray& piece) {
-                  if (!data.write(addrFile + at - start, piece))
-                      return setFileError(data), false;
+                  if (!data.write(addrFile + at - start, piece)) return setFileError(data), false;
                   done.add(at, piece.size());
                   return true;
               });

@@ -3,6 +3,7 @@
 #include "app/TApp.h"
 #include "devices/TDev24.h"
 #include "devices/TDev24CAlg.h"
+#include "devices/TDev24CDevParam.h"
 #include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 #include "misc/TNormCmdParam.h"
@@ -13,18 +14,17 @@
 TDev24CExec::TDev24CExec(const TData& p, QObject* parent) : IDeviceExec(p, parent) {}
 
 bool TDev24CExec::execute(TSerialPort& port, bool&, int&, int&) {
-    const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(TDev24::cmdTable(), code);
-    RangeCmd cmd;
-    if (row && rangeCmdOf(*row, cmd)) return range(port, cmd);
-    using Op = bool (TDev24CExec::*)(TSerialPort&);
-    static const QHash<QString, Op> own{
-        {CTagCmdCode::set_addr, &TDev24CExec::setAddress}, {CTagCmdCode::set_clk, &TDev24CExec::setCLK},
-        {CTagCmdCode::erase, &TDev24CExec::erase},         {CTagCmdCode::test_empty, &TDev24CExec::testEmpty},
-        {CTagCmdCode::leave, &TDev24CExec::leave},
-    };
-    const Op op = row ? own.value(code, nullptr) : nullptr;
-    return op && (this->*op)(port);
+    namespace C = CTagCmdCode;
+    using E = TDev24CExec;
+    return runByTable<E>(*this, port, TDev24::cmdTable(),
+                         {
+                             {C::set_addr, &E::setAddress},
+                             {C::set_clk, &E::setCLK},
+                             {C::erase, &E::erase},
+                             {C::test_empty, &E::testEmpty},
+                             {C::leave, &E::leave},
+                         },
+                         [&](int, RangeCmd cmd) { return range(port, cmd); });
 }
 
 bool TDev24CExec::execReadSignature(TSerialPort&, QString&) {
@@ -72,7 +72,8 @@ bool TDev24CExec::range(TSerialPort& port, RangeCmd cmd) {
 
 bool TDev24CExec::setAddress(TSerialPort& port) {
     if (!prepare(port)) return false;
-    const unsigned masked = TAPP_PARAM(param, "addr").toUInt() & TAPP_PARAM(dev, "addr_mask").toUInt();
+    const unsigned masked =
+        TAPP_PARAM(param, TDev24CDevParam::addr).toUInt() & TAPP_PARAM(dev, "addr_mask").toUInt();
     QString err;
     if (TDev24CAlg::setAddress(port, static_cast<unsigned char>(masked << 1), err)) return true;
     setErrorText(err);

@@ -16,8 +16,8 @@
 #include <QLineEdit>
 
 namespace {
-const QString kData = QStringLiteral("data"), kSize = QStringLiteral("size"),
-              kBegin = QStringLiteral("begin"), kCount = QStringLiteral("count");
+const QString kData = CTagCmdRegister::data, kSize = CTagCmdDev25EraseBlocks::size,
+              kBegin = CTagCmdDev25EraseBlocks::begin, kCount = CTagCmdDev25EraseBlocks::count;
 constexpr qint64 kBlockDefault = 65536;
 constexpr int kRegisterSize = 256;
 

@@ -11,7 +11,7 @@
 #include "project/CTagPrj.h"
 
 namespace {
-const QString kData = QStringLiteral("data");
+const QString kData = CTagCmdRegister::data;
 constexpr int kRegisterSize = 256;
 } // namespace
 
@@ -19,38 +19,24 @@ TDev25Exec::TDev25Exec(const TData& p, QObject* parent) : IDeviceExec(p, parent)
 
 bool TDev25Exec::execute(TSerialPort& port, bool&, int&, int&) {
     namespace C = CTagCmdCode;
-    using Op = bool (TDev25Exec::*)(TSerialPort&);
-    static const struct {
-        const char* code;
-        Op op;
-    } own[] = {
-        {C::set_clk, &TDev25Exec::setCLK},
-        {C::ident, &TDev25Exec::ident},
-        {C::erase, &TDev25Exec::erase},
-        {C::test_empty, &TDev25Exec::testEmpty},
-        {C::erase_blocks, &TDev25Exec::eraseBlocks},
-        {C::test_empty_blocks, &TDev25Exec::testEmptyBlocks},
-        {C::status_reg_read, &TDev25Exec::readStatusReg},
-        {C::status_reg_write, &TDev25Exec::writeStatusReg},
-        {C::status_reg_verify, &TDev25Exec::verifyStatusReg},
-        {C::security_reg_erase, &TDev25Exec::eraseSecurityReg},
-        {C::security_reg_test_empty, &TDev25Exec::testEmptySecurityReg},
-        {C::unique_id_read, &TDev25Exec::readUniqueID},
-        {C::leave, &TDev25Exec::leave},
-    };
-    const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(TDev25::cmdTable(), code);
-    if (!row) return false;
-    bool ok = false;
-    RangeCmd cmd;
-    if (rangeCmdOf(*row, cmd))
-        ok = range(port, Space(row->space), cmd);
-    else
-        for (const auto& entry : own)
-            if (code == QLatin1String(entry.code)) ok = (this->*entry.op)(port);
-    // An operation abandoned on the user's request is no failure of the run: the worker sees its stop
-    // flag next and ends the run as stopped.
-    return ok || isStop();
+    using E = TDev25Exec;
+    return runByTable<E>(*this, port, TDev25::cmdTable(),
+                         {
+                             {C::set_clk, &E::setCLK},
+                             {C::ident, &E::ident},
+                             {C::erase, &E::erase},
+                             {C::test_empty, &E::testEmpty},
+                             {C::erase_blocks, &E::eraseBlocks},
+                             {C::test_empty_blocks, &E::testEmptyBlocks},
+                             {C::status_reg_read, &E::readStatusReg},
+                             {C::status_reg_write, &E::writeStatusReg},
+                             {C::status_reg_verify, &E::verifyStatusReg},
+                             {C::security_reg_erase, &E::eraseSecurityReg},
+                             {C::security_reg_test_empty, &E::testEmptySecurityReg},
+                             {C::unique_id_read, &E::readUniqueID},
+                             {C::leave, &E::leave},
+                         },
+                         [&](int space, RangeCmd cmd) { return range(port, Space(space), cmd); });
 }
 
 // ---- shared steps ----
@@ -163,15 +149,15 @@ bool TDev25Exec::erase(TSerialPort& port) {
 
 bool TDev25Exec::eraseBlocks(TSerialPort& port) {
     if (!prepare(port)) return false;
-    const qint64 size = TAPP_PARAM(param, "size").toLongLong();
+    const qint64 size = TAPP_PARAM(param, CTagCmdDev25EraseBlocks::size).toLongLong();
     uchar opcode = 0; // no entry for the size: the last match wins, none sends 00
     for (const QString& entry : TAPP_PARAM(dev, "erase_blocks").toStringList()) {
         const QStringList f = entry.split(QLatin1Char('|'));
         if (f.size() == 2 && f.at(1).trimmed().toLongLong() == size)
             opcode = uchar(TMiscDev::getIntFromHex(f.at(0)));
     }
-    return eraseBlockRun(port, opcode, TAPP_PARAM(param, "begin").toLongLong(),
-                         TAPP_PARAM(param, "count").toLongLong(), size);
+    return eraseBlockRun(port, opcode, TAPP_PARAM(param, CTagCmdDev25EraseBlocks::begin).toLongLong(),
+                         TAPP_PARAM(param, CTagCmdDev25EraseBlocks::count).toLongLong(), size);
 }
 
 bool TDev25Exec::testEmpty(TSerialPort& port) {
@@ -183,9 +169,9 @@ bool TDev25Exec::testEmpty(TSerialPort& port) {
 
 bool TDev25Exec::testEmptyBlocks(TSerialPort& port) {
     if (!prepare(port)) return false;
-    const qint64 size = TAPP_PARAM(param, "size").toLongLong();
-    const qint64 begin = TAPP_PARAM(param, "begin").toLongLong();
-    const qint64 count = TAPP_PARAM(param, "count").toLongLong();
+    const qint64 size = TAPP_PARAM(param, CTagCmdDev25EraseBlocks::size).toLongLong();
+    const qint64 begin = TAPP_PARAM(param, CTagCmdDev25EraseBlocks::begin).toLongLong();
+    const qint64 count = TAPP_PARAM(param, CTagCmdDev25EraseBlocks::count).toLongLong();
     return testEmptyRange(memory(port, Space::Flash), begin * size, (begin + count) * size - 1);
 }
 

@@ -2,34 +2,30 @@
 
 #include "app/TApp.h"
 #include "app/TLang.h"
+#include "devices/TDev93C.h"
 #include "link/CProtocol.h"
 #include "link/TSerialPort.h"
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
+#include "project/CTagCmdParam.h"
 #include "project/CTagPrj.h"
 
 TDev93CExec::TDev93CExec(const TData& p, QObject* parent) : IDeviceExec(p, parent) {}
 
+// Every read, write and verify, and the commands without packets yet, fail with the not-done text.
 bool TDev93CExec::execute(TSerialPort& port, bool&, int&, int&) {
-    using Op = bool (TDev93CExec::*)(TSerialPort&);
-    static const QHash<QString, Op> ops{
-        {CTagCmdCode::set_clk, &TDev93CExec::execSetCLK},
-        {CTagCmdCode::erase, &TDev93CExec::execErase},
-        {CTagCmdCode::test_empty, &TDev93CExec::execNotDone},
-        {CTagCmdCode::char_write, &TDev93CExec::execNotDone},
-        {CTagCmdCode::char_verify, &TDev93CExec::execNotDone},
-        {CTagCmdCode::data_write, &TDev93CExec::execNotDone},
-        {CTagCmdCode::data_read, &TDev93CExec::execNotDone},
-        {CTagCmdCode::data_verify, &TDev93CExec::execNotDone},
-        {CTagCmdCode::file_write, &TDev93CExec::execNotDone},
-        {CTagCmdCode::file_read, &TDev93CExec::execNotDone},
-        {CTagCmdCode::file_verify, &TDev93CExec::execNotDone},
-        {CTagCmdCode::leave, &TDev93CExec::execLeave},
-    };
-    const Op op = ops.value(TAPP_PARAM(param, CTagCmd::cmd).toString(), nullptr);
-    if (op) return (this->*op)(port);
-    setErrorText(Lang.get(486));
-    return false;
+    namespace C = CTagCmdCode;
+    using E = TDev93CExec;
+    return runByTable<E>(*this, port, TDev93C::cmdTable(),
+                         {
+                             {C::set_clk, &E::execSetCLK},
+                             {C::erase, &E::execErase},
+                             {C::test_empty, &E::execNotDone},
+                             {C::lock, &E::execNotDone},
+                             {C::unlock, &E::execNotDone},
+                             {C::leave, &E::execLeave},
+                         },
+                         [&](int, RangeCmd) { return execNotDone(port); });
 }
 
 bool TDev93CExec::execReadSignature(TSerialPort&, QString&) {
@@ -37,7 +33,7 @@ bool TDev93CExec::execReadSignature(TSerialPort&, QString&) {
 }
 
 bool TDev93CExec::execSetCLK(TSerialPort& port) {
-    const unsigned int hz = TAPP_PARAM(param, "clk").toUInt();
+    const unsigned int hz = TAPP_PARAM(param, CTagCmdSetCLK::clk).toUInt();
     QByteArray data;
     TMiscDev::appendLE(data, hz, 4);
     return sendPackage(port, CProtocol::Family::SetClk, data);

@@ -14,7 +14,7 @@
 #include <QFileInfo>
 
 namespace {
-const QString kData = QStringLiteral("data");
+const QString kData = CTagCmdRegister::data;
 } // namespace
 
 TDevAVR8Exec::TDevAVR8Exec(const TData& p, QObject* parent) : IDeviceExec(p, parent) {}
@@ -22,36 +22,24 @@ TDevAVR8Exec::TDevAVR8Exec(const TData& p, QObject* parent) : IDeviceExec(p, par
 bool TDevAVR8Exec::execute(TSerialPort& port, bool&, int&, int&) {
     namespace C = CTagCmdCode;
     using E = TDevAVR8Exec;
-    static const struct {
-        const char* code;
-        bool (TDevAVR8Exec::*op)(TSerialPort&);
-    } own[] = {
-        {C::set_clk, &E::setCLK},
-        {C::leave, &E::leave},
-        {C::ident, &E::ident},
-        {C::erase, &E::erase},
-        {C::test_empty_flash, &E::testEmptyFlash},
-        {C::test_empty_eeprom, &E::testEmptyEEPROM},
-        {C::fuse_read, &E::readFuse},
-        {C::fuse_write, &E::writeFuse},
-        {C::fuse_verify, &E::verifyFuse},
-        {C::lock_read, &E::readLockBits},
-        {C::lock_write, &E::writeLockBits},
-        {C::lock_verify, &E::verifyLockBits},
-        {C::osccal_read, &E::readOscCal},
-    };
-    const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
-    const TCmdRow* row = TCmdTable::find(TDevAVR8_SPI::cmdTable(), code);
-    if (!row) return false;
-    bool ok = false;
-    RangeCmd cmd;
-    if (rangeCmdOf(*row, cmd))
-        ok = range(port, row->space == 1 ? Space::Eeprom : Space::Flash, cmd);
-    else
-        for (const auto& entry : own)
-            if (code == QLatin1String(entry.code)) ok = (this->*entry.op)(port);
-    // A stop on the user's request is no failure: the worker sees its stop flag and ends as stopped.
-    return ok || isStop();
+    return runByTable<E>(
+        *this, port, TDevAVR8_SPI::cmdTable(),
+        {
+            {C::set_clk, &E::setCLK},
+            {C::leave, &E::leave},
+            {C::ident, &E::ident},
+            {C::erase, &E::erase},
+            {C::test_empty_flash, &E::testEmptyFlash},
+            {C::test_empty_eeprom, &E::testEmptyEEPROM},
+            {C::fuse_read, &E::readFuse},
+            {C::fuse_write, &E::writeFuse},
+            {C::fuse_verify, &E::verifyFuse},
+            {C::lock_read, &E::readLockBits},
+            {C::lock_write, &E::writeLockBits},
+            {C::lock_verify, &E::verifyLockBits},
+            {C::osccal_read, &E::readOscCal},
+        },
+        [&](int space, RangeCmd cmd) { return range(port, space == 1 ? Space::Eeprom : Space::Flash, cmd); });
 }
 
 // ---- shared steps ----

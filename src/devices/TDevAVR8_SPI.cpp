@@ -14,7 +14,7 @@
 #include <QRegularExpression>
 
 namespace {
-const QString kData = QStringLiteral("data");
+const QString kData = CTagCmdRegister::data;
 
 // ---- fuses, lock bits and calibration: a group of bytes the catalogue describes ----
 

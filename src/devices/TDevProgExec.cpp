@@ -89,23 +89,26 @@ bool TDevProgExec::execute(TSerialPort& port, bool& finish, int&, int&) {
     using namespace CTagCmdCode;
     const QString code = TAPP_PARAM(param, CTagCmd::cmd).toString();
     auto num = [this](const char* key) { return TAPP_PARAM(param, key).toDouble(); };
-    if (code == set_vcc) return send(port, CProtocol::Prog::SetVcc, payloadVolt(num("vcc")));
-    if (code == set_vpp) return send(port, CProtocol::Prog::SetVpp, payloadVolt(num("vpp")));
+    if (code == set_vcc) return send(port, CProtocol::Prog::SetVcc, payloadVolt(num(CTagCmdProgSetVCC::vcc)));
+    if (code == set_vpp) return send(port, CProtocol::Prog::SetVpp, payloadVolt(num(CTagCmdProgSetVPP::vpp)));
     if (code == set_vicc)
         return send(port, CProtocol::Prog::SetVIcc,
-                    payloadVIcc(num("vcc"), num("icc"), TAPP_PARAM(param, "ocp").toBool()));
+                    payloadVIcc(num(CTagCmdProgSetVICC::vcc), num(CTagCmdProgSetVICC::icc),
+                                TAPP_PARAM(param, CTagCmdProgSetVICC::ocp).toBool()));
     if (code == set_vipp)
         return send(port, CProtocol::Prog::SetVIpp,
-                    payloadVIpp(num("vpp"), num("ipp"), TAPP_PARAM(param, "ocp").toBool()));
+                    payloadVIpp(num(CTagCmdProgSetVIPP::vpp), num(CTagCmdProgSetVIPP::ipp),
+                                TAPP_PARAM(param, CTagCmdProgSetVIPP::ocp).toBool()));
     if (code == set_io)
         return send(port, CProtocol::Prog::SetIO,
                     TNormCmdParam::cmdLeaveExec(TAPP_PARAM(param, CTagCmd::id_cmd).toInt(), false));
     if (code == CTagCmdCode::reset)
-        return send(port, CProtocol::Prog::Reset, payloadReset(TAPP_PARAM(param, "duration").toInt()));
+        return send(port, CProtocol::Prog::Reset,
+                    payloadReset(TAPP_PARAM(param, CTagCmdProgReset::duration).toInt()));
     if (code == gen)
-        return send(
-            port, CProtocol::Prog::Generator,
-            payloadGenerator(TAPP_PARAM(param, "freq").toUInt(), TAPP_PARAM(param, "duty_cycle").toUInt()));
+        return send(port, CProtocol::Prog::Generator,
+                    payloadGenerator(TAPP_PARAM(param, CTagCmdProgGenerator::freq).toUInt(),
+                                     TAPP_PARAM(param, CTagCmdProgGenerator::duty_cycle).toUInt()));
     if (code == set_device) return execSetDevice(port);
     if (code == auto_detect) return execAutoDetect(port, finish);
     return false;
@@ -144,7 +147,7 @@ bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {
         }
     if (matches.isEmpty()) {
         const QString text = Lang.get(402) + QStringLiteral(" (%1)").arg(signature);
-        if (!TAPP_PARAM(param, "stop").toBool()) {
+        if (!TAPP_PARAM(param, CTagCmdProgAutoDetect::stop).toBool()) {
             emit signalEventText(ExecInfo, text, QString());
             return true;
         }
@@ -165,7 +168,7 @@ bool TDevProgExec::execAutoDetect(TSerialPort& port, bool& finish) {
             port.close();
             emit signalEventText(ExecInfo, Lang.get(403).arg(ProjectData.getNameCfgFromIdCfg(target)),
                                  QString());
-            if (TAPP_PARAM(param, "execute").toBool()) emit signalExecuteFromCmd(target);
+            if (TAPP_PARAM(param, CTagCmdProgAutoDetect::execute).toBool()) emit signalExecuteFromCmd(target);
             finish = true;
             return true;
         }

@@ -12,6 +12,7 @@
 #include "link/TSerialPort.h"
 #include "misc/dev_misc.h"
 #include "project/CTagCmdCode.h"
+#include "project/CTagCmdParam.h"
 #include "project/CTagPrj.h"
 #include "project/TDataCmd.h"
 #include "project/TDataPrj.h"
@@ -61,7 +62,7 @@ bool TDevToolsExec::execute(TSerialPort& port, bool& finish, int& idCfg, int& id
 }
 
 bool TDevToolsExec::execDelay() {
-    const qint64 value = TAPP_PARAM(param, "value").toLongLong();
+    const qint64 value = TAPP_PARAM(param, CTagCmdToolsDelay::value).toLongLong();
     QElapsedTimer timer;
     timer.start();
     if (value < 500) {
@@ -101,7 +102,7 @@ bool TDevToolsExec::execPause() {
 bool TDevToolsExec::execJamp(int& idCfg, int& idCmd) {
     TLocker lock(ProjectData.getMutex());
     const int from = idCfg;
-    const int target = TAPP_PARAM(param, "to_cmd").toInt();
+    const int target = TAPP_PARAM(param, CTagCmdToolsJamp::to_cmd).toInt();
     const int apos = ProjectData.getAPosCmdFromIdCmd(target);
     if (apos < 0) {
         setErrorText(Lang.get(462));
@@ -125,9 +126,9 @@ bool TDevToolsExec::execJamp(int& idCfg, int& idCmd) {
 }
 
 bool TDevToolsExec::execCounter(bool& finish) {
-    const qint64 value = TAPP_PARAM(param, "value").toLongLong();
-    const qint64 delta = TAPP_PARAM(param, "delta").toLongLong();
-    qint64 limit = TAPP_PARAM(param, "limit").toLongLong();
+    const qint64 value = TAPP_PARAM(param, CTagCmdToolsCounter::value).toLongLong();
+    const qint64 delta = TAPP_PARAM(param, CTagCmdToolsCounter::delta).toLongLong();
+    qint64 limit = TAPP_PARAM(param, CTagCmdToolsCounter::limit).toLongLong();
     const qint64 maxInt = std::numeric_limits<qint32>::max();
     auto fail = [this] {
         setErrorText(Lang.get(395));
@@ -159,7 +160,7 @@ bool TDevToolsExec::execCounter(bool& finish) {
 }
 
 bool TDevToolsExec::execProcess() {
-    const QString command = TAPP_PARAM(param, "file").toString();
+    const QString command = TAPP_PARAM(param, CTagCmdToolsProcess::file).toString();
     if (!processAllowed) {
         setErrorText(Lang.get(460).arg(command));
         return false;
@@ -180,7 +181,7 @@ bool TDevToolsExec::execProcess() {
 }
 
 bool TDevToolsExec::execExecute() {
-    const int cfg = TAPP_PARAM(param, "cfg").toInt();
+    const int cfg = TAPP_PARAM(param, CTagCmdToolsExecute::cfg).toInt();
     if (ProjectData.getPosCfgFromIdCfg(cfg) < 0) {
         setErrorText(Lang.get(397));
         return false;
@@ -199,13 +200,13 @@ void TDevToolsExec::processGUI(int& last, qint64 done, qint64 total) {
 }
 
 bool TDevToolsExec::execCalcCRC() {
-    const QString name = TAPP_PARAM(param, "crc_name").toString();
-    const QString file =
-        TApp::getAbsoluteFile(ProjectData.getPrjWorkPath(), TAPP_PARAM(param, "file").toString());
-    const QString format = TAPP_PARAM(param, "format").toString().toLower();
-    const qint64 addr = TAPP_PARAM(param, "addr").toLongLong();
-    qint64 count = TAPP_PARAM(param, "count").toLongLong();
-    const char fill = char(TAPP_PARAM(param, "fill").toInt());
+    const QString name = TAPP_PARAM(param, CTagCmdToolsCalcCRC::crc_name).toString();
+    const QString file = TApp::getAbsoluteFile(ProjectData.getPrjWorkPath(),
+                                               TAPP_PARAM(param, CTagCmdToolsCalcCRC::file).toString());
+    const QString format = TAPP_PARAM(param, CTagCmdToolsCalcCRC::format).toString().toLower();
+    const qint64 addr = TAPP_PARAM(param, CTagCmdToolsCalcCRC::addr).toLongLong();
+    qint64 count = TAPP_PARAM(param, CTagCmdToolsCalcCRC::count).toLongLong();
+    const char fill = char(TAPP_PARAM(param, CTagCmdToolsCalcCRC::fill).toInt());
     std::unique_ptr<ICRC> crc(TCRC::createCRCObject(name));
     if (!crc) {
         setErrorText(Lang.get(461).arg(name));
@@ -279,13 +280,13 @@ bool TDevToolsExec::execSetProg(TSerialPort& port) {
         TDataCmd* cmd = ProjectData.getCmdObjectFromIdCmd(TAPP_PARAM(param, CTagCmd::id_cmd).toInt());
         prog = cmd ? cmd->getProgObject() : nullptr;
     }
-    const QString name = TAPP_PARAM(param, "prog").toString();
+    const QString name = TAPP_PARAM(param, CTagCmdToolsSetProg::prog).toString();
     if (!prog || !AppData.progName.contains(name)) {
         setErrorText(Lang.get(398));
         return false;
     }
-    const QString portName = TAPP_PARAM(param, "alt_enabled").toBool()
-                                 ? TAPP_PARAM(param, "alt_port").toString()
+    const QString portName = TAPP_PARAM(param, CTagCmdToolsSetProg::alt_enabled).toBool()
+                                 ? TAPP_PARAM(param, CTagCmdToolsSetProg::alt_port).toString()
                                  : AppData.progName.getData(name).port;
     if (!waitForPort(port, portName)) return false;
     if (!port.open(portName, TSerialPort::OpenMode(QIODevice::ReadWrite))) {

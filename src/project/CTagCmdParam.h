@@ -21,6 +21,18 @@ namespace CTagCmdSetCLK {
 inline constexpr const char* clk = "clk";
 }
 
+// ---- the chip families' own commands ----
+// The bytes of a register command: status and security registers, unique ID, fuses, lock bits and
+// calibration, as hex text (the security registers' mask as a number).
+namespace CTagCmdRegister {
+inline constexpr const char* data = "data";
+}
+namespace CTagCmdDev25EraseBlocks {
+inline constexpr const char* size = "size";
+inline constexpr const char* begin = "begin";
+inline constexpr const char* count = "count";
+} // namespace CTagCmdDev25EraseBlocks
+
 // ---- the programmer's commands ----
 namespace CTagCmdProgSetVCC {
 inline constexpr const char* vcc = "vcc";
