@@ -23,7 +23,7 @@ bool TDev25Exec::execute(TSerialPort& port, bool&, int&, int&) {
     return runByTable<E>(*this, port, TDev25::cmdTable(),
                          {
                              {C::set_clk, &E::setCLK},
-                             {C::ident, &E::ident},
+                             {C::ident, &E::identify},
                              {C::erase, &E::erase},
                              {C::test_empty, &E::testEmpty},
                              {C::erase_blocks, &E::eraseBlocks},
@@ -100,10 +100,6 @@ bool TDev25Exec::execReadSignature(TSerialPort& port, QString& signature) {
     if (!TDev25Alg::ident(alg("alg_ident"), port, id, err)) return fail(err, "alg_ident");
     signature = TMiscDev::getHexFromByteArray(id);
     return true;
-}
-
-bool TDev25Exec::ident(TSerialPort& port) {
-    return identify(port);
 }
 
 bool TDev25Exec::setCLK(TSerialPort& port) {

@@ -13,7 +13,6 @@ public:
     bool execReadSignature(TSerialPort& port, QString& signature) override;
 
     bool setCLK(TSerialPort& port);
-    bool ident(TSerialPort& port);
     bool erase(TSerialPort& port);
     bool testEmpty(TSerialPort& port);
     bool eraseBlocks(TSerialPort& port);

@@ -27,7 +27,7 @@ bool TDevAVR8Exec::execute(TSerialPort& port, bool&, int&, int&) {
         {
             {C::set_clk, &E::setCLK},
             {C::leave, &E::leave},
-            {C::ident, &E::ident},
+            {C::ident, &E::identify},
             {C::erase, &E::erase},
             {C::test_empty_flash, &E::testEmptyFlash},
             {C::test_empty_eeprom, &E::testEmptyEEPROM},
@@ -107,10 +107,6 @@ bool TDevAVR8Exec::execReadSignature(TSerialPort& port, QString& signature) {
     if (!TDevAVR8Alg::ident(alg("alg_ident"), port, id, err)) return failAlg(err, "alg_ident");
     signature = TMiscDev::getHexFromByteArray(id);
     return true;
-}
-
-bool TDevAVR8Exec::ident(TSerialPort& port) {
-    return identify(port);
 }
 
 bool TDevAVR8Exec::setCLK(TSerialPort& port) {

@@ -15,7 +15,6 @@ public:
 
     bool setCLK(TSerialPort& port);
     bool leave(TSerialPort& port);
-    bool ident(TSerialPort& port);
     bool erase(TSerialPort& port);
     bool testEmptyFlash(TSerialPort& port);
     bool testEmptyEEPROM(TSerialPort& port);
