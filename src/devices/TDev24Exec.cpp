@@ -24,7 +24,7 @@ bool TDev24CExec::execute(TSerialPort& port, bool&, int&, int&) {
                              {C::test_empty, &E::testEmpty},
                              {C::leave, &E::leave},
                          },
-                         [&](int, RangeCmd cmd) { return range(port, cmd); });
+                         [&](int, RangeCmd cmd) { return prepare(port) && runRange(memory(port), cmd); });
 }
 
 bool TDev24CExec::execReadSignature(TSerialPort&, QString&) {
@@ -62,10 +62,6 @@ TMemorySpace TDev24CExec::memory(TSerialPort& port) {
     s.writeChunk = page;
     s.progress = TMemorySpace::Progress::OnChange;
     return s;
-}
-
-bool TDev24CExec::range(TSerialPort& port, RangeCmd cmd) {
-    return prepare(port) && runRange(memory(port), cmd);
 }
 
 // ---- commands ----

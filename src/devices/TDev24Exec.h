@@ -26,7 +26,6 @@ private:
     bool prepare(TSerialPort& port);
     // The EEPROM array: page-sized writes, so that no write crosses a page of the chip.
     TMemorySpace memory(TSerialPort& port);
-    bool range(TSerialPort& port, RangeCmd cmd);
 
     int page = 0;
     unsigned char addrSize = 0;

@@ -20,23 +20,24 @@ TDev25Exec::TDev25Exec(const TData& p, QObject* parent) : IDeviceExec(p, parent)
 bool TDev25Exec::execute(TSerialPort& port, bool&, int&, int&) {
     namespace C = CTagCmdCode;
     using E = TDev25Exec;
-    return runByTable<E>(*this, port, TDev25::cmdTable(),
-                         {
-                             {C::set_clk, &E::setCLK},
-                             {C::ident, &E::identify},
-                             {C::erase, &E::erase},
-                             {C::test_empty, &E::testEmpty},
-                             {C::erase_blocks, &E::eraseBlocks},
-                             {C::test_empty_blocks, &E::testEmptyBlocks},
-                             {C::status_reg_read, &E::readStatusReg},
-                             {C::status_reg_write, &E::writeStatusReg},
-                             {C::status_reg_verify, &E::verifyStatusReg},
-                             {C::security_reg_erase, &E::eraseSecurityReg},
-                             {C::security_reg_test_empty, &E::testEmptySecurityReg},
-                             {C::unique_id_read, &E::readUniqueID},
-                             {C::leave, &E::leave},
-                         },
-                         [&](int space, RangeCmd cmd) { return range(port, Space(space), cmd); });
+    return runByTable<E>(
+        *this, port, TDev25::cmdTable(),
+        {
+            {C::set_clk, &E::setCLK},
+            {C::ident, &E::identify},
+            {C::erase, &E::erase},
+            {C::test_empty, &E::testEmpty},
+            {C::erase_blocks, &E::eraseBlocks},
+            {C::test_empty_blocks, &E::testEmptyBlocks},
+            {C::status_reg_read, &E::readStatusReg},
+            {C::status_reg_write, &E::writeStatusReg},
+            {C::status_reg_verify, &E::verifyStatusReg},
+            {C::security_reg_erase, &E::eraseSecurityReg},
+            {C::security_reg_test_empty, &E::testEmptySecurityReg},
+            {C::unique_id_read, &E::readUniqueID},
+            {C::leave, &E::leave},
+        },
+        [&](int space, RangeCmd cmd) { return prepare(port) && runRange(memory(port, Space(space)), cmd); });
 }
 
 // ---- shared steps ----
@@ -85,10 +86,6 @@ TMemorySpace TDev25Exec::memory(TSerialPort& port, Space space) {
                    : page > 0            ? qMin(maxData, page)
                                          : maxData;
     return s;
-}
-
-bool TDev25Exec::range(TSerialPort& port, Space space, RangeCmd cmd) {
-    return prepare(port) && runRange(memory(port, space), cmd);
 }
 
 // ---- identification, clock, leave ----

@@ -32,7 +32,6 @@ private:
     bool prepare(TSerialPort& port);
     unsigned alg(const char* key) const;
     TMemorySpace memory(TSerialPort& port, Space space);
-    bool range(TSerialPort& port, Space space, RangeCmd cmd);
     // A packet builder's failure: its text (none for an algorithm it does not have).
     bool fail(const QString& err, const char* algKey);
     // Erases count blocks of block bytes from block first on with opcode, with progress.

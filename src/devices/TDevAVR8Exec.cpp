@@ -22,24 +22,26 @@ TDevAVR8Exec::TDevAVR8Exec(const TData& p, QObject* parent) : IDeviceExec(p, par
 bool TDevAVR8Exec::execute(TSerialPort& port, bool&, int&, int&) {
     namespace C = CTagCmdCode;
     using E = TDevAVR8Exec;
-    return runByTable<E>(
-        *this, port, TDevAVR8_SPI::cmdTable(),
-        {
-            {C::set_clk, &E::setCLK},
-            {C::leave, &E::leave},
-            {C::ident, &E::identify},
-            {C::erase, &E::erase},
-            {C::test_empty_flash, &E::testEmptyFlash},
-            {C::test_empty_eeprom, &E::testEmptyEEPROM},
-            {C::fuse_read, &E::readFuse},
-            {C::fuse_write, &E::writeFuse},
-            {C::fuse_verify, &E::verifyFuse},
-            {C::lock_read, &E::readLockBits},
-            {C::lock_write, &E::writeLockBits},
-            {C::lock_verify, &E::verifyLockBits},
-            {C::osccal_read, &E::readOscCal},
-        },
-        [&](int space, RangeCmd cmd) { return range(port, space == 1 ? Space::Eeprom : Space::Flash, cmd); });
+    return runByTable<E>(*this, port, TDevAVR8_SPI::cmdTable(),
+                         {
+                             {C::set_clk, &E::setCLK},
+                             {C::leave, &E::leave},
+                             {C::ident, &E::identify},
+                             {C::erase, &E::erase},
+                             {C::test_empty_flash, &E::testEmptyFlash},
+                             {C::test_empty_eeprom, &E::testEmptyEEPROM},
+                             {C::fuse_read, &E::readFuse},
+                             {C::fuse_write, &E::writeFuse},
+                             {C::fuse_verify, &E::verifyFuse},
+                             {C::lock_read, &E::readLockBits},
+                             {C::lock_write, &E::writeLockBits},
+                             {C::lock_verify, &E::verifyLockBits},
+                             {C::osccal_read, &E::readOscCal},
+                         },
+                         [&](int space, RangeCmd cmd) {
+                             return prepare(port) &&
+                                    runRange(memory(port, space == 1 ? Space::Eeprom : Space::Flash), cmd);
+                         });
 }
 
 // ---- shared steps ----
@@ -92,10 +94,6 @@ TMemorySpace TDevAVR8Exec::memory(TSerialPort& port, Space space) {
     s.readChunk = maxData;
     s.writeChunk = space == Space::Flash && page > 0 ? qMin(maxData, page) : maxData;
     return s;
-}
-
-bool TDevAVR8Exec::range(TSerialPort& port, Space space, RangeCmd cmd) {
-    return prepare(port) && runRange(memory(port, space), cmd);
 }
 
 // ---- identification, clock, leave, erase ----

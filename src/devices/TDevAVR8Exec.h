@@ -35,7 +35,6 @@ private:
     bool prepare(TSerialPort& port);
     int alg(const char* key) const;
     TMemorySpace memory(TSerialPort& port, Space space);
-    bool range(TSerialPort& port, Space space, RangeCmd cmd);
     bool testEmptySpace(TSerialPort& port, Space space);
 
     bool readFuseBytes(TSerialPort& port, QByteArray& read);
