@@ -16,7 +16,7 @@ unsigned int clockOf(const QByteArray& d, int at) {
 } // namespace
 
 TBridgeBusPirate::TBridgeBusPirate()
-    : IBridge("buspirate", interface, {CBridge::typeSpiFlash, CBridge::typeI2c}) {}
+    : IBridge(protocolName, interface, {CBridge::typeSpiFlash, CBridge::typeI2c}) {}
 
 QString TBridgeBusPirate::name(unsigned char cmd) {
     return QStringLiteral("0x%1").arg(cmd, 2, 16, QChar('0')).toUpper().replace("0X", "0x");

@@ -9,6 +9,8 @@ class TBridgeBusPirate : public IBridge {
 public:
     TBridgeBusPirate();
 
+    // The "/Main/Protocol" value of its descriptions.
+    static constexpr const char* protocolName = "buspirate";
     static constexpr unsigned short interface = 0x0B03;
     static constexpr int enterQuietMs = 20;
 

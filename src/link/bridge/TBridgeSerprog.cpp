@@ -22,7 +22,7 @@ int u24(const QByteArray& d) {
 
 } // namespace
 
-TBridgeSerprog::TBridgeSerprog() : IBridge("serprog", interface, {CBridge::typeSpiFlash}) {}
+TBridgeSerprog::TBridgeSerprog() : IBridge(protocolName, interface, {CBridge::typeSpiFlash}) {}
 
 QByteArray TBridgeSerprog::length24(int n) {
     QByteArray b;

@@ -10,6 +10,8 @@ class TBridgeSerprog : public IBridge {
 public:
     TBridgeSerprog();
 
+    // The "/Main/Protocol" value of its descriptions.
+    static constexpr const char* protocolName = "serprog";
     static constexpr unsigned short interface = 0x0B01;
 
     // Packet builders.

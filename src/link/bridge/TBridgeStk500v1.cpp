@@ -31,7 +31,7 @@ int le16(const QByteArray& d, int at) {
 }
 } // namespace
 
-TBridgeStk500v1::TBridgeStk500v1() : IBridge("stk500v1", interface, {CBridge::typeAvr}) {}
+TBridgeStk500v1::TBridgeStk500v1() : IBridge(protocolName, interface, {CBridge::typeAvr}) {}
 
 void TBridgeStk500v1::describeTarget(const TData& params) {
     part = params;

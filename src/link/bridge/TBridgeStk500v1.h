@@ -10,6 +10,8 @@ public:
     TBridgeStk500v1();
     void describeTarget(const TData& params) override;
 
+    // The "/Main/Protocol" value of its descriptions.
+    static constexpr const char* protocolName = "stk500v1";
     static constexpr unsigned short interface = 0x0B02;
     // The board resets when the port opens and starts the sketch after its boot loader.
     static constexpr int resetPulseMs = 50;

@@ -5,20 +5,27 @@
 #include "link/bridge/TBridgeStk500v1.h"
 
 namespace {
-// Each bridge names its own protocol; making one does nothing on any port.
-using Make = std::unique_ptr<IBridge> (*)();
 template <class B> std::unique_ptr<IBridge> make() {
     return std::make_unique<B>();
 }
-const Make table[] = {make<TBridgeSerprog>, make<TBridgeStk500v1>, make<TBridgeBusPirate>};
+
+// Each bridge by the protocol name it gives itself.
+const struct {
+    const char* name;
+    std::unique_ptr<IBridge> (*make)();
+} table[] = {
+    {TBridgeSerprog::protocolName, make<TBridgeSerprog>},
+    {TBridgeStk500v1::protocolName, make<TBridgeStk500v1>},
+    {TBridgeBusPirate::protocolName, make<TBridgeBusPirate>},
+};
 } // namespace
 
 const char* const TBridgeTable::native = "native";
 
 QStringList TBridgeTable::names() {
     QStringList list{native};
-    for (Make m : table)
-        list << m()->protocol();
+    for (const auto& e : table)
+        list << e.name;
     return list;
 }
 
@@ -27,9 +34,7 @@ bool TBridgeTable::contains(const QString& protocol) {
 }
 
 std::unique_ptr<IBridge> TBridgeTable::create(const QString& protocol) {
-    for (Make m : table) {
-        std::unique_ptr<IBridge> bridge = m();
-        if (bridge->protocol() == protocol) return bridge;
-    }
+    for (const auto& e : table)
+        if (protocol == QLatin1String(e.name)) return e.make();
     return nullptr;
 }
