@@ -110,7 +110,7 @@ protected:
     // command abandoned on the user's request is no failure: the worker sees its stop flag next and ends
     // the run as stopped.
     template <class E, class Range>
-    bool runByTable(E& self, TSerialPort& port, const TCmdRows& rows, std::initializer_list<OwnOp<E>> own,
+    bool runByTable(TSerialPort& port, const TCmdRows& rows, std::initializer_list<OwnOp<E>> own,
                     Range range) {
         QString code;
         const TCmdRow* row = commandRow(rows, code);
@@ -121,7 +121,10 @@ protected:
             ok = range(row->space, cmd);
         else
             for (const OwnOp<E>& op : own)
-                if (code == QLatin1String(op.code)) ok = (self.*op.run)(port);
+                if (code == QLatin1String(op.code)) {
+                    ok = (static_cast<E*>(this)->*op.run)(port);
+                    break;
+                }
         return ok || isStop();
     }
     // The row of the record's command (its code in code); nullptr when the table has none.

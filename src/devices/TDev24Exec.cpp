@@ -16,7 +16,7 @@ TDev24CExec::TDev24CExec(const TData& p, QObject* parent) : IDeviceExec(p, paren
 bool TDev24CExec::execute(TSerialPort& port, bool&, int&, int&) {
     namespace C = CTagCmdCode;
     using E = TDev24CExec;
-    return runByTable<E>(*this, port, TDev24::cmdTable(),
+    return runByTable<E>(port, TDev24::cmdTable(),
                          {
                              {C::set_addr, &E::setAddress},
                              {C::set_clk, &E::setCLK},

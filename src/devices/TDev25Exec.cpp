@@ -21,7 +21,7 @@ bool TDev25Exec::execute(TSerialPort& port, bool&, int&, int&) {
     namespace C = CTagCmdCode;
     using E = TDev25Exec;
     return runByTable<E>(
-        *this, port, TDev25::cmdTable(),
+        port, TDev25::cmdTable(),
         {
             {C::set_clk, &E::setCLK},
             {C::ident, &E::identify},

@@ -16,7 +16,7 @@ TDev93CExec::TDev93CExec(const TData& p, QObject* parent) : IDeviceExec(p, paren
 bool TDev93CExec::execute(TSerialPort& port, bool&, int&, int&) {
     namespace C = CTagCmdCode;
     using E = TDev93CExec;
-    return runByTable<E>(*this, port, TDev93C::cmdTable(),
+    return runByTable<E>(port, TDev93C::cmdTable(),
                          {
                              {C::set_clk, &E::execSetCLK},
                              {C::erase, &E::execErase},

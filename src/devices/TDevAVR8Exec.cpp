@@ -22,7 +22,7 @@ TDevAVR8Exec::TDevAVR8Exec(const TData& p, QObject* parent) : IDeviceExec(p, par
 bool TDevAVR8Exec::execute(TSerialPort& port, bool&, int&, int&) {
     namespace C = CTagCmdCode;
     using E = TDevAVR8Exec;
-    return runByTable<E>(*this, port, TDevAVR8_SPI::cmdTable(),
+    return runByTable<E>(port, TDevAVR8_SPI::cmdTable(),
                          {
                              {C::set_clk, &E::setCLK},
                              {C::leave, &E::leave},
