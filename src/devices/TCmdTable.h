@@ -38,6 +38,21 @@ struct TCmdOwn {
     bool (*check)(const TCmdFamily& dev, const TCmdRow& row, const TData& p);
 };
 
+// Hooks of a TCmdOwn for handling that needs only the record's parameters, not the device or the row.
+template <void (*F)(TData&)> void ownDefaultsOf(const TCmdFamily&, const TCmdRow&, TData& p) {
+    F(p);
+}
+template <QString (*F)(const TData&)> QString ownViewOf(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return F(p);
+}
+template <TFormCmd* (*F)(const TData&)>
+TFormCmd* ownFormOf(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return F(p);
+}
+template <bool (*F)(const TData&)> bool ownCheckOf(const TCmdFamily&, const TCmdRow&, const TData& p) {
+    return F(p);
+}
+
 // One row of a family's command table: the command code, its kind, what it does, the memory space it
 // works on (the family's own numbering; 0 is the main memory) and, for its own kind, its handling.
 struct TCmdRow {

@@ -26,10 +26,6 @@ template <void (*F)(TProg*, TData&)> void progDefaults(const TCmdFamily&, const 
     F(TDevProg::progOf(p), p);
 }
 
-template <QString (*F)(const TData&)> QString viewOf(const TCmdFamily&, const TCmdRow&, const TData& p) {
-    return F(p);
-}
-
 template <TFormCmd* (*F)(TProg*, const TData&)>
 TFormCmd* progForm(const TCmdFamily&, const TCmdRow&, const TData& p) {
     return F(TDevProg::progOf(p), p);
@@ -58,9 +54,9 @@ template <const TProgSupply& S> bool supplyCheck(const TCmdFamily&, const TCmdRo
 
 template <const TProgSupply& S>
 const TCmdOwn supply{supplyDefaults<S>, supplyView<S>, supplyForm<S>, supplyCheck<S>};
-const TCmdOwn resetOwn{progDefaults<TDevProg::cmdResetDefault>, viewOf<TDevProg::cmdResetView>,
+const TCmdOwn resetOwn{progDefaults<TDevProg::cmdResetDefault>, ownViewOf<TDevProg::cmdResetView>,
                        progForm<TDevProg::cmdResetForm>, progCheck<TDevProg::cmdResetCheck>};
-const TCmdOwn generator{progDefaults<TDevProg::cmdGeneratorDefault>, viewOf<TDevProg::cmdGeneratorView>,
+const TCmdOwn generator{progDefaults<TDevProg::cmdGeneratorDefault>, ownViewOf<TDevProg::cmdGeneratorView>,
                         progForm<TDevProg::cmdGeneratorForm>, progCheck<TDevProg::cmdGeneratorCheck>};
 
 // The pin states of set_io are those of a leave, without its duration.
@@ -79,20 +75,21 @@ QString deviceName(const TData& p) {
     return p.value(CTagCmdProgSetDevice::device).toString();
 }
 
-const TCmdOwn setDevice{
-    [](const TCmdFamily&, const TCmdRow&, TData& p) {
-        p.insert(CTagCmdProgSetDevice::device, deviceName(p));
-        p.insert(CTagCmdProgSetDevice::file, p.value(CTagCmdProgSetDevice::file).toString());
-    },
-    viewOf<deviceName>,
-    [](const TCmdFamily&, const TCmdRow&, const TData& p) { return TDevProg::cmdSetDeviceForm(p); },
-    [](const TCmdFamily&, const TCmdRow&, const TData& p) { return !deviceName(p).isEmpty(); }};
+void setDeviceDefaults(TData& p) {
+    p.insert(CTagCmdProgSetDevice::device, deviceName(p));
+    p.insert(CTagCmdProgSetDevice::file, p.value(CTagCmdProgSetDevice::file).toString());
+}
 
-const TCmdOwn autoDetect{
-    [](const TCmdFamily&, const TCmdRow&, TData& p) { TDevProg::cmdAutoDetectDefault(p); },
-    viewOf<TDevProg::cmdAutoDetectView>,
-    [](const TCmdFamily&, const TCmdRow&, const TData& p) { return TDevProg::cmdAutoDetectForm(p); },
-    [](const TCmdFamily&, const TCmdRow&, const TData& p) { return TDevProg::cmdAutoDetectCheck(p); }};
+bool setDeviceCheck(const TData& p) {
+    return !deviceName(p).isEmpty();
+}
+
+const TCmdOwn setDevice{ownDefaultsOf<setDeviceDefaults>, ownViewOf<deviceName>,
+                        ownFormOf<TDevProg::cmdSetDeviceForm>, ownCheckOf<setDeviceCheck>};
+
+const TCmdOwn autoDetect{ownDefaultsOf<TDevProg::cmdAutoDetectDefault>,
+                         ownViewOf<TDevProg::cmdAutoDetectView>, ownFormOf<TDevProg::cmdAutoDetectForm>,
+                         ownCheckOf<TDevProg::cmdAutoDetectCheck>};
 } // namespace
 
 TDevProg::TDevProg(const QString& code, const TData& param) : TCmdFamily(code, param, cmdTable()) {}

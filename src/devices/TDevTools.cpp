@@ -27,16 +27,12 @@ bool fitsInt32(const QVariant& v) {
 using Dev = const TCmdFamily&;
 using Row = const TCmdRow&;
 
-template <TFormCmd* (*F)(const TData&)> TFormCmd* formOf(Dev, Row, const TData& p) {
-    return F(p);
-}
-
 // ---- delay ----
 const TCmdOwn delayOwn{[](Dev, Row, TData& p) { p.insert(CTagCmdToolsDelay::value, TDevTools::delayDef); },
                        [](Dev, Row, const TData& p) {
                            return QStringLiteral("%1 ms").arg(p.value(CTagCmdToolsDelay::value).toLongLong());
                        },
-                       formOf<TDevTools::cmdDelayForm>,
+                       ownFormOf<TDevTools::cmdDelayForm>,
                        [](Dev, Row, const TData& p) {
                            bool ok = false;
                            const qint64 v = p.value(CTagCmdToolsDelay::value).toLongLong(&ok);
@@ -62,7 +58,7 @@ bool counterCheck(Dev, Row, const TData& p) {
            fitsInt32(p.value(CTagCmdToolsCounter::delta));
 }
 
-const TCmdOwn counterOwn{counterDefaults, counterView, formOf<TDevTools::cmdCounterForm>, counterCheck};
+const TCmdOwn counterOwn{counterDefaults, counterView, ownFormOf<TDevTools::cmdCounterForm>, counterCheck};
 
 // ---- jump to a command ----
 QString jampView(Dev, Row, const TData& p) {
@@ -84,13 +80,13 @@ bool jampCheck(Dev, Row, const TData& p) {
 
 const TCmdOwn jampOwn{
     [](Dev, Row, TData& p) { p.insert(CTagCmdToolsJamp::to_cmd, TDevTools::cmdJampDefault(p)); }, jampView,
-    formOf<TDevTools::cmdJampForm>, jampCheck};
+    ownFormOf<TDevTools::cmdJampForm>, jampCheck};
 
 // ---- external process and another configuration ----
 const TCmdOwn processOwn{
     [](Dev, Row, TData& p) { p.insert(CTagCmdToolsProcess::file, QString()); },
     [](Dev, Row, const TData& p) { return p.value(CTagCmdToolsProcess::file).toString(); },
-    formOf<TDevTools::cmdProcessForm>,
+    ownFormOf<TDevTools::cmdProcessForm>,
     [](Dev, Row, const TData& p) {
         return !p.value(CTagCmdToolsProcess::file).toString().trimmed().isEmpty();
     }};
@@ -100,7 +96,7 @@ const TCmdOwn executeOwn{
     [](Dev, Row, const TData& p) {
         return ProjectData.getNameCfgFromIdCfg(p.value(CTagCmdToolsExecute::cfg, -1).toInt());
     },
-    formOf<TDevTools::cmdExecuteForm>,
+    ownFormOf<TDevTools::cmdExecuteForm>,
     [](Dev, Row, const TData& p) {
         return ProjectData.getPosCfgFromIdCfg(p.value(CTagCmdToolsExecute::cfg, -1).toInt()) >= 0;
     }};
@@ -132,7 +128,7 @@ bool calcCrcCheck(Dev, Row, const TData& p) {
            TMiscDev::isRangeInside(addr, count, 0, LLONG_MAX) && fill >= 0 && fill <= 255;
 }
 
-const TCmdOwn calcCrcOwn{calcCrcDefaults, calcCrcView, formOf<TDevTools::cmdCalcCRCForm>, calcCrcCheck};
+const TCmdOwn calcCrcOwn{calcCrcDefaults, calcCrcView, ownFormOf<TDevTools::cmdCalcCRCForm>, calcCrcCheck};
 
 // ---- choice of the programmer ----
 void setProgDefaults(Dev, Row, TData& p) {
@@ -155,7 +151,7 @@ bool setProgCheck(Dev, Row, const TData& p) {
     return cmd && cmd->getProgObject();
 }
 
-const TCmdOwn setProgOwn{setProgDefaults, setProgView, formOf<TDevTools::cmdSetProgForm>, setProgCheck};
+const TCmdOwn setProgOwn{setProgDefaults, setProgView, ownFormOf<TDevTools::cmdSetProgForm>, setProgCheck};
 } // namespace
 
 TDevTools::TDevTools(const QString& code, const TData& param) : TCmdFamily(code, param, cmdTable()) {}
