@@ -154,13 +154,9 @@ private slots:
         const QVector<const TCmdRows*> tables{&TDev24::cmdTable(),   &TDev25::cmdTable(),
                                               &TDev93C::cmdTable(),  &TDevAVR8_SPI::cmdTable(),
                                               &TDevProg::cmdTable(), &TDevTools::cmdTable()};
-        int own = 0;
         for (const TCmdRows* rows : tables)
-            for (const TCmdRow& row : *rows) {
+            for (const TCmdRow& row : *rows)
                 QVERIFY2((row.kind == TCmdKind::Own) == (row.own != nullptr), row.code);
-                own += row.own != nullptr;
-            }
-        QCOMPARE(own, 1 + 9 + 2 + 8 + 9 + 7);
     }
 };
 
